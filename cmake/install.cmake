@@ -1,0 +1,26 @@
+# Installation: the library, its headers, find_package(k7core CONFIG) and pkg-config.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS k7core EXPORT k7core-targets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+if(NOT BUILD_SHARED_LIBS)
+  # A static library is linked together with its warning and sanitizer options.
+  install(TARGETS k7_options EXPORT k7core-targets)
+endif()
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/k7core)
+install(EXPORT k7core-targets NAMESPACE k7:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/k7core-config.cmake.in k7core-config.cmake
+  INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(k7core-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(FILES
+  ${CMAKE_CURRENT_BINARY_DIR}/k7core-config.cmake
+  ${CMAKE_CURRENT_BINARY_DIR}/k7core-config-version.cmake
+  DESTINATION ${package_dir})
+
+configure_file(cmake/k7core.pc.in k7core.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/k7core.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

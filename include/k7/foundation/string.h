@@ -1,0 +1,156 @@
+// K7String: the library's text. K7FmtString: a K7String whose constructor formats.
+#pragma once
+
+#include <k7/export.h>
+
+#include <cstdarg>
+
+class K7File;
+
+/// 8-bit NUL-terminated text on the heap. A default-constructed string is null and behaves as the empty text
+/// everywhere. The buffer grows to n + 1 + max(n / 10, 7) bytes for n characters and never shrinks; the length is
+/// not stored. Comparison, classification and case mapping are those of plain bytes in the "C" locale, whatever
+/// locale the host has set. A value: copies are deep; const operations need no lock.
+///
+/// Operations that grow return `K7_ERR_MEMORY` when memory runs out and then leave the contents as they were.
+class K7_API K7String {
+ public:
+  K7String() noexcept = default;
+  /// Copy of `text`; null gives a null string.
+  K7String(const char* text);
+  /// Deep copy with the same capacity.
+  K7String(const K7String& other);
+  K7String(K7String&& other) noexcept : m_text(other.m_text) { other.m_text = nullptr; }
+  ~K7String();
+
+  K7String& operator=(const K7String& other);
+  K7String& operator=(K7String&& other) noexcept;
+  K7String& operator=(const char* text);
+  K7String& operator=(char c);
+
+  /// Assigns. 0 without change when `text` is this string's own buffer, 1 after a copy (null copies as the empty
+  /// text), or K7_ERR_MEMORY.
+  int Create(const char* text);
+  /// Copies at most `n` bytes of `src` (n < 0: all of it). The bytes copied, 0 for null, or K7_ERR_MEMORY.
+  int Copy(const char* src, int n = -1);
+  /// Makes room for `n` characters and the terminator. 0 or K7_ERR_MEMORY.
+  int Alloc(int n);
+  /// Empties the text and zero-fills the buffer, which is kept.
+  void Clear();
+  /// Stores `c` at `i`, which must lie within the buffer: not checked. Does nothing on a null string.
+  void SetChar(int i, char c);
+
+  /// The byte at `i`; 0 outside the text.
+  char operator[](int i) const;
+  int Len() const;
+  /// Bytes in the buffer, terminator included; 0 for a null string.
+  int AllocLen() const;
+  bool IsEmpty() const { return !m_text || !*m_text; }
+  /// Never null.
+  operator const char*() const { return m_text ? m_text : ""; }
+
+  bool operator==(const char* s) const { return Comp(s) == 0; }
+  bool operator!=(const char* s) const { return Comp(s) != 0; }
+  bool operator<(const char* s) const { return Comp(s) < 0; }
+  bool operator>(const char* s) const { return Comp(s) > 0; }
+  bool operator==(const K7String& s) const { return Comp(s) == 0; }
+  bool operator!=(const K7String& s) const { return Comp(s) != 0; }
+  bool operator<(const K7String& s) const { return Comp(s) < 0; }
+  bool operator>(const K7String& s) const { return Comp(s) > 0; }
+
+  /// n >= 0: the first n bytes in the manner of `strncmp`. n < 0: the whole texts, exactly -1, 0 or 1.
+  int Comp(const char* s, int n = -1) const;
+  /// The same without regard to case, n < 0 meaning without limit; only the sign counts.
+  int IComp(const char* s, int n = -1) const;
+  /// 0 when either text is null.
+  static int IComp(const char* a, const char* b, int n = -1);
+  /// Position of `s` in the null-terminated `list`, whole and without regard to case; -1 if absent. A null `s` is
+  /// the first entry: callers pass null to mean it.
+  static int Index(const char* s, const char* const* list);
+
+  /// Searches give positions from the start of the text, -1 when there is none. `start` must lie within the text.
+  int Find(char c, int start = 0) const;
+  int Find(const char* s, int start = 0) const;
+  /// First byte that occurs in `set`.
+  int FindAny(const char* set, int start = 0) const;
+  /// Last occurrence.
+  int ReverseFind(char c) const;
+
+  void MakeUpper();
+  void MakeLower();
+  void MakeReverse();
+  /// Title case. Words are the runs between the bytes " -/(,0123456789\n". A word that begins an entry of the
+  /// null-terminated `exceptions` (null: none), without regard to case, is spelled as it stands there.
+  void MakeInitial(const char* const* exceptions = nullptr);
+  void TrimLeft(char c = ' ');
+  void TrimRight(char c = ' ');
+  void Trim(char c = ' ');
+  /// Removes bytes that occur in `set` from both ends.
+  void Trim(const char* set);
+  /// Number of bytes replaced.
+  int Replace(char from, char to);
+  /// Replaces from left to right and never rescans what it inserted; a null `to` deletes. The number of
+  /// replacements, or K7_ERR_MEMORY with nothing replaced.
+  int Replace(const char* from, const char* to);
+  /// Number of bytes removed.
+  int Remove(char c);
+  /// Inserts before `pos`, which may be the length. The new length, the unchanged length for a position outside
+  /// the text or a null text, or K7_ERR_MEMORY.
+  int Insert(int pos, char c);
+  int Insert(int pos, const char* s);
+  /// Removes `count` bytes at `pos`, clamped to the end. The resulting length.
+  int Delete(int pos, int count = 1);
+  /// 0 or K7_ERR_MEMORY.
+  int operator+=(const char* s);
+  int operator+=(char c);
+
+  /// Parts of the text as new strings; `err`, when given, receives 0 or K7_ERR_MEMORY.
+  K7String Left(int n, int* err = nullptr) const;
+  K7String Right(int n, int* err = nullptr) const;
+  /// A negative `count` takes everything from `start` on.
+  K7String Mid(int start, int count = -1, int* err = nullptr) const;
+  K7String operator+(const char* s) const;
+  K7String operator+(char c) const;
+  /// A plain copy that the caller frees with `free`; null for a null source (*err 0) or without memory.
+  char* Dup(int* err = nullptr) const;
+  static char* Dup(const char* s, int* err = nullptr);
+
+  /// Splits: `out` receives the bytes from `start` up to the first one in `delims` or the end. The position behind
+  /// that delimiter, or of the terminator; 0 when nothing is left, with `out` untouched. Adjacent delimiters give
+  /// empty tokens, a trailing one gives none:
+  ///     for (int pos = 0; (pos = text.Token(",", pos, token)) > 0;) ...
+  int Token(const char* delims, int start, K7String& out) const;
+
+  static bool IsLower(char c);
+  static bool IsAlpha(char c);
+  static bool IsDigit(char c);
+  static bool IsSpace(char c);
+  static bool IsAlnum(char c);
+  static bool IsPrint(char c);
+
+  /// Replaces the text by the printf-style expansion, always with a decimal point. The number of characters
+  /// written, K7_ERR_MEMORY, or the formatter's negative result. Beyond printf, "%C" is one byte from an int
+  /// argument, and the first backslash-x escape of the format (backslash, "x", two hexadecimal digits) becomes its
+  /// byte. Arguments may point into this string.
+  int Format(const char* fmt, ...);
+  int FormatV(const char* fmt, va_list args);
+
+  /// Reads what `Write` wrote. 0, the file's negative error, K7_ERR_MEMORY, or K7_ERR_FILE_IO for a short read.
+  int Read(K7File* file);
+  /// Writes a 16-bit little-endian count of the bytes that follow, then the text with its terminator; an empty text
+  /// is the count 0 alone. The count is the low 16 bits of length + 1. 0, the file's negative error, or
+  /// K7_ERR_FILE_IO for a short write.
+  int Write(K7File* file) const;
+
+ private:
+  // First character of a block that starts with the 32-bit capacity; null for a null string.
+  char* m_text = nullptr;
+};
+
+static_assert(sizeof(K7String) == sizeof(char*));
+
+/// A K7String made by `FormatV`; a null format gives a null string.
+class K7_API K7FmtString : public K7String {
+ public:
+  explicit K7FmtString(const char* fmt, ...);
+};

@@ -1,0 +1,69 @@
+// The native file system: K7IOK7 and K7FileK7.
+#pragma once
+
+#include <k7/io/file.h>
+#include <k7/io/io.h>
+
+#include <cstdio>
+
+/// Stream over the standard library's buffered files. A copy shares stream and mutex with its source: only one of
+/// the two may be closed or destroyed.
+class K7_API K7FileK7 : public K7File {
+ public:
+  K7FileK7() = default;
+  /// Opens when both are given.
+  K7FileK7(const char* path, const char* mode);
+  K7FileK7(const K7FileK7&) = default;
+  K7FileK7& operator=(const K7FileK7&) = default;
+  ~K7FileK7() override;
+
+  bool IsValid() override;
+  bool Open(const char* path, const char* mode) override;
+  void Close() override;
+  bool ReadLine(char* buf, int size) override;
+  bool WriteLine(const char* text) override;
+  int Read(void* buf, int n) override;
+  int Write(const void* buf, int n) override;
+  bool Seek(int pos) override;
+  int Tell() override;
+  void Flush() override;
+
+ private:
+  std::FILE* m_stream = nullptr;
+};
+
+/// The operating system's directories, downloads and dynamic libraries. A copy shares the internet handle with its
+/// source: only one of the two may be destroyed.
+///
+/// Patterns are a path whose last component may hold "*" and "?", matched without regard to case; "*.*" matches
+/// every name, and names come in case-insensitive order. Both "/" and "\" separate.
+class K7_API K7IOK7 : public K7IO {
+ public:
+  K7IOK7();
+  K7IOK7(const K7IOK7&) = default;
+  K7IOK7& operator=(const K7IOK7&) = default;
+  ~K7IOK7() override;
+
+  K7File* CreateFileX(const char* path, const char* mode) override;
+  /// Appends bare names of files and directories alike; names that end in "~" are skipped (editor backups).
+  void FindFiles(const char* pattern, K7StrArray& out) override;
+  /// Appends bare names, "." and ".." left out.
+  void FindDirs(const char* pattern, K7StrArray& out) override;
+  /// Appends full paths in pre-order, each ending in a backslash, down to 11 levels counted from depth 0. `dir` ends
+  /// with a separator.
+  void FindDirsRecur(const char* dir, K7StrArray& out, int depth) override;
+  bool DeleteFileX(const char* path) override;
+  /// http, https and ftp, never from a cache; a server's error page is saved like any body. A transfer that breaks
+  /// off returns false and leaves no file.
+  bool ReadURL(const char* url, const char* localPath) override;
+  void* LoadLibraryX(const char* file) override;
+  void* GetSymbol(void* module, const char* name) override;
+  /// 0, or K7_ERR_INVALID_DATA when the file cannot be opened or is empty.
+  int RetrieveRVXVersionString(const char* dir) override;
+  int GetRVXVersionString(char* dst, int len) override;
+  void UnLoadLibrary(void* module) override;
+
+ private:
+  void* m_internet = nullptr;
+  char m_version[30] = "0.0.0";
+};

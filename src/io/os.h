@@ -1,0 +1,51 @@
+// What the library asks of an operating system. io_posix.cpp and io_win32.cpp answer it, one of them in each build;
+// no other file includes a system header or tests a platform macro.
+#pragma once
+
+#include <cstdarg>
+#include <cstddef>
+
+class K7StrArray;
+
+namespace k7os {
+
+/// vsnprintf with a decimal point, whatever locale the host has set.
+int FormatC(char* dst, size_t size, const char* fmt, va_list args);
+
+/// Appends the bare names that match the last component of `pattern`, in case-insensitive order, "." and ".."
+/// included; with `dirsOnly` only directories.
+void ListDir(const char* pattern, bool dirsOnly, K7StrArray& out);
+
+/// `path` as the system spells it, its separators made native, in a buffer of this call's; for use at once.
+class NativePath {
+ public:
+  explicit NativePath(const char* path);
+  ~NativePath();
+  NativePath(const NativePath&) = delete;
+  NativePath& operator=(const NativePath&) = delete;
+  /// Null without memory.
+  const char* Text() const { return m_text; }
+
+ private:
+  char* m_text;
+};
+
+bool IsDirectory(const char* path);
+bool DeleteFile(const char* path);
+/// Puts a whole file into the place of another in one step.
+bool ReplaceFile(const char* from, const char* to);
+
+void* OpenLibrary(const char* file);
+void* FindSymbol(void* module, const char* name);
+void CloseLibrary(void* module);
+
+/// Receives a chunk of a download; false ends the transfer.
+using FetchSink = bool (*)(void* context, const void* data, size_t size);
+
+/// The handle that downloads go through; may be null, and then `FetchURL` fails.
+void* OpenInternet();
+void CloseInternet(void* internet);
+/// Downloads `url` past all caches. True when the whole body has been delivered.
+bool FetchURL(void* internet, const char* url, FetchSink sink, void* context);
+
+}  // namespace k7os
