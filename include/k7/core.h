@@ -1,0 +1,5 @@
+// The whole of k7core. A host that wants less includes the umbrella of a family, or one unit's header.
+#pragma once
+
+#include <k7/foundation.h>
+#include <k7/io.h>

@@ -1,0 +1,7 @@
+// Strings, containers, error codes, locks.
+#pragma once
+
+#include <k7/foundation/array.h>
+#include <k7/foundation/error_string.h>
+#include <k7/foundation/mutex.h>
+#include <k7/foundation/string.h>

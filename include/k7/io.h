@@ -1,0 +1,6 @@
+// Files: the replaceable interfaces and their native implementation.
+#pragma once
+
+#include <k7/io/file.h>
+#include <k7/io/io.h>
+#include <k7/io/io_native.h>
