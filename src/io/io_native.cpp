@@ -96,3 +96,92 @@ K7File* K7IOK7::CreateFileX(const char* path, const char* mode) {
   const K7LockGuard lock(m_mutex);
   return new (std::nothrow) K7FileK7(path, mode);
 }
+
+void K7IOK7::FindFiles(const char* pattern, K7StrArray& out) {
+  if (!pattern) return;
+  K7StrArray names;
+  k7os::ListDir(pattern, false, names);
+  for (int i = 0; i < names.Count(); ++i) {
+    const size_t length = std::strlen(names[i]);
+    if (length > 0 && names[i][length - 1] == '~') continue;
+    if (out += names[i]) return;
+  }
+}
+
+void K7IOK7::FindDirs(const char* pattern, K7StrArray& out) {
+  if (!pattern) return;
+  K7StrArray names;
+  k7os::ListDir(pattern, true, names);
+  for (int i = 0; i < names.Count(); ++i) {
+    if (std::strcmp(names[i], ".") == 0 || std::strcmp(names[i], "..") == 0) continue;
+    if (out += names[i]) return;
+  }
+}
+
+void K7IOK7::FindDirsRecur(const char* dir, K7StrArray& out, int depth) {
+  static const int MAX_DEPTH = 10;
+  if (!dir || depth > MAX_DEPTH) return;
+  K7StrArray names;
+  FindDirs(K7String(dir) + "*", names);
+  for (int i = 0; i < names.Count(); ++i) {
+    const K7FmtString path("%s%s%c", dir, names[i], '\\');
+    if (out += path) return;
+    FindDirsRecur(path, out, depth + 1);
+  }
+}
+
+bool K7IOK7::DeleteFileX(const char* path) {
+  const k7os::NativePath native(path);
+  return native.Text() && k7os::DeleteFile(native.Text());
+}
+
+bool K7IOK7::ReadURL(const char* url, const char* localPath) {
+  const K7LockGuard lock(m_mutex);
+  if (!url || !localPath) return false;
+
+  // The target is made with the first bytes that come, so that a server that cannot be reached leaves an existing
+  // file alone.
+  struct Target {
+    const char* path;
+    K7FileK7 file;
+    bool Open() { return file.IsValid() || file.Open(path, "wb"); }
+    static bool Deliver(void* context, const void* data, size_t size) {
+      Target& target = *static_cast<Target*>(context);
+      const int n = static_cast<int>(size);
+      return target.Open() && target.file.Write(data, n) == n;
+    }
+  } target{localPath, {}};
+
+  const bool whole = k7os::FetchURL(m_internet, url, Target::Deliver, &target) && target.Open();
+  const bool begun = target.file.IsValid();
+  target.file.Close();
+  if (begun && !whole) DeleteFileX(localPath);
+  return whole;
+}
+
+void* K7IOK7::LoadLibraryX(const char* file) {
+  const k7os::NativePath native(file);
+  return native.Text() ? k7os::OpenLibrary(native.Text()) : nullptr;
+}
+
+void* K7IOK7::GetSymbol(void* module, const char* name) {
+  return module && name ? k7os::FindSymbol(module, name) : nullptr;
+}
+
+void K7IOK7::UnLoadLibrary(void* module) {
+  if (module) k7os::CloseLibrary(module);
+}
+
+int K7IOK7::RetrieveRVXVersionString(const char* dir) {
+  K7IO* const io = Inst();
+  if (!io) return K7_ERR_INVALID_DATA;
+  K7File* const file = io->CreateFileX(K7String(dir) + "RVX.version", "r");
+  const bool read = file && file->IsValid() && file->ReadLine(m_version, sizeof m_version);
+  delete file;
+  return read ? 0 : K7_ERR_INVALID_DATA;
+}
+
+int K7IOK7::GetRVXVersionString(char* dst, int len) {
+  if (dst && len > 0) std::memcpy(dst, m_version, std::min(static_cast<size_t>(len), std::strlen(m_version) + 1));
+  return 0;
+}

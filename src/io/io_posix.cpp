@@ -1,8 +1,19 @@
 #include "io/os.h"
 
-#include <clocale>
+#include <k7/foundation/array.h>
+#include <k7/foundation/string.h>
+
+#include <curl/curl.h>
+
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fnmatch.h>
 #include <locale.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -12,6 +23,46 @@ locale_t NumericC() {
   return locale;
 }
 
+// A pattern's folder ("." without one) and its last component, in one block.
+struct SplitPattern {
+  explicit SplitPattern(const char* pattern) : path(pattern) {
+    char* const text = path.Text();
+    char* const slash = text ? std::strrchr(text, '/') : nullptr;
+    name = slash ? slash + 1 : text;
+    folder = !slash ? "." : slash == text ? "/" : text;
+    if (slash) *slash = 0;
+  }
+  k7os::NativePath path;
+  const char* folder;
+  const char* name;
+};
+
+bool IsDirectoryEntry(DIR* folder, const dirent& entry) {
+  if (entry.d_type == DT_DIR) return true;
+  // Links and file systems that keep no types need a look at the file itself.
+  struct stat info;
+  return (entry.d_type == DT_LNK || entry.d_type == DT_UNKNOWN) &&
+         fstatat(dirfd(folder), entry.d_name, &info, 0) == 0 && S_ISDIR(info.st_mode);
+}
+
+// Ties of names that differ in case only are broken by bytes, so that the order is always the same.
+int CompareNames(const void* a, const void* b) {
+  const char* const left = *static_cast<const char* const*>(a);
+  const char* const right = *static_cast<const char* const*>(b);
+  const int order = K7String::IComp(left, right);
+  return order ? order : std::strcmp(left, right);
+}
+
+struct Sink {
+  k7os::FetchSink deliver;
+  void* context;
+};
+
+size_t Deliver(char* data, size_t size, size_t count, void* sink) {
+  const Sink& target = *static_cast<Sink*>(sink);
+  return target.deliver(target.context, data, size * count) ? size * count : 0;
+}
+
 }  // namespace
 
 int k7os::FormatC(char* dst, size_t size, const char* fmt, va_list args) {
@@ -19,4 +70,82 @@ int k7os::FormatC(char* dst, size_t size, const char* fmt, va_list args) {
   const int n = std::vsnprintf(dst, size, fmt, args);
   if (previous) uselocale(previous);
   return n;
+}
+
+k7os::NativePath::NativePath(const char* path) : m_text(K7String::Dup(path)) {
+  for (char* p = m_text; p && *p; ++p)
+    if (*p == '\\') *p = '/';
+}
+
+k7os::NativePath::~NativePath() { std::free(m_text); }
+
+void k7os::ListDir(const char* pattern, bool dirsOnly, K7StrArray& out) {
+  const SplitPattern split(pattern);
+  DIR* const folder = split.name ? opendir(split.folder) : nullptr;
+  if (!folder) return;
+  const bool every = std::strcmp(split.name, "*.*") == 0;
+  K7StrArray names;
+  while (const dirent* entry = readdir(folder)) {
+    if (!every && fnmatch(split.name, entry->d_name, FNM_CASEFOLD | FNM_NOESCAPE) != 0) continue;
+    if (dirsOnly && !IsDirectoryEntry(folder, *entry)) continue;
+    if (names += entry->d_name) break;
+  }
+  closedir(folder);
+  names.QuickSort(CompareNames);
+  for (int i = 0; i < names.Count(); ++i)
+    if (out += names[i]) return;
+}
+
+bool k7os::IsDirectory(const char* path) {
+  struct stat info;
+  return stat(path, &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+bool k7os::DeleteFile(const char* path) { return unlink(path) == 0; }
+
+bool k7os::ReplaceFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
+
+void* k7os::OpenLibrary(const char* file) { return dlopen(file, RTLD_NOW | RTLD_LOCAL); }
+
+void* k7os::FindSymbol(void* module, const char* name) { return dlsym(module, name); }
+
+void k7os::CloseLibrary(void* module) { dlclose(module); }
+
+void* k7os::OpenInternet() {
+  // The library's own set-up is counted and thread-safe, so that each handle may ask for it.
+  if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) return nullptr;
+  return curl_easy_init();
+}
+
+void k7os::CloseInternet(void* internet) {
+  if (!internet) return;
+  curl_easy_cleanup(internet);
+  curl_global_cleanup();
+}
+
+bool k7os::FetchURL(void* internet, const char* url, FetchSink sink, void* context) {
+  if (!internet) return false;
+  Sink target{sink, context};
+  static const long CONNECT_SECONDS = 30;
+  static const long STALLED_SECONDS = 60;
+  curl_easy_reset(internet);
+  curl_easy_setopt(internet, CURLOPT_URL, url);
+  curl_easy_setopt(internet, CURLOPT_PROTOCOLS_STR, "http,https,ftp");
+  curl_easy_setopt(internet, CURLOPT_REDIR_PROTOCOLS_STR, "http,https,ftp");
+  curl_easy_setopt(internet, CURLOPT_PROXY, "");
+  curl_easy_setopt(internet, CURLOPT_FOLLOWLOCATION, 1L);
+  curl_easy_setopt(internet, CURLOPT_MAXREDIRS, 10L);
+  curl_easy_setopt(internet, CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(internet, CURLOPT_CONNECTTIMEOUT, CONNECT_SECONDS);
+  curl_easy_setopt(internet, CURLOPT_LOW_SPEED_LIMIT, 1L);
+  curl_easy_setopt(internet, CURLOPT_LOW_SPEED_TIME, STALLED_SECONDS);
+  curl_easy_setopt(internet, CURLOPT_BUFFERSIZE, 8192L);
+  curl_easy_setopt(internet, CURLOPT_WRITEFUNCTION, Deliver);
+  curl_easy_setopt(internet, CURLOPT_WRITEDATA, &target);
+
+  curl_slist* const reload = curl_slist_append(nullptr, "Cache-Control: no-cache");
+  curl_easy_setopt(internet, CURLOPT_HTTPHEADER, reload);
+  const CURLcode result = curl_easy_perform(internet);
+  curl_slist_free_all(reload);
+  return result == CURLE_OK;
 }

@@ -24,7 +24,7 @@ class NativePath {
   NativePath(const NativePath&) = delete;
   NativePath& operator=(const NativePath&) = delete;
   /// Null without memory.
-  const char* Text() const { return m_text; }
+  char* Text() const { return m_text; }
 
  private:
   char* m_text;

@@ -1,0 +1,115 @@
+#include "io/os.h"
+
+#include <k7/foundation/array.h>
+#include <k7/foundation/string.h>
+
+#define NOMINMAX
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#include <wininet.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <locale.h>
+
+#undef DeleteFile
+#undef ReplaceFile
+
+namespace {
+
+// Numbers are written with a point even in a host that has set a locale with a decimal comma.
+_locale_t NumericC() {
+  static const _locale_t locale = _create_locale(LC_NUMERIC, "C");
+  return locale;
+}
+
+int CompareNames(const void* a, const void* b) {
+  const char* const left = *static_cast<const char* const*>(a);
+  const char* const right = *static_cast<const char* const*>(b);
+  const int order = K7String::IComp(left, right);
+  return order ? order : std::strcmp(left, right);
+}
+
+}  // namespace
+
+int k7os::FormatC(char* dst, size_t size, const char* fmt, va_list args) {
+  // The counting form of the runtime is a function of its own.
+  va_list copy;
+  va_copy(copy, args);
+  const int n = _vscprintf_l(fmt, NumericC(), copy);
+  va_end(copy);
+  if (size > 0 && n >= 0) {
+    _vsnprintf_l(dst, size - 1, fmt, NumericC(), args);
+    dst[static_cast<size_t>(n) < size ? static_cast<size_t>(n) : size - 1] = 0;
+  }
+  return n;
+}
+
+k7os::NativePath::NativePath(const char* path) : m_text(K7String::Dup(path)) {}
+
+k7os::NativePath::~NativePath() { std::free(m_text); }
+
+void k7os::ListDir(const char* pattern, bool dirsOnly, K7StrArray& out) {
+  WIN32_FIND_DATAA data;
+  const HANDLE search = dirsOnly
+      ? FindFirstFileExA(pattern, FindExInfoStandard, &data, FindExSearchLimitToDirectories, nullptr, 0)
+      : FindFirstFileA(pattern, &data);
+  if (search == INVALID_HANDLE_VALUE) return;
+  K7StrArray names;
+  do {
+    // Limiting the search to directories is only advice to the file system.
+    if (dirsOnly && !(data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) continue;
+    if (names += data.cFileName) break;
+  } while (FindNextFileA(search, &data));
+  FindClose(search);
+  names.QuickSort(CompareNames);
+  for (int i = 0; i < names.Count(); ++i)
+    if (out += names[i]) return;
+}
+
+bool k7os::IsDirectory(const char* path) {
+  const DWORD attributes = GetFileAttributesA(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool k7os::DeleteFile(const char* path) { return DeleteFileA(path) != 0; }
+
+bool k7os::ReplaceFile(const char* from, const char* to) {
+  return MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+void* k7os::OpenLibrary(const char* file) { return LoadLibraryA(file); }
+
+void* k7os::FindSymbol(void* module, const char* name) {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(module), name));
+}
+
+void k7os::CloseLibrary(void* module) { FreeLibrary(static_cast<HMODULE>(module)); }
+
+void* k7os::OpenInternet() { return InternetOpenA(nullptr, INTERNET_OPEN_TYPE_DIRECT, nullptr, nullptr, 0); }
+
+void k7os::CloseInternet(void* internet) {
+  if (internet) InternetCloseHandle(internet);
+}
+
+bool k7os::FetchURL(void* internet, const char* url, FetchSink sink, void* context) {
+  const HINTERNET request =
+      internet ? InternetOpenUrlA(internet, url, nullptr, 0, INTERNET_FLAG_RELOAD, 0) : nullptr;
+  if (!request) {
+    char response[80];
+    DWORD error = 0;
+    DWORD length = sizeof response;
+    InternetGetLastResponseInfoA(&error, response, &length);
+    return false;
+  }
+  char chunk[8192];
+  DWORD length = 0;
+  bool whole = true;
+  do {
+    whole = InternetReadFile(request, chunk, sizeof chunk, &length) != 0 &&
+            (length == 0 || sink(context, chunk, length));
+  } while (whole && length > 0);
+  InternetCloseHandle(request);
+  return whole;
+}
