@@ -2,4 +2,5 @@
 #pragma once
 
 #include <k7/foundation.h>
+#include <k7/geometry.h>
 #include <k7/io.h>

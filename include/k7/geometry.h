@@ -1,0 +1,6 @@
+// Geometry: shapefile sets.
+#pragma once
+
+#include <k7/geometry/shp_dbf.h>
+#include <k7/geometry/shp_file.h>
+#include <k7/geometry/shp_obj.h>

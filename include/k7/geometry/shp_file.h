@@ -1,0 +1,163 @@
+// K7ShpFile: reads a shapefile set, shapes and attributes, into memory.
+//
+//   K7ShpFile file;
+//   if (file.Read("land.shp", K7IO::Inst()) == 0)
+//     for (int i = 0; i < file.StoredCount(); ++i) Draw(file.GetRecord(i)->Obj());
+#pragma once
+
+#include <k7/export.h>
+#include <k7/foundation/array.h>
+#include <k7/geometry/shp_dbf.h>
+#include <k7/geometry/shp_obj.h>
+
+#include <cstdint>
+
+class K7File;
+class K7IO;
+
+/// Header of the main file.
+struct K7ShpFileHdr {
+  int32_t fileCode;  ///< 9994 in a shapefile; not checked, as version and type are not
+  int32_t unused[5];
+  int32_t fileLength;  ///< in 16-bit words, as stated by the file
+  int32_t version;
+  int32_t shapeType;
+  K7ShpRect box;
+  double zMin, zMax;
+  double mMin, mMax;
+};
+
+/// One feature: its shape and its attributes, both owned.
+class K7_API K7ShpRecord {
+ public:
+  K7ShpRecord() = default;
+  K7ShpRecord(const K7ShpRecord&) = delete;
+  K7ShpRecord& operator=(const K7ShpRecord&) = delete;
+  ~K7ShpRecord();
+
+  /// Reads the next record at the current positions of both files; `hdr` must outlive this. The attributes
+  /// come first; when their file is at its end they are null, and the shape is read all the same. With
+  /// `keepNullShape` a null shape is a record without a shape, else it is K7_ERR_INVALID_DATA. 0,
+  /// K7_ERR_BAD_ARGUMENT for null, K7_ERR_INVALID_DATA for a shape type without a class, K7_ERR_FILE_IO for a
+  /// short read, K7_ERR_OUT_OF_RANGE for counts that do not fit the record, K7_ERR_MEMORY.
+  int Read(K7File* mainFile, K7File* attrFile, const K7DbfFileHdr* hdr, bool keepNullShape = false);
+
+  /// Null for a kept null shape.
+  const K7ShpObj* Obj() const { return m_obj; }
+  K7ShpObj* Obj() { return m_obj; }
+  /// One slot for each field of `Hdr()`; null when the attribute file had ended.
+  const K7DbfField* Attrs() const { return m_attrs; }
+  /// Hands the attributes over to the caller, who releases them with `K7ShpFile::ReleaseAttrs`.
+  K7DbfField* DetachAttrs();
+  const K7DbfFileHdr* Hdr() const { return m_hdr; }
+  /// The values of field i of the table by what the field holds: "" or 0 for a field of another kind, for one
+  /// that the table does not have, and for a record without attributes.
+  const char* Text(int i) const;
+  /// Also takes integers.
+  double Number(int i) const;
+  int32_t Integer(int i) const;
+
+  /// Writes a readable dump to the standard output.
+  void Print() const;
+
+ private:
+  void Clear();
+
+  const K7DbfFileHdr* m_hdr = nullptr;
+  K7ShpObj* m_obj = nullptr;
+  K7DbfField* m_attrs = nullptr;
+};
+
+/// A shapefile set: the main file that the caller names, and beside it the ".dbf" attribute table and the
+/// ".shx" index, which must exist but is not read further. `Read` takes all of it into memory; a host that
+/// wants one record at a time calls `ReadHeader`, then `NextRecord` until it answers null. Deleted dBASE
+/// records count like any other.
+///
+/// A derived reader converts projected coordinates in `XY2LatLon`, or makes records of its own in
+/// `NextRecord`. Reading is for one thread at a time; what is read any number of threads may use. Not
+/// copyable.
+class K7_API K7ShpFile {
+ public:
+  K7ShpFile();
+  K7ShpFile(const K7ShpFile&) = delete;
+  K7ShpFile& operator=(const K7ShpFile&) = delete;
+
+  /// Drops what the reader held, opens the three files and reads both headers. The files stay open, with
+  /// those of a failed call, until the next call, `Close` or the destructor. 0, K7_ERR_BAD_ARGUMENT for null,
+  /// K7_ERR_FILE_IO for a file that does not open (a path without a '.' has no companions) or ends within its
+  /// header, K7_ERR_MEMORY.
+  virtual int ReadHeader(const char* path, K7IO* io);
+  /// `ReadHeader`, then `NextRecord` for each record of the attribute table, then `Close`, also after a
+  /// record that failed; the records before it are kept. 0, the code of `ReadHeader`, K7_ERR_INVALID_DATA for
+  /// a shape type without a class, null shapes included unless they are kept, K7_ERR_MEMORY, or
+  /// K7_ERR_OUT_OF_RANGE for a record that could not be read: the main file ends before it or its counts do
+  /// not fit its bytes.
+  virtual int Read(const char* path, K7IO* io);
+  /// Records that the attribute table's header states; after a failed `Read` there may be fewer in the reader
+  /// (`StoredCount`).
+  virtual int RecordCount() const;
+  /// The next record at the current positions of the main and the attribute file, which the caller deletes
+  /// while the reader lives; null at the end, for a record that cannot be read, or when the files are not
+  /// open.
+  virtual K7ShpRecord* NextRecord();
+  /// Null for a record that is not stored.
+  virtual K7ShpRecord* GetRecord(int index) const;
+  /// The attributes of one record read directly from the attribute file, which must be open; the position
+  /// that `NextRecord` reads from stays. Slots and texts are one block; the caller releases it with
+  /// `ReleaseAttrs`. Null outside 0 ... `RecordCount` - 1, at the file's end or without memory.
+  virtual K7DbfField* GetAttrs(int index);
+  /// Frees an array of `GetAttrs` or `K7ShpRecord::DetachAttrs`; null is ignored.
+  virtual void ReleaseAttrs(K7DbfField* attrs);
+  /// From file coordinates to degrees, north and east positive. Here lat = y and lon = x; false for null
+  /// only.
+  virtual bool XY2LatLon(const K7ShpXY* xy, double& lat, double& lon);
+  /// Geographic bounds of a box, through `XY2LatLon`. Where that is the identity at the corners the bounds
+  /// are the box; else they hold the box's corners and, at the middle of its x range, its lower edge, centre
+  /// and upper edge, where meridians and parallels that bend between the corners reach farthest. False for
+  /// null and when a conversion fails, with the bounds untouched.
+  virtual bool K7Shp2ChartRect(const K7ShpRect* rect, double& north, double& south, double& east,
+                               double& west);
+
+  /// Stands last so that the operations above keep their places among the virtual ones.
+  virtual ~K7ShpFile();
+
+  /// The attribute table has a field.
+  bool IsValid() const { return m_dbfHdr.fieldCount > 0; }
+  /// Whether null shapes become records without a shape or end `Read`; to be set before reading. Off at
+  /// first.
+  void KeepNullShapes(bool keep) { m_keepNullShapes = keep; }
+  /// Records in memory; `GetRecord` has them at 0 ... `StoredCount` - 1.
+  int StoredCount() const { return m_records.Count(); }
+  /// Closes and deletes the three file objects.
+  void Close();
+
+  const K7ShpFileHdr& Header() const { return m_hdr; }
+  const K7DbfFileHdr& DbfHeader() const { return m_dbfHdr; }
+  int FieldCount() const { return m_dbfHdr.fieldCount; }
+  /// Null outside the table.
+  const K7DbfFieldDesc* Field(int i) const { return m_dbfHdr.Field(i); }
+  /// Index of the field of that name, without regard to case; -1 if absent.
+  int FindField(const char* name) const { return m_dbfHdr.FindField(name); }
+
+  /// Writes a readable dump of the headers and the stored records to the standard output.
+  void Print() const;
+
+ protected:
+  /// For a derived `NextRecord`: null while the files are not open.
+  K7File* MainFile() const { return m_mainFile; }
+  K7File* AttrFile() const { return m_attrFile; }
+
+ private:
+  void Clear();
+  int OpenFiles(const char* path, K7IO* io);
+  int ReadRecords();
+
+  K7ShpFileHdr m_hdr{};
+  K7DbfFileHdr m_dbfHdr;
+  K7File* m_mainFile = nullptr;
+  K7File* m_attrFile = nullptr;
+  K7File* m_indexFile = nullptr;
+  K7PtrArray m_records;
+  bool m_keepNullShapes = false;
+  int m_recordError = 0;  // why the last NextRecord answered null; 0 when it was a derived reader's own
+};
