@@ -37,6 +37,8 @@ struct K7_API K7DbfFileHdr {
   /// terminator or its descriptors cannot be those of a table: more than fit in front of offset 65535, the
   /// farthest that a header reaches, or more fields than a record has bytes. Failed, it has no fields.
   int Read(K7File* file);
+  /// Drops the fields and the record count.
+  void Clear();
   /// Reads one record from the file's current position: the deletion flag, which is ignored, and the fields,
   /// in one read. `*attrs` receives a slot a field, in field order. Slots and texts are one block, freed with
   /// `ReleaseAttrs`. 0, or K7_ERR_FILE_IO or K7_ERR_MEMORY with `*attrs` null.
@@ -74,4 +76,8 @@ struct K7_API K7DbfFileHdr {
   K7DbfFieldDesc* fields = nullptr;
   /// Bytes of a record behind its deletion flag: the sum of the fields' lengths.
   int32_t dataLength = 0;
+
+ private:
+  bool ReadFixed(K7File* file);
+  int ReadFields(K7File* file);
 };

@@ -56,9 +56,11 @@ class K7_API K7ShpObj {
   /// Reads what follows the shape type in a record. `contentLength` is the record's, in 16-bit words with the
   /// two of the type. One that is too small to hold any such shape is taken for unknown: the shape's own
   /// counts alone tell its size then. Else it must hold what the counts ask for; M values are read when it
-  /// has room for them, and words behind the shape are skipped, unless the file ends before them. 0,
-  /// K7_ERR_BAD_ARGUMENT, K7_ERR_FILE_IO for a short read, K7_ERR_OUT_OF_RANGE for counts that are negative
-  /// or do not fit the record or the file, or parts out of order, K7_ERR_MEMORY; failed, the shape is empty.
+  /// has room for them, and words behind the shape are skipped, unless the file ends before them.
+  ///
+  /// 0, K7_ERR_BAD_ARGUMENT, K7_ERR_FILE_IO when the file ends before the shape, K7_ERR_OUT_OF_RANGE for
+  /// counts that are negative or do not fit the record and for parts out of order, K7_ERR_MEMORY; failed, the
+  /// shape is empty.
   virtual int Read(K7File* file, int contentLength) = 0;
   virtual int GetPointCount() const;
   /// Parts of a poly shape; 0 for the others.
@@ -78,7 +80,7 @@ class K7_API K7ShpObj {
   /// The type code.
   int32_t Type() const { return m_type; }
   /// All `GetPointCount` points one after the other, part after part; null for a shape without points.
-  const K7ShpXY* Points() const { return m_points; }
+  const K7ShpXY* Points() const { return m_pointCount > 0 ? m_points : nullptr; }
 
  protected:
   explicit K7ShpObj(int32_t type) : m_type(type) {}
@@ -164,7 +166,7 @@ class K7_API K7ShpMulti : public K7ShpObj {
 
  private:
   void Clear();
-  int ReadBody(K7File* file, int64_t size);
+  int ReadBody(K7File* file, int64_t size, int parts);
 
   bool m_hasParts;
   bool m_hasM = false;
