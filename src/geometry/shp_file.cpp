@@ -7,6 +7,7 @@
 #include "geometry/shp_read.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -37,10 +38,12 @@ int OpenCompanion(K7IO* io, const K7String& path, const char* extension, K7File*
 bool ReadFileHeader(K7File* file, K7ShpFileHdr& hdr) {
   char raw[FILE_HEADER_SIZE];
   if (!k7shp::ReadExact(file, raw, FILE_HEADER_SIZE)) return false;
-  // The members of the header stand in the file's order without gaps, up to the doubles.
-  constexpr size_t INTS = 9 * sizeof(int32_t);
-  std::memcpy(&hdr.fileCode, raw, INTS);
-  for (int32_t* p = &hdr.fileCode; p < &hdr.version; ++p) K7File::ByteSwap32(p);
+  constexpr size_t INTS = offsetof(K7ShpFileHdr, shapeType) + sizeof hdr.shapeType;
+  static_assert(INTS == 36);  // in the file's order, without gaps
+  std::memcpy(&hdr, raw, INTS);
+  K7File::ByteSwap32(&hdr.fileCode);
+  for (int32_t& word : hdr.unused) K7File::ByteSwap32(&word);
+  K7File::ByteSwap32(&hdr.fileLength);
   double doubles[8];
   std::memcpy(doubles, raw + INTS, sizeof doubles);
   hdr.box = {doubles[0], doubles[1], doubles[2], doubles[3]};

@@ -33,9 +33,11 @@ struct K7_API K7DbfFileHdr {
   ~K7DbfFileHdr();
 
   /// Reads the header and the descriptors, from the file's start to their terminator, and drops what was held
-  /// before. 0, K7_ERR_BAD_ARGUMENT for null, K7_ERR_MEMORY, or K7_ERR_FILE_IO when the file ends before the
+  /// before. Failed, it has no fields.
+  ///
+  /// 0, K7_ERR_BAD_ARGUMENT for null, K7_ERR_MEMORY, or K7_ERR_FILE_IO when the file ends before the
   /// terminator or its descriptors cannot be those of a table: more than fit in front of offset 65535, the
-  /// farthest that a header reaches, or more fields than a record has bytes. Failed, it has no fields.
+  /// farthest that a header reaches, or more fields than a record has bytes.
   int Read(K7File* file);
   /// Drops the fields and the record count.
   void Clear();

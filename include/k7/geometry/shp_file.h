@@ -37,9 +37,10 @@ class K7_API K7ShpRecord {
 
   /// Reads the next record at the current positions of both files; `hdr` must outlive this. The attributes
   /// come first; when their file is at its end they are null, and the shape is read all the same. With
-  /// `keepNullShape` a null shape is a record without a shape, else it is K7_ERR_INVALID_DATA. 0,
-  /// K7_ERR_BAD_ARGUMENT for null, K7_ERR_INVALID_DATA for a shape type without a class, K7_ERR_FILE_IO for a
-  /// short read, K7_ERR_OUT_OF_RANGE for counts that do not fit the record, K7_ERR_MEMORY.
+  /// `keepNullShape` a null shape is a record without a shape, else it is K7_ERR_INVALID_DATA.
+  ///
+  /// 0, K7_ERR_BAD_ARGUMENT for null, K7_ERR_INVALID_DATA for a shape type without a class, K7_ERR_FILE_IO
+  /// for a short read, K7_ERR_OUT_OF_RANGE for counts that do not fit the record, K7_ERR_MEMORY.
   int Read(K7File* mainFile, K7File* attrFile, const K7DbfFileHdr* hdr, bool keepNullShape = false);
 
   /// Null for a kept null shape.
@@ -71,7 +72,8 @@ class K7_API K7ShpRecord {
 /// A shapefile set: the main file that the caller names, and beside it the ".dbf" attribute table and the
 /// ".shx" index, which must exist but is not read further. `Read` takes all of it into memory; a host that
 /// wants one record at a time calls `ReadHeader`, then `NextRecord` until it answers null. Deleted dBASE
-/// records count like any other.
+/// records count like any other; where the attribute table ends early the records that follow have shapes and
+/// no attributes.
 ///
 /// A derived reader converts projected coordinates in `XY2LatLon`, or makes records of its own in
 /// `NextRecord`. Reading is for one thread at a time; what is read any number of threads may use. Not
@@ -83,15 +85,17 @@ class K7_API K7ShpFile {
   K7ShpFile& operator=(const K7ShpFile&) = delete;
 
   /// Drops what the reader held, opens the three files and reads both headers. The files stay open, with
-  /// those of a failed call, until the next call, `Close` or the destructor. 0, K7_ERR_BAD_ARGUMENT for null,
-  /// K7_ERR_FILE_IO for a file that does not open (a path without a '.' has no companions) or ends within its
-  /// header, K7_ERR_MEMORY.
+  /// those of a failed call, until the next call, `Close` or the destructor.
+  ///
+  /// 0, K7_ERR_BAD_ARGUMENT for null, K7_ERR_FILE_IO for a file that does not open (a path without a '.' has
+  /// no companions) or whose header is not whole, K7_ERR_MEMORY.
   virtual int ReadHeader(const char* path, K7IO* io);
   /// `ReadHeader`, then `NextRecord` for each record of the attribute table, then `Close`, also after a
-  /// record that failed; the records before it are kept. 0, the code of `ReadHeader`, K7_ERR_INVALID_DATA for
-  /// a shape type without a class, null shapes included unless they are kept, K7_ERR_MEMORY, or
-  /// K7_ERR_OUT_OF_RANGE for a record that could not be read: the main file ends before it or its counts do
-  /// not fit its bytes.
+  /// record that failed; the records before it are kept.
+  ///
+  /// 0, the code of `ReadHeader`, K7_ERR_INVALID_DATA for a shape type without a class, null shapes included
+  /// unless they are kept, K7_ERR_MEMORY, or K7_ERR_OUT_OF_RANGE for a record that could not be read: the
+  /// main file ends before it or its counts do not fit its bytes.
   virtual int Read(const char* path, K7IO* io);
   /// Records that the attribute table's header states; after a failed `Read` there may be fewer in the reader
   /// (`StoredCount`).
