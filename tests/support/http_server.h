@@ -1,0 +1,56 @@
+// A server on the loopback address that answers each path with fixed bytes and closes the connection.
+#pragma once
+
+#include <arpa/inet.h>
+#include <map>
+#include <string>
+#include <sys/socket.h>
+#include <thread>
+#include <unistd.h>
+
+class HttpServer {
+ public:
+  HttpServer() : m_listener(socket(AF_INET, SOCK_STREAM, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    if (bind(m_listener, reinterpret_cast<sockaddr*>(&address), size) == 0 && listen(m_listener, 4) == 0)
+      getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &size);
+    m_port = ntohs(address.sin_port);
+    m_thread = std::thread([this] { Serve(); });
+  }
+  ~HttpServer() {
+    shutdown(m_listener, SHUT_RDWR);
+    m_thread.join();
+    close(m_listener);
+  }
+  HttpServer(const HttpServer&) = delete;
+  HttpServer& operator=(const HttpServer&) = delete;
+
+  /// Before the first request.
+  void Answer(const std::string& path, const std::string& bytes) { m_answers[path] = bytes; }
+  std::string Url(const std::string& path) const { return "http://127.0.0.1:" + std::to_string(m_port) + path; }
+
+ private:
+  void Serve() {
+    for (int client; (client = accept(m_listener, nullptr, nullptr)) >= 0; close(client)) {
+      std::string request;
+      char buf[1024];
+      for (ssize_t n; request.find("\r\n\r\n") == std::string::npos && (n = recv(client, buf, sizeof buf, 0)) > 0;)
+        request.append(buf, static_cast<size_t>(n));
+      const size_t start = request.find(' ') + 1;
+      const std::string& bytes = m_answers[request.substr(start, request.find(' ', start) - start)];
+      for (size_t sent = 0; sent < bytes.size();) {
+        const ssize_t n = send(client, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+        if (n <= 0) break;
+        sent += static_cast<size_t>(n);
+      }
+    }
+  }
+
+  int m_listener;
+  int m_port = 0;
+  std::map<std::string, std::string> m_answers;
+  std::thread m_thread;
+};
