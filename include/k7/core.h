@@ -2,5 +2,6 @@
 #pragma once
 
 #include <k7/foundation.h>
+#include <k7/geodesy.h>
 #include <k7/geometry.h>
 #include <k7/io.h>

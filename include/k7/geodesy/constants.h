@@ -1,8 +1,8 @@
 // The numbers of the spherical earth, once for the whole library.
 #pragma once
 
-/// Every angle is converted and every distance scaled with these exact values, so that results computed by different
-/// classes (K7LatLon, K7ECEF, the projections) agree to the last bit.
+/// Every angle is converted and every distance scaled with these exact values, so that results computed by
+/// different classes (K7LatLon, K7ECEF, the projections) agree to the last bit.
 inline constexpr double K7_PI = 3.141592653589793;
 inline constexpr double K7_DEG_TO_RAD = 0.017453292519943295;
 inline constexpr double K7_RAD_TO_DEG = 57.29577951308232;
@@ -10,9 +10,10 @@ inline constexpr double K7_RAD_TO_DEG = 57.29577951308232;
 /// Radius of the sphere in nautical miles: the length of one radian of arc.
 inline constexpr double K7_EARTH_RADIUS_NM = 3437.74677;
 
-/// Where the cosine of an angle reaches this size, acos loses digits and the length of the cross product serves instead.
+/// Where the cosine of an angle reaches this size, acos loses digits and the length of the cross product
+/// serves instead.
 inline constexpr double K7_SMALL_ANGLE_COS = 0.707;
 
-/// What a course is between points that have none (the same point, antipodes, from a pole). Like every negative angle
-/// it has 360 added before it is returned: callers see -639 and test for a negative course.
+/// What a course is between points that have none (the same point, antipodes, from a pole). Like every
+/// negative angle it has 360 added before it is returned: callers see -639 and test for a negative course.
 inline constexpr double K7_NO_COURSE = -999.0;

@@ -1,0 +1,48 @@
+// K7GrtCirc: a great-circle segment.
+#pragma once
+
+#include <k7/export.h>
+#include <k7/geodesy/ecef.h>
+#include <k7/geodesy/latlon.h>
+
+/// The shorter great-circle arc between two positions with its frame worked out once, for intersections and
+/// cross-track distances. Distances are nautical miles. A value: copy freely, no locking.
+///
+///     K7GrtCirc leg(from, to);
+///     leg.OrthoDist(here, cross, along);
+class K7_API K7GrtCirc {
+ public:
+  /// All zero.
+  K7GrtCirc() = default;
+  K7GrtCirc(const K7ECEF& b, const K7ECEF& e) { Init(b, e); }
+  K7GrtCirc(const K7LatLon& b, const K7LatLon& e) { Init(b, e); }
+  K7GrtCirc(double lat1, double lon1, double lat2, double lon2);
+
+  void Init(const K7ECEF& b, const K7ECEF& e);
+  void Init(const K7LatLon& b, const K7LatLon& e);
+
+  const K7ECEF& Begin() const { return m_begin; }
+  const K7ECEF& End() const { return m_end; }
+  double Length() const { return m_length; }
+
+  /// Where this segment crosses `other`. `tolerance`, in earth radii, widens the ends of `other` only: a
+  /// crossing exactly on an end of this segment is refused, so that consecutive legs of one path do not both
+  /// report it. False for segments of one circle. `at` is overwritten in either case.
+  bool Intersect(const K7GrtCirc& other, K7ECEF& at, double tolerance) const;
+  /// The same; `at` changes on success only.
+  bool Intersect(const K7GrtCirc& other, K7LatLon& at, double tolerance) const;
+
+  /// Distance of `p` from the whole circle, positive to the right of the direction of travel, and the
+  /// distance from the begin to the foot of its perpendicular, negative behind the begin.
+  void OrthoDist(const K7ECEF& p, double& cross, double& along) const;
+  void OrthoDist(const K7LatLon& p, double& cross, double& along) const;
+
+ private:
+  K7ECEF m_normal;  // begin x end, of length 1 unless the two are parallel
+  K7ECEF m_begin;
+  K7ECEF m_end;
+  K7ECEF m_tangent;  // direction of travel at the begin
+  double m_length = 0;
+};
+
+static_assert(sizeof(K7GrtCirc) == 13 * sizeof(double));

@@ -1,0 +1,76 @@
+#include <k7/geodesy/grtcirc.h>
+
+#include "geodesy/sphere.h"
+
+namespace {
+
+// Whether the unit vector `x` of two circles' crossing lies on both segments. Only the other segment has
+// tolerance: a path's legs share their ends, and a crossing there must count once.
+bool OnBoth(const K7ECEF& x, const K7ECEF& beginA, const K7ECEF& endA, const K7ECEF& normalA,
+            const K7ECEF& beginB, const K7ECEF& endB, const K7ECEF& normalB, double tolerance) {
+  const auto ahead = [&x](const K7ECEF& p, const K7ECEF& normal) {
+    K7ECEF turn;
+    turn.CrossProduct(p, x);
+    return turn.DotProduct(normal);
+  };
+  if (!(ahead(beginA, normalA) > 0) || !(ahead(endA, normalA) < 0)) return false;
+  const double fromBegin = ahead(beginB, normalB);
+  const double fromEnd = ahead(endB, normalB);
+  return (fromBegin > 0 || std::fabs(fromBegin) < tolerance) &&
+         (fromEnd < 0 || std::fabs(fromEnd) < tolerance);
+}
+
+}  // namespace
+
+K7GrtCirc::K7GrtCirc(double lat1, double lon1, double lat2, double lon2) {
+  Init(k7geo::UnitVector(lat1, lon1), k7geo::UnitVector(lat2, lon2));
+}
+
+void K7GrtCirc::Init(const K7ECEF& b, const K7ECEF& e) {
+  // Local copies: the arguments may be this segment's own ends.
+  const K7ECEF begin = b;
+  const K7ECEF end = e;
+  m_begin = begin;
+  m_end = end;
+  m_normal.UnitNormal(m_begin, m_end);
+  m_tangent.CrossProduct(m_normal, m_begin);
+  m_length = k7geo::Distance(m_begin, m_end);
+}
+
+void K7GrtCirc::Init(const K7LatLon& b, const K7LatLon& e) {
+  Init(k7geo::UnitVector(b.Lat(), b.Lon()), k7geo::UnitVector(e.Lat(), e.Lon()));
+}
+
+bool K7GrtCirc::Intersect(const K7GrtCirc& other, K7ECEF& at, double tolerance) const {
+  if (!at.UnitNormal(m_normal, other.m_normal)) return false;
+  const auto accepted = [&] {
+    return OnBoth(at, m_begin, m_end, m_normal, other.m_begin, other.m_end, other.m_normal, tolerance);
+  };
+  if (accepted()) return true;
+  at *= -1;
+  return accepted();
+}
+
+bool K7GrtCirc::Intersect(const K7GrtCirc& other, K7LatLon& at, double tolerance) const {
+  K7ECEF crossing;
+  if (!Intersect(other, crossing, tolerance)) return false;
+  double lat, lon;
+  crossing.GetLatLon(lat, lon);
+  at.Init(lat, lon);
+  return true;
+}
+
+void K7GrtCirc::OrthoDist(const K7ECEF& p, double& cross, double& along) const {
+  K7ECEF pole;
+  pole.UnitNormal(p, m_normal);
+  K7ECEF foot;
+  foot.CrossProduct(m_normal, pole);
+  along = k7geo::Distance(m_begin, foot);
+  if (m_tangent.DotProduct(foot) < 0) along = -along;
+  cross = k7geo::Distance(p, foot);
+  if (m_normal.DotProduct(p) > 0) cross = -cross;
+}
+
+void K7GrtCirc::OrthoDist(const K7LatLon& p, double& cross, double& along) const {
+  OrthoDist(k7geo::UnitVector(p.Lat(), p.Lon()), cross, along);
+}

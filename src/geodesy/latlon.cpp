@@ -1,0 +1,37 @@
+// K7LatLon: navigation on the sphere.
+
+#include <k7/geodesy/latlon.h>
+
+#include "geodesy/sphere.h"
+
+namespace {
+
+K7ECEF UnitVector(const K7LatLon& p) { return k7geo::UnitVector(p.Lat(), p.Lon()); }
+
+double InitialCourse(const K7ECEF& p, const K7ECEF& q) {
+  // Rounding would leave a course of noise between some identical points.
+  if (p == q) return k7geo::Course(0, 0);
+  const k7geo::LocalFrame frame(p);
+  const double east = q.Y() * frame.cosLon - q.X() * frame.sinLon;
+  const double north = q.Z() * frame.r - (q.X() * frame.cosLon + q.Y() * frame.sinLon) * p.Z();
+  return k7geo::Course(east, north);
+}
+
+}  // namespace
+
+double K7LatLon::Distance(const K7LatLon& to) const {
+  return k7geo::Distance(UnitVector(*this), UnitVector(to));
+}
+
+double K7LatLon::InitCourse(const K7LatLon& to) const {
+  return InitialCourse(UnitVector(*this), UnitVector(to));
+}
+
+double K7LatLon::FinalCourse(const K7LatLon& to) const {
+  return k7geo::Arrival(InitialCourse(UnitVector(to), UnitVector(*this)));
+}
+
+void K7LatLon::EndPoint(const K7LatLon& start, double course, double distance) {
+  const K7ECEF end = k7geo::EndPoint(UnitVector(start), course, distance);
+  Init(k7geo::Latitude(end.Z()), std::atan2(end.Y(), end.X()) * K7_RAD_TO_DEG);
+}

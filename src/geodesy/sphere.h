@@ -1,0 +1,76 @@
+// The formulas of the sphere, once for K7LatLon and K7ECEF: both give the same bits.
+#pragma once
+
+#include <k7/geodesy/constants.h>
+#include <k7/geodesy/ecef.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace k7geo {
+
+inline K7ECEF UnitVector(double lat, double lon) {
+  const double phi = lat * K7_DEG_TO_RAD;
+  const double lambda = lon * K7_DEG_TO_RAD;
+  const double cosPhi = std::cos(phi);
+  return K7ECEF(cosPhi * std::cos(lambda), cosPhi * std::sin(lambda), std::sin(phi));
+}
+
+/// The sine of a latitude, which rounding may carry just beyond 1 at a pole, to degrees. Not a number stays
+/// that.
+inline double Latitude(double z) { return std::asin(std::clamp(z, -1.0, 1.0)) * K7_RAD_TO_DEG; }
+
+/// Angle between unit vectors, radians.
+inline double Angle(const K7ECEF& p, const K7ECEF& q) {
+  const double k = p.DotProduct(q);
+  if (std::fabs(k) < K7_SMALL_ANGLE_COS) return std::acos(k);
+  K7ECEF cross;
+  cross.CrossProduct(p, q);
+  const double angle = std::asin(cross.Magnitude());
+  return k >= 0 ? angle : K7_PI - angle;
+}
+
+inline double Distance(const K7ECEF& p, const K7ECEF& q) { return Angle(p, q) * K7_EARTH_RADIUS_NM; }
+
+/// Course from its east and north components, [0, 360). Components of exactly zero give no course, which has
+/// 360 added like any negative angle.
+inline double Course(double east, double north) {
+  if (east == 0 && north == 0) return K7_NO_COURSE + 360;
+  const double course = std::atan2(east, north) * K7_RAD_TO_DEG;
+  if (course >= 0) return course;
+  // A hair west of north would round up to 360.
+  return course + 360 == 360 ? 0 : course + 360;
+}
+
+/// The east-north-up frame at a point.
+struct LocalFrame {
+  explicit LocalFrame(const K7ECEF& p)
+      : r(std::sqrt(p.X() * p.X() + p.Y() * p.Y())), cosLon(p.X() / r), sinLon(p.Y() / r), z(p.Z()) {}
+
+  K7ECEF ToOrtho(const K7ECEF& v) const {
+    const double h = v.X() * cosLon + v.Y() * sinLon;
+    return K7ECEF(-v.X() * sinLon + v.Y() * cosLon, v.Z() * r - h * z, v.Z() * z + h * r);
+  }
+  K7ECEF ToEarth(const K7ECEF& v) const {
+    const double w = v.Y() * z - v.Z() * r;
+    return K7ECEF(-v.X() * sinLon - w * cosLon, v.X() * cosLon - w * sinLon, v.Z() * z + v.Y() * r);
+  }
+
+  double r;  // cosine of the latitude
+  double cosLon;
+  double sinLon;
+  double z;  // sine of the latitude
+};
+
+inline K7ECEF EndPoint(const K7ECEF& start, double course, double distance) {
+  const double delta = distance / K7_EARTH_RADIUS_NM;
+  const double psi = (90 - course) * K7_DEG_TO_RAD;
+  const double sinDelta = std::sin(delta);
+  return LocalFrame(start).ToEarth(
+      K7ECEF(std::cos(psi) * sinDelta, std::sin(psi) * sinDelta, std::cos(delta)));
+}
+
+/// Course of arrival from the course of the way back.
+inline double Arrival(double wayBack) { return NormalizeHeading(wayBack + 180); }
+
+}  // namespace k7geo
