@@ -16,16 +16,16 @@ K7Matrix4x4 FromRows(const double (&rows)[4][4]) {
   return m;
 }
 
-// Gauss-Jordan elimination of one matrix with its inverse beside it. `m_size` bounds what was summed to make
-// each element: a pivot that is small against it holds nothing but rounding, whatever the scale of its row
-// and column.
+// Gauss-Jordan elimination of one matrix with its inverse beside it. `m_error` follows each element's
+// possible error, in units of the rounding of one operation: a pivot within its error is nothing but
+// rounding, whatever the scale of its row and column.
 class Elimination {
  public:
   explicit Elimination(const K7Matrix4x4& m) {
     for (int r = 0; r < 4; ++r) {
       for (int c = 0; c < 4; ++c) {
         m_a[r][c] = m.GetValue(r, c);
-        m_size[r][c] = std::fabs(m_a[r][c]);
+        m_error[r][c] = std::fabs(m_a[r][c]);
       }
       m_a[r][4 + r] = 1;
     }
@@ -37,12 +37,10 @@ class Elimination {
       const int pivot = FindPivot(c);
       if (pivot < 0) return false;
       std::swap(m_a[c], m_a[pivot]);
-      std::swap(m_size[c], m_size[pivot]);
-      const double divisor = m_a[c][c];
-      for (int k = 0; k < 8; ++k) m_a[c][k] /= divisor;
-      for (int k = 0; k < 4; ++k) m_size[c][k] /= std::fabs(divisor);
+      std::swap(m_error[c], m_error[pivot]);
+      Divide(c);
       for (int r = 0; r < 4; ++r) {
-        if (r != c) Subtract(r, c, m_a[r][c]);
+        if (r != c) Subtract(r, c);
       }
     }
     return true;
@@ -56,23 +54,35 @@ class Elimination {
 
  private:
   int FindPivot(int c) const {
-    const double tolerance = 8 * std::numeric_limits<double>::epsilon();
     int best = -1;
     for (int r = c; r < 4; ++r) {
-      const double magnitude = std::fabs(m_a[r][c]);
-      const bool significant = magnitude > tolerance * m_size[r][c] && std::isfinite(magnitude);
-      if (significant && (best < 0 || magnitude > std::fabs(m_a[best][c]))) best = r;
+      const double size = std::fabs(m_a[r][c]);
+      const bool significant = size > 4 * std::numeric_limits<double>::epsilon() * m_error[r][c];
+      if (significant && std::isfinite(size) && (best < 0 || size > std::fabs(m_a[best][c]))) best = r;
     }
     return best;
   }
 
-  void Subtract(int r, int from, double factor) {
-    for (int k = 0; k < 8; ++k) m_a[r][k] -= factor * m_a[from][k];
-    for (int k = 0; k < 4; ++k) m_size[r][k] += std::fabs(factor) * m_size[from][k];
+  // Divides row c by its pivot.
+  void Divide(int c) {
+    const double pivot = m_a[c][c];
+    const double pivotError = m_error[c][c];
+    for (int k = 0; k < 8; ++k) m_a[c][k] /= pivot;
+    for (int k = 0; k < 4; ++k)
+      m_error[c][k] = (m_error[c][k] + std::fabs(m_a[c][k]) * pivotError) / std::fabs(pivot);
+  }
+
+  // Takes row c from row r so often that column c of it becomes 0.
+  void Subtract(int r, int c) {
+    const double factor = m_a[r][c];
+    const double factorError = m_error[r][c];
+    for (int k = 0; k < 8; ++k) m_a[r][k] -= factor * m_a[c][k];
+    for (int k = 0; k < 4; ++k)
+      m_error[r][k] += std::fabs(factor) * m_error[c][k] + factorError * std::fabs(m_a[c][k]);
   }
 
   double m_a[4][8] = {};
-  double m_size[4][4] = {};
+  double m_error[4][4] = {};
 };
 
 }  // namespace

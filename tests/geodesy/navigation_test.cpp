@@ -1,0 +1,193 @@
+// Distances, courses, end points, great circles: against 50-digit results and by their geometry.
+
+#include <gtest/gtest.h>
+#include <k7/geodesy.h>
+
+#include <cmath>
+#include <fstream>
+#include <limits>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+const double INF = std::numeric_limits<double>::infinity();
+
+// The lines of great_circles.txt of one kind, without their first word.
+std::vector<std::vector<double>> GoldenLines(const std::string& kind) {
+  std::ifstream in(K7_TEST_DATA "/geodesy/great_circles.txt");
+  std::vector<std::vector<double>> lines;
+  for (std::string line; std::getline(in, line);) {
+    std::istringstream words(line);
+    std::string word;
+    words >> word;
+    if (word != kind) continue;
+    lines.emplace_back();
+    while (words >> word) lines.back().push_back(std::stod(word));
+  }
+  return lines;
+}
+
+// Positions spread evenly over the globe.
+class Positions {
+ public:
+  K7ECEF Next() {
+    K7ECEF p(m_normal(m_bits), m_normal(m_bits), m_normal(m_bits));
+    p.Normalize();
+    return p;
+  }
+  K7LatLon NextLatLon() {
+    double lat, lon;
+    Next().GetLatLon(lat, lon);
+    return K7LatLon(lat, lon);
+  }
+  double Uniform(double low, double high) { return std::uniform_real_distribution<>(low, high)(m_bits); }
+
+ private:
+  std::mt19937_64 m_bits{20240229};
+  std::normal_distribution<> m_normal;
+};
+
+}  // namespace
+
+TEST(Navigation, AgreesWithFiftyDigits) {
+  const auto legs = GoldenLines("leg");
+  ASSERT_EQ(legs.size(), 40u);
+  for (const auto& leg : legs) {
+    SCOPED_TRACE(testing::PrintToString(leg));
+    const K7LatLon from(leg[0], leg[1]), to(leg[2], leg[3]);
+    const K7ECEF start(leg[0], leg[1]), end(leg[2], leg[3]);
+    const double distance = leg[4], course = leg[5], arrival = leg[6], tolerance = leg[7];
+    for (double d : {from.Distance(to), to.Distance(from), start.Distance(end), K7GrtCirc(from, to).Length()})
+      EXPECT_NEAR(d, distance, 3e-12);
+    EXPECT_LE(HeadingDiff(from.InitCourse(to), course), tolerance);
+    EXPECT_LE(HeadingDiff(start.InitCourse(end), course), tolerance);
+    EXPECT_LE(HeadingDiff(from.FinalCourse(to), arrival), tolerance);
+    EXPECT_LE(HeadingDiff(FinalCourse(start, end), arrival), tolerance);
+    K7LatLon reached;
+    reached.EndPoint(from, course, distance);
+    EXPECT_LT(reached.Distance(to), 1e-8);  // an arc sine near 90 degrees keeps half of the digits
+    EXPECT_LT(K7ECEF(start, course, distance).Distance(end), 1e-11);
+  }
+}
+
+TEST(Navigation, CrossAndAlongTrackAgreeWithFiftyDigits) {
+  const auto lines = GoldenLines("off");
+  ASSERT_EQ(lines.size(), 20u);
+  for (const auto& line : lines) {
+    SCOPED_TRACE(testing::PrintToString(line));
+    double cross, along;
+    K7GrtCirc(line[0], line[1], line[2], line[3]).OrthoDist(K7LatLon(line[4], line[5]), cross, along);
+    EXPECT_NEAR(cross, line[6], 1e-10);
+    EXPECT_NEAR(along, line[7], 1e-10);
+  }
+  double cross, along;
+  const K7GrtCirc leg(0, 0, 0, 10);
+  leg.OrthoDist(leg.Begin(), cross, along);
+  EXPECT_NEAR(cross, 0, 1e-12);
+  EXPECT_NEAR(along, 0, 1e-12);
+}
+
+TEST(Navigation, CoursesStayInRangeAndIdenticalPositionsHaveNone) {
+  Positions positions;
+  for (int i = 0; i < 20000; ++i) {
+    const K7LatLon a = positions.NextLatLon(), b = positions.NextLatLon();
+    const K7ECEF p(a.Lat(), a.Lon());
+    EXPECT_EQ(a.InitCourse(a), -639.0);
+    EXPECT_EQ(a.FinalCourse(a), 261.0);
+    EXPECT_EQ(p.InitCourse(p), -639.0);
+    EXPECT_EQ(FinalCourse(p, p), 261.0);
+    // Along the meridian the east component is rounding noise of either sign.
+    for (const K7LatLon& to : {b, K7LatLon(b.Lat(), a.Lon())}) {
+      EXPECT_GE(a.InitCourse(to), 0);
+      EXPECT_LT(a.InitCourse(to), 360);
+    }
+  }
+}
+
+TEST(Navigation, EndPointsNearThePolesAreNumbers) {
+  Positions positions;
+  for (int i = 0; i < 20000; ++i) {
+    const double lat = positions.Uniform(-90, 90);
+    K7LatLon pole;
+    pole.EndPoint(K7LatLon(lat, 10), 0, (90 - lat) * K7_DEG_TO_RAD * K7_EARTH_RADIUS_NM);
+    EXPECT_NEAR(pole.Lat(), 90, 3e-6);
+    EXPECT_LE(pole.Lat(), 90);
+  }
+}
+
+TEST(Navigation, LocalFrameTurnsThereAndBack) {
+  Positions positions;
+  for (int i = 0; i < 1000; ++i) {
+    const K7ECEF at = positions.Next(), v = positions.Next();
+    K7ECEF local = v;
+    at.ECEFToOrtho(local);
+    EXPECT_NEAR(local.Z(), at.DotProduct(v), 1e-15);
+    EXPECT_NEAR(std::atan2(local.X(), local.Y()), std::remainder(at.InitCourse(v) * K7_DEG_TO_RAD, 2 * K7_PI),
+                1e-9);
+    at.OrthoToECEF(local);
+    local.EndPoint(local, 0, 0);
+    EXPECT_LT(local.Distance(v), 1e-10);
+  }
+}
+
+TEST(Navigation, VectorsNormaliseUnlessThereIsNoLength) {
+  K7ECEF v(0, 3, 4);
+  EXPECT_TRUE(v.Normalize());
+  EXPECT_EQ(v, K7ECEF(0, 0.6, 0.8));
+  EXPECT_FALSE(v.UnitNormal(v, v));
+  EXPECT_EQ(v, K7ECEF());
+  EXPECT_FALSE(v.Normalize());
+  EXPECT_TRUE(v.UnitNormal(K7ECEF(2, 0, 0), K7ECEF(0, 2, 0)));
+  EXPECT_EQ(v, K7ECEF(0, 0, 1));
+  EXPECT_EQ(K7ECEF(0.0, 0.0), K7ECEF(1, 0, 0));
+}
+
+TEST(GreatCircle, SegmentsMeetWhereTheyWereLaid) {
+  Positions positions;
+  for (int i = 0; i < 5000; ++i) {
+    const K7ECEF x = positions.Next();
+    const double course = positions.Uniform(0, 360), turn = positions.Uniform(20, 160);
+    const double reach = positions.Uniform(1, 2500);
+    const K7GrtCirc a(K7ECEF(x, course + 180, reach), K7ECEF(x, course, reach / 2));
+    const K7GrtCirc b(K7ECEF(x, course + turn + 180, reach / 3), K7ECEF(x, course + turn, reach));
+    K7ECEF at;
+    ASSERT_TRUE(a.Intersect(b, at, 0));
+    EXPECT_LT(at.Distance(x), 1e-8);
+    // Segments that end before the crossing do not meet.
+    K7LatLon position(1, 2);
+    const K7GrtCirc shorter(a.Begin(), K7ECEF(a.Begin(), a.Begin().InitCourse(a.End()), reach * 0.99));
+    EXPECT_FALSE(shorter.Intersect(b, position, 0));
+    EXPECT_FALSE(b.Intersect(shorter, position, 0));
+    EXPECT_EQ(position.Distance(K7LatLon(1, 2)), 0);
+  }
+}
+
+TEST(GreatCircle, ToleranceWidensTheOtherSegmentOnly) {
+  const K7GrtCirc equator(0, -10, 0, 10), upwards(0, 3, 20, 3), same(0, 5, 0, 30);
+  K7LatLon at;
+  EXPECT_TRUE(equator.Intersect(upwards, at, 1e-12));
+  EXPECT_NEAR(at.Lon(), 3, 1e-12);
+  EXPECT_FALSE(upwards.Intersect(equator, at, 1e-12));
+  EXPECT_FALSE(equator.Intersect(same, at, 1e-12));
+}
+
+TEST(Headings, WrapAndMeet) {
+  EXPECT_EQ(HeadingDiff(350, 10), 20);
+  EXPECT_EQ(HeadingDiff(0, 180), 180);
+  EXPECT_EQ(MidHeading(350, 10), 360);
+  EXPECT_EQ(MidHeading(10, 100), 55);
+  EXPECT_TRUE(std::isnan(NormalizeHeading(INF)));
+  EXPECT_LE(NormalizeHeading(1e300), 360);
+  Positions positions;
+  std::vector<double> headings = {0, 360, -10, 725, -360, 720, -1e-20, 1e6 * 360, -1e4 * 360};
+  for (int i = 0; i < 5000; ++i) headings.push_back(positions.Uniform(-1e5, 1e5));
+  for (double h : headings) {
+    double stepped = h;
+    while (stepped < 0) stepped += 360;
+    while (stepped > 360) stepped -= 360;
+    EXPECT_EQ(NormalizeHeading(h), stepped) << h;
+  }
+}
