@@ -5,3 +5,4 @@
 #include <k7/geodesy.h>
 #include <k7/geometry.h>
 #include <k7/io.h>
+#include <k7/projection.h>

@@ -1,0 +1,64 @@
+// K7ChartRect: a geographic box that may run across the 180th meridian.
+#pragma once
+
+#include <k7/export.h>
+
+class K7File;
+
+/// Extent of charts, stores, shapes, tiles and queries: a latitude band and a longitude interval, in degrees,
+/// edges included. East below west means across the 180th meridian: west to 180 and -180 to east. A value; no
+/// locks.
+class K7_API K7ChartRect {
+ public:
+  /// The empty rectangle, north -999, south 999, east -999, west 999: no point is in it, `Include` starts it.
+  K7ChartRect() = default;
+  K7ChartRect(double n, double s, double e, double w) : m_north(n), m_south(s), m_east(e), m_west(w) {}
+  void Init(double n, double s, double e, double w) { *this = K7ChartRect(n, s, e, w); }
+  void Empty() { *this = K7ChartRect(); }
+
+  double North() const { return m_north; }
+  double South() const { return m_south; }
+  double East() const { return m_east; }
+  double West() const { return m_west; }
+
+  bool IsEmpty() const { return m_south > m_north; }
+  /// Exactly 90, -90, 180, -180.
+  bool IsEntireWorld() const;
+  bool PtIn(double lat, double lon) const;
+  /// The two share a point: overlap, not containment.
+  bool AreaIn(double n, double s, double e, double w) const;
+  bool AreaIn(const K7ChartRect& area) const;
+
+  /// Grows by the lesser way to take in a point, across 180 where that is shorter.
+  void Include(double lat, double lon);
+  /// The middle latitude and longitude, the longitude within [-180, 180).
+  void Center(double& lat, double& lon) const;
+  /// Grows by margins in degrees and clamps to the world. A rectangle across 180 is clamped alike and may
+  /// lose its crossing.
+  void Expand(double dLat, double dLon);
+  /// Takes a's extent, then includes b's north-east and south-west corners. `b` must not be empty.
+  void Union(const K7ChartRect& a, const K7ChartRect& b);
+  K7ChartRect& operator|=(const K7ChartRect& other);
+  /// False when nothing is common: this is then empty, or, when already the latitudes are disjoint, holds
+  /// their crossed bounds and keeps its longitudes. Two rectangles that meet in two intervals (one across
+  /// 180, the other wide) give one of them: the one at the normal rectangle's eastern side, or the western
+  /// when its east is negative.
+  bool Intersect(const K7ChartRect& a, const K7ChartRect& b);
+  K7ChartRect& operator&=(const K7ChartRect& other);
+
+  bool operator==(const K7ChartRect& other) const;
+  bool operator!=(const K7ChartRect& other) const { return !(*this == other); }
+  /// This lies within `other`: including this in `other` leaves it exactly as it is.
+  bool operator<(const K7ChartRect& other) const;
+
+  /// Reads north, south, east, west as 8-byte little-endian floats. What the last read returned (8 when all
+  /// is well, less or a negative code at the end of the file); K7_ERR_BAD_ARGUMENT for null. A field that
+  /// does not come whole keeps its value.
+  int Read(K7File* f);
+
+ private:
+  double m_north = -999.0;
+  double m_south = 999.0;
+  double m_east = -999.0;
+  double m_west = 999.0;
+};

@@ -1,0 +1,110 @@
+// K7Projection: the interface of the map projections and their factory.
+#pragma once
+
+#include <k7/export.h>
+
+class K7Grfx;
+
+/// The kinds of projection. Stored by hosts in settings and files: never renumber.
+enum K7ProjType : int {
+  K7_PROJ_LAMBERT = 0,
+  K7_PROJ_MERCATOR = 1,
+  K7_PROJ_ORTHOGRAPHIC = 2,
+  K7_PROJ_RECTANGULAR = 3,
+  K7_PROJ_MILLER = 4,
+  K7_PROJ_ALBERS = 5,
+  K7_PROJ_PERSPECTIVE = 6,
+  K7_PROJ_STEREOGRAPHIC = 7,
+  K7_PROJ_GNOMONIC = 8,
+};
+
+/// Radius in metres of the sphere on which projections lay positions out.
+inline constexpr double K7_EARTH_RADIUS_M = 6378137.0;
+
+/// Turns positions into "world" coordinates and back, and sets up a graphics context so that the world lands
+/// on the device. The cylindrical and conic families keep the world flat (z = 0; metres and earth radii
+/// respectively); the azimuthal family works on a unit globe and leaves the projecting to the context's
+/// camera.
+///
+/// Latitudes and longitudes are degrees, north and east positive. Typical use:
+///     K7Projection* projection = K7Projection::Create(K7_PROJ_LAMBERT, &err);  // the caller deletes it
+///     projection->SetupMatrix(grfx, 0, 0, width, height);
+///     projection->CenterOn(grfx, 47.5, -122.3);
+///     projection->LatLon2World(lat, lon, x, y, z);                             // for everything that is
+///     drawn projection->Device2LatLon(mouseX, mouseY, grfx, width, height, lat, lon);
+///
+/// A value without locks: const operations may run in several threads, each with a context of its own.
+class K7_API K7Projection {
+ public:
+  virtual ~K7Projection();
+
+  /// A new copy, which the caller deletes; null with *error (optional) K7_ERR_MEMORY when memory runs out.
+  virtual K7Projection* Clone(int* error) const = 0;
+  /// The kind's name in English, a static text.
+  virtual const char* Name() const = 0;
+
+  /// Parameters that a user may set, each a number with a name.
+  virtual int ParamCount() const;
+  /// A static text, or null.
+  virtual const char* ParamName(int index) const;
+  virtual void ParamValue(int index, double value);
+  virtual double ParamValue(int index) const;
+
+  /// World point under a device point: what lies there at depth 0 for the flat families, the visible surface
+  /// of the globe for the azimuthal ones (see there for the limits of that). False off the globe and for a
+  /// null context. Hosts that pick positions use `Device2LatLon`.
+  virtual bool Device2World(double dx, double dy, K7Grfx* g, int width, int height, double& x, double& y,
+                            double& z) const;
+  /// Forward. False when the position is outside the projection's domain, with the coordinates written all
+  /// the same.
+  virtual bool LatLon2World(double lat, double lon, double& x, double& y, double& z) const = 0;
+  /// Inverse. False when the result is outside the inverse's domain, which may be narrower than the forward
+  /// one.
+  virtual bool World2LatLon(double x, double y, double z, double& lat, double& lon) const = 0;
+
+  /// Gives `g` the viewing volume for a device rectangle, its origin and size in pixels. False, with `g` left
+  /// alone, for a null `g` and where the numbers have no finite volume (a width or height of 0).
+  virtual bool SetupMatrix(K7Grfx* g, int x, int y, int width, int height) const = 0;
+  /// Places the camera of `g` over a position. False, with `g` left alone, for a null `g` and for a position
+  /// outside the projection's domain.
+  virtual bool CenterOn(K7Grfx* g, double lat, double lon) const = 0;
+
+  virtual bool IsCylindrical() const;
+  virtual bool IsConic() const;
+  virtual bool IsAzimuthal() const;
+  /// Local scale as a factor, for hosts that correct a scale bar; 1 where a kind has no rule of its own.
+  virtual double ScaleError(double lat, double lon) const;
+
+  /// Position under a device point, exact for every projection and camera: the ray through the pixel, taken
+  /// from `g` alone, is met with the globe or with the flat world. `width` and `height` are those of the
+  /// window, in pixels. The longitude is within [-180, 180].
+  ///
+  /// False, with `lat` and `lon` untouched, for a pixel off the map (beyond the limb or horizon, in a cone's
+  /// gap, beyond the poles, more than 180 degrees of longitude from the centre of a cylindrical map), for a
+  /// null `g`, a window without area and a context that cannot be inverted.
+  bool Device2LatLon(double dx, double dy, K7Grfx* g, int width, int height, double& lat, double& lon) const;
+
+  K7ProjType Type() const { return m_type; }
+  /// Clip distances in front of the camera, in world units.
+  double NearClip() const { return m_near; }
+  double FarClip() const { return m_far; }
+
+  /// A new object of a kind with its defaults, which the caller deletes: standard parallels 45 and 30,
+  /// meridian -90, origin 0 for the conics, magnification 4 for the general perspective, standard parallel 0
+  /// for the rectangular. Null for any other number, with *error untouched, and without memory, with *error
+  /// (optional) K7_ERR_MEMORY.
+  static K7Projection* Create(K7ProjType type, int* error);
+
+ protected:
+  K7Projection(K7ProjType type, double nearClip, double farClip)
+      : m_type(type), m_near(nearClip), m_far(farClip) {}
+  K7Projection(const K7Projection&) = default;
+  K7Projection& operator=(const K7Projection&) = default;
+
+ private:
+  K7ProjType m_type;
+
+ protected:
+  double m_near;
+  double m_far;
+};
