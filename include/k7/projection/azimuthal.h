@@ -44,8 +44,6 @@ class K7_API K7StereographicProjection : public K7AzimuthalProjection {
   K7StereographicProjection() : K7AzimuthalProjection(K7_PROJ_STEREOGRAPHIC, -1.0, 1.0, 2.0) {}
   K7Projection* Clone(int* error) const override;
   const char* Name() const override;
-  /// The stated depth takes the window for half as wide as it is: on the globe at the centre only, elsewhere
-  /// on the right ray but off its surface.
   bool Device2World(double dx, double dy, K7Grfx* g, int width, int height, double& x, double& y,
                     double& z) const override;
   bool SetupMatrix(K7Grfx* g, int x, int y, int width, int height) const override;
@@ -57,6 +55,8 @@ class K7_API K7GnomonicProjection : public K7AzimuthalProjection {
   K7GnomonicProjection() : K7AzimuthalProjection(K7_PROJ_GNOMONIC, 0.0, 0.25, 1.1) {}
   K7Projection* Clone(int* error) const override;
   const char* Name() const override;
+  /// Away from the centre the point lies on the right ray, but somewhat within the globe: stored picks depend
+  /// on it.
   bool Device2World(double dx, double dy, K7Grfx* g, int width, int height, double& x, double& y,
                     double& z) const override;
   bool SetupMatrix(K7Grfx* g, int x, int y, int width, int height) const override;
@@ -91,7 +91,9 @@ class K7_API K7PerspectiveProjection : public K7AzimuthalProjection {
   /// (3 / (magnification - 1)) squared.
   double ScaleError(double lat, double lon) const override;
 
-  /// Clip distances from magnification and pitch: the ground below the eye and the horizon ahead.
+  /// Clip distances from magnification and pitch: the ground below the eye and the horizon ahead. At pitch 0
+  /// the near distance is all but 0 and depths lose their meaning: for a level view keep those of a steeper
+  /// pitch.
   void SetClipPlanes();
   /// Altitude in feet above the sphere of radius 6378137 m to magnification and back.
   static double Alt2Mag(double feet);

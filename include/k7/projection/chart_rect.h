@@ -39,10 +39,9 @@ class K7_API K7ChartRect {
   /// Takes a's extent, then includes b's north-east and south-west corners. `b` must not be empty.
   void Union(const K7ChartRect& a, const K7ChartRect& b);
   K7ChartRect& operator|=(const K7ChartRect& other);
-  /// False when nothing is common: this is then empty, or, when already the latitudes are disjoint, holds
-  /// their crossed bounds and keeps its longitudes. Two rectangles that meet in two intervals (one across
-  /// 180, the other wide) give one of them: the one at the normal rectangle's eastern side, or the western
-  /// when its east is negative.
+  /// False when nothing is common: this is then empty or, when already the latitudes are disjoint, holds
+  /// their crossed bounds and keeps its longitudes. With one of the two across 180, what is common is sought
+  /// only on that side of 180 on which the other has its eastern edge; `AreaIn` has no such limit.
   bool Intersect(const K7ChartRect& a, const K7ChartRect& b);
   K7ChartRect& operator&=(const K7ChartRect& other);
 

@@ -20,7 +20,7 @@ class K7_API K7ConicProjection : public K7Projection {
   /// Always true, also in the gap of the developed cone; not a number where an equal-area cone has no
   /// latitude.
   bool World2LatLon(double x, double y, double z, double& lat, double& lon) const override;
-  /// At unit zoom the window is two earth radii wide about the camera, whatever the device origin.
+  /// At unit zoom the window is two earth radii wide.
   bool SetupMatrix(K7Grfx* g, int x, int y, int width, int height) const override;
   /// The meridian through the centre runs straight up the screen.
   bool CenterOn(K7Grfx* g, double lat, double lon) const override;

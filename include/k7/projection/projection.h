@@ -28,7 +28,7 @@ inline constexpr double K7_EARTH_RADIUS_M = 6378137.0;
 ///
 /// Latitudes and longitudes are degrees, north and east positive. Typical use:
 ///     K7Projection* projection = K7Projection::Create(K7_PROJ_LAMBERT, &err);  // the caller deletes it
-///     projection->SetupMatrix(grfx, 0, 0, width, height);
+///     projection->SetupMatrix(grfx, width / 2, height / 2, width, height);
 ///     projection->CenterOn(grfx, 47.5, -122.3);
 ///     projection->LatLon2World(lat, lon, x, y, z);                             // for everything that is
 ///     drawn projection->Device2LatLon(mouseX, mouseY, grfx, width, height, lat, lon);
@@ -62,8 +62,11 @@ class K7_API K7Projection {
   /// one.
   virtual bool World2LatLon(double x, double y, double z, double& lat, double& lon) const = 0;
 
-  /// Gives `g` the viewing volume for a device rectangle, its origin and size in pixels. False, with `g` left
-  /// alone, for a null `g` and where the numbers have no finite volume (a width or height of 0).
+  /// Gives `g` the viewing volume for a window of `width` by `height` pixels. (x, y) is where the camera's
+  /// axis, and so the position of `CenterOn`, meets the window, in pixels from its lower left corner: half
+  /// the size for the middle. The conic, stereographic, gnomonic and general perspective projections have it
+  /// in the middle always. False, with `g` left alone, for a null `g` and where the numbers give no finite
+  /// volume (a width or height of 0).
   virtual bool SetupMatrix(K7Grfx* g, int x, int y, int width, int height) const = 0;
   /// Places the camera of `g` over a position. False, with `g` left alone, for a null `g` and for a position
   /// outside the projection's domain.

@@ -1,0 +1,193 @@
+#include <k7/projection/conic.h>
+
+#include <k7/geodesy/constants.h>
+#include <k7/projection/grfx.h>
+
+#include "projection/owned.h"
+
+#include <cmath>
+#include <new>
+
+namespace {
+
+constexpr double TURN = 6.283185307179586;
+
+// One turn at most: hosts pass longitudes of one map, not of many.
+double WrapOnce(double angle) {
+  if (angle > K7_PI) return angle - TURN;
+  if (angle < -K7_PI) return angle + TURN;
+  return angle;
+}
+
+}  // namespace
+
+K7ConicProjection::K7ConicProjection(K7ProjType type, double parallel1, double parallel2, double meridian,
+                                     double origin)
+    : K7Projection(type, -1.0, 1.0),
+      m_lambda0(meridian * K7_DEG_TO_RAD),
+      m_phi0(origin * K7_DEG_TO_RAD),
+      m_phi1(parallel1 * K7_DEG_TO_RAD),
+      m_phi2(parallel2 * K7_DEG_TO_RAD) {}
+
+int K7ConicProjection::ParamCount() const { return 2; }
+
+const char* K7ConicProjection::ParamName(int index) const {
+  static constexpr const char* NAMES[] = {"Standard Parallel 1", "Standard Parallel 2"};
+  return index == 0 || index == 1 ? NAMES[index] : nullptr;
+}
+
+double K7ConicProjection::ParamValue(int index) const {
+  return (index == 0 ? m_phi1 : m_phi2) * K7_RAD_TO_DEG;
+}
+
+void K7ConicProjection::SetParallel(int index, double degrees) {
+  (index == 0 ? m_phi1 : m_phi2) = degrees * K7_DEG_TO_RAD;
+}
+
+double K7ConicProjection::Lambda2Theta(double lambda) const { return m_n * WrapOnce(lambda - m_lambda0); }
+double K7ConicProjection::Theta2Lambda(double theta) const { return WrapOnce(theta / m_n + m_lambda0); }
+
+bool K7ConicProjection::LatLon2World(double lat, double lon, double& x, double& y, double& z) const {
+  const double rho = Lat2Rho(lat * K7_DEG_TO_RAD);
+  const double theta = Lambda2Theta(lon * K7_DEG_TO_RAD);
+  x = rho * std::sin(theta);
+  y = m_rho0 - rho * std::cos(theta);
+  z = 0.0;
+  return true;
+}
+
+bool K7ConicProjection::World2LatLon(double x, double y, double, double& lat, double& lon) const {
+  const double sign = m_n > 0 ? 1.0 : -1.0;
+  const double fromApex = m_rho0 - y;
+  const double rho = sign * std::sqrt(x * x + fromApex * fromApex);
+  const double theta = std::atan2(sign * x, sign * fromApex);
+  lat = Rho2Lat(rho) * K7_RAD_TO_DEG;
+  lon = Theta2Lambda(theta) * K7_RAD_TO_DEG;
+  return true;
+}
+
+bool K7ConicProjection::SetupMatrix(K7Grfx* g, int, int, int width, int height) const {
+  if (!g || width == 0 || height == 0) return false;
+  const double aspect = static_cast<double>(height) / width;
+  g->Ortho(-1.0, 1.0, -aspect, aspect, m_near, m_far);
+  return true;
+}
+
+bool K7ConicProjection::CenterOn(K7Grfx* g, double lat, double lon) const {
+  const double theta = Lambda2Theta(lon * K7_DEG_TO_RAD);
+  double x, y, z;
+  if (!g || !LatLon2World(lat, lon, x, y, z) || !std::isfinite(x) || !std::isfinite(y)) return false;
+  const double eye[3] = {x, y, 1.0};
+  const double centre[3] = {x, y, 0.0};
+  const double up[3] = {std::sin(-theta), std::cos(-theta), 0.0};
+  g->LookAt(eye, centre, up);
+  return true;
+}
+
+bool K7ConicProjection::IsConic() const { return true; }
+
+K7LambertProjection::K7LambertProjection(double parallel1, double parallel2, double meridian, double origin)
+    : K7ConicProjection(K7_PROJ_LAMBERT, parallel1, parallel2, meridian, origin) {
+  ComputeCone();
+}
+
+K7Projection* K7LambertProjection::Clone(int* error) const {
+  return OwnedOrError(new (std::nothrow)
+                          K7LambertProjection(m_phi1 * K7_RAD_TO_DEG, m_phi2 * K7_RAD_TO_DEG,
+                                              m_lambda0 * K7_RAD_TO_DEG, m_phi0 * K7_RAD_TO_DEG),
+                      error);
+}
+
+const char* K7LambertProjection::Name() const { return "Lambert Conformal"; }
+
+void K7LambertProjection::ParamValue(int index, double value) {
+  SetParallel(index, value);
+  ComputeCone();
+}
+
+void K7LambertProjection::ComputeCone() {
+  if (m_ellipsoidal) {
+    m_n = (std::log(m(m_phi1)) - std::log(m(m_phi2))) / (std::log(t(m_phi1)) - std::log(t(m_phi2)));
+    m_scale = m(m_phi1) / (m_n * std::pow(t(m_phi1), m_n));
+  } else {
+    const double tan1 = std::tan(K7_PI / 4 + m_phi1 / 2);
+    m_n = std::log(std::cos(m_phi1) / std::cos(m_phi2)) / std::log(std::tan(K7_PI / 4 + m_phi2 / 2) / tan1);
+    m_scale = std::cos(m_phi1) * std::pow(tan1, m_n) / m_n;
+  }
+  m_rho0 = K7LambertProjection::Lat2Rho(m_phi0);
+}
+
+double K7LambertProjection::Lat2Rho(double phi) const {
+  if (m_ellipsoidal) return m_scale * std::pow(t(phi), m_n);
+  return m_scale / std::pow(std::tan(K7_PI / 4 + phi / 2), m_n);
+}
+
+double K7LambertProjection::Rho2Lat(double rho) const {
+  if (!m_ellipsoidal) return 2 * std::atan(std::pow(m_scale / rho, 1 / m_n)) - K7_PI / 2;
+  const double chi = K7_PI / 2 - 2 * std::atan(std::pow(rho / m_scale, 1 / m_n));
+  const double cos2 = std::cos(2 * chi);
+  const double* const c = m_series;
+  return chi + std::sin(2 * chi) * (((c[3] * cos2 + c[2]) * cos2 + c[1]) * cos2 + c[0]);
+}
+
+void K7LambertProjection::UseEllipEqs(double a, double b) {
+  m_ellipsoidal = true;
+  m_e = std::sqrt(1 - b * b / (a * a));
+  const double e2 = m_e * m_e;
+  const double e4 = e2 * e2;
+  const double e6 = e4 * e2;
+  const double e8 = e4 * e4;
+  const double sin6 = 7 * e6 / 120 + 81 * e8 / 1120;
+  const double sin8 = 4279 * e8 / 161280;
+  m_series[0] = e2 / 2 + 5 * e4 / 24 + e6 / 12 + 13 * e8 / 360 - sin6;
+  m_series[1] = 2 * (7 * e4 / 48 + 29 * e6 / 240 + 811 * e8 / 11520) - 4 * sin8;
+  m_series[2] = 4 * sin6;
+  m_series[3] = 8 * sin8;
+  ComputeCone();
+}
+
+double K7LambertProjection::m(double phi) const {
+  const double sine = std::sin(phi);
+  return std::cos(phi) / std::sqrt(1 - m_e * m_e * (sine * sine));
+}
+
+double K7LambertProjection::t(double phi) const {
+  const double sine = std::sin(phi);
+  const double eSine = m_e * sine;
+  return std::sqrt((1 - sine) / (1 + sine) * std::pow((1 + eSine) / (1 - eSine), m_e));
+}
+
+K7AlbersProjection::K7AlbersProjection(double parallel1, double parallel2, double meridian, double origin)
+    : K7ConicProjection(K7_PROJ_ALBERS, parallel1, parallel2, meridian, origin) {
+  ComputeCone();
+}
+
+K7Projection* K7AlbersProjection::Clone(int* error) const {
+  return OwnedOrError(new (std::nothrow)
+                          K7AlbersProjection(m_phi1 * K7_RAD_TO_DEG, m_phi2 * K7_RAD_TO_DEG,
+                                             m_lambda0 * K7_RAD_TO_DEG, m_phi0 * K7_RAD_TO_DEG),
+                      error);
+}
+
+const char* K7AlbersProjection::Name() const { return "Albers Equal-Area"; }
+
+void K7AlbersProjection::ParamValue(int index, double value) {
+  SetParallel(index, value);
+  ComputeCone();
+}
+
+void K7AlbersProjection::ComputeCone() {
+  const double sin1 = std::sin(m_phi1);
+  const double cos1 = std::cos(m_phi1);
+  m_n = (sin1 + std::sin(m_phi2)) / 2;
+  m_scale = cos1 * cos1 + 2 * m_n * sin1;
+  m_rho0 = K7AlbersProjection::Lat2Rho(m_phi0);
+}
+
+double K7AlbersProjection::Lat2Rho(double phi) const {
+  return std::sqrt(m_scale - 2 * m_n * std::sin(phi)) / m_n;
+}
+
+double K7AlbersProjection::Rho2Lat(double rho) const {
+  return std::asin((m_scale - rho * rho * m_n * m_n) / (2 * m_n));
+}

@@ -1,0 +1,113 @@
+// Positions under device points, for every projection and camera.
+#include <k7/geodesy/constants.h>
+#include <k7/projection/grfx.h>
+#include <k7/projection/projection.h>
+
+#include <cmath>
+
+namespace {
+
+struct Vec {
+  double x, y, z;
+};
+
+Vec operator-(const Vec& a, const Vec& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+double Dot(const Vec& a, const Vec& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+Vec Along(const Vec& from, double s, const Vec& step) {
+  return {from.x + s * step.x, from.y + s * step.y, from.z + s * step.z};
+}
+
+bool UnProject(K7Grfx& g, double dx, double dy, double depth, Vec& p) {
+  return g.UnProject(dx, dy, depth, p.x, p.y, p.z);
+}
+
+// Where the ray through a pixel meets z = 0.
+bool MeetPlane(K7Grfx& g, double dx, double dy, Vec& hit) {
+  Vec nearPoint, farPoint;
+  if (!UnProject(g, dx, dy, 0.0, nearPoint) || !UnProject(g, dx, dy, 1.0, farPoint)) return false;
+  const Vec step = farPoint - nearPoint;
+  hit = Along(nearPoint, -nearPoint.z / step.z, step);
+  hit.z = 0.0;
+  return std::isfinite(hit.x) && std::isfinite(hit.y);
+}
+
+// Where the ray through a pixel meets the unit globe. A camera outside sees the nearer point, one on the
+// globe or within (stereographic, gnomonic) the farther.
+bool MeetGlobe(K7Grfx& g, double dx, double dy, Vec& hit) {
+  Vec nearPoint, middle, farPoint;
+  if (!UnProject(g, dx, dy, 0.0, nearPoint) || !UnProject(g, dx, dy, 0.5, middle) ||
+      !UnProject(g, dx, dy, 1.0, farPoint)) {
+    return false;
+  }
+  const Vec step = farPoint - nearPoint;
+  const double stepSquare = Dot(step, step);
+  const double closest = -Dot(nearPoint, step) / stepSquare;
+  const Vec closestPoint = Along(nearPoint, closest, step);
+  const double chordSquare = 1.0 - Dot(closestPoint, closestPoint);
+  if (!(chordSquare >= 0.0)) return false;
+  const double halfChord = std::sqrt(chordSquare / stepSquare);
+
+  // Depth is linear in 1/distance for a perspective volume, in distance for a parallel one. So the share of
+  // the way at depth 1/2 is near / (near + far) or 1/2, and tells where the eye is, at -near / (far - near).
+  constexpr double PARALLEL = 1e-9;
+  constexpr double ON_GLOBE = 1e-9;
+  const double half = Dot(middle - nearPoint, step) / stepSquare;
+  double s = closest - halfChord;
+  if (1.0 - 2.0 * half > PARALLEL) {
+    const double eye = -half / (1.0 - 2.0 * half);
+    const Vec eyePoint = Along(nearPoint, eye, step);
+    if (Dot(eyePoint, eyePoint) <= 1.0 + ON_GLOBE) s = closest + halfChord;
+    if (!(s > eye)) return false;
+  }
+  hit = Along(nearPoint, s, step);
+  return true;
+}
+
+// On the map are the world points that the forward direction gives back. The inverse's own verdict is no
+// help: it refuses latitudes that are drawn, and accepts a cone's gap.
+bool OnFlatMap(const K7Projection& projection, const Vec& p, double& lat, double& lon) {
+  projection.World2LatLon(p.x, p.y, p.z, lat, lon);
+  Vec again;
+  if (!(std::fabs(lat) <= 90.0) || !projection.LatLon2World(lat, lon, again.x, again.y, again.z))
+    return false;
+  constexpr double TOLERANCE = 1e-6;  // the ellipsoidal inverse is a series
+  const double allowed = TOLERANCE * (1.0 + std::fabs(p.x) + std::fabs(p.y));
+  return std::fabs(again.x - p.x) <= allowed && std::fabs(again.y - p.y) <= allowed;
+}
+
+bool FindOnPlane(const K7Projection& projection, double dx, double dy, K7Grfx& g, int width, int height,
+                 double& lat, double& lon) {
+  Vec hit;
+  if (!MeetPlane(g, dx, dy, hit) || !OnFlatMap(projection, hit, lat, lon)) return false;
+  if (!projection.IsCylindrical()) return true;
+  // The plane goes on beyond the map that is drawn about the window's centre.
+  double centreLat = NAN;
+  double centreLon = NAN;
+  if (!MeetPlane(g, width / 2.0, height / 2.0, hit)) return false;
+  projection.World2LatLon(hit.x, hit.y, hit.z, centreLat, centreLon);
+  return std::fabs(lon - centreLon) <= 180.0;
+}
+
+bool FindOnGlobe(double dx, double dy, K7Grfx& g, double& lat, double& lon) {
+  Vec hit;
+  if (!MeetGlobe(g, dx, dy, hit)) return false;
+  // Not asin: it has half the digits near the poles.
+  lat = std::atan2(hit.z, std::hypot(hit.x, hit.y)) * K7_RAD_TO_DEG;
+  lon = std::atan2(hit.y, hit.x) * K7_RAD_TO_DEG;
+  return true;
+}
+
+}  // namespace
+
+bool K7Projection::Device2LatLon(double dx, double dy, K7Grfx* g, int width, int height, double& lat,
+                                 double& lon) const {
+  if (!g || width <= 0 || height <= 0) return false;
+  double foundLat = NAN;
+  double foundLon = NAN;
+  const bool found = IsAzimuthal() ? FindOnGlobe(dx, dy, *g, foundLat, foundLon)
+                                   : FindOnPlane(*this, dx, dy, *g, width, height, foundLat, foundLon);
+  if (!found || !std::isfinite(foundLat) || !std::isfinite(foundLon)) return false;
+  lat = foundLat;
+  lon = std::remainder(foundLon, 360.0);
+  return true;
+}
