@@ -3,9 +3,13 @@
 #include <k7/projection/grfx.h>
 #include <k7/projection/projection.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
+
+constexpr double ROUNDING =
+    1e-9;  // degrees, a tenth of a millimetre: the poles and the map's sides belong to it
 
 struct Vec {
   double x, y, z;
@@ -67,9 +71,10 @@ bool MeetGlobe(K7Grfx& g, double dx, double dy, Vec& hit) {
 // help: it refuses latitudes that are drawn, and accepts a cone's gap.
 bool OnFlatMap(const K7Projection& projection, const Vec& p, double& lat, double& lon) {
   projection.World2LatLon(p.x, p.y, p.z, lat, lon);
+  if (!(std::fabs(lat) <= 90.0 + ROUNDING)) return false;
+  lat = std::clamp(lat, -90.0, 90.0);
   Vec again;
-  if (!(std::fabs(lat) <= 90.0) || !projection.LatLon2World(lat, lon, again.x, again.y, again.z))
-    return false;
+  if (!projection.LatLon2World(lat, lon, again.x, again.y, again.z)) return false;
   constexpr double TOLERANCE = 1e-6;  // the ellipsoidal inverse is a series
   const double allowed = TOLERANCE * (1.0 + std::fabs(p.x) + std::fabs(p.y));
   return std::fabs(again.x - p.x) <= allowed && std::fabs(again.y - p.y) <= allowed;
@@ -85,7 +90,7 @@ bool FindOnPlane(const K7Projection& projection, double dx, double dy, K7Grfx& g
   double centreLon = NAN;
   if (!MeetPlane(g, width / 2.0, height / 2.0, hit)) return false;
   projection.World2LatLon(hit.x, hit.y, hit.z, centreLat, centreLon);
-  return std::fabs(lon - centreLon) <= 180.0;
+  return std::fabs(lon - centreLon) <= 180.0 + ROUNDING;
 }
 
 bool FindOnGlobe(double dx, double dy, K7Grfx& g, double& lat, double& lon) {

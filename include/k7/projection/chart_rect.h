@@ -41,7 +41,8 @@ class K7_API K7ChartRect {
   K7ChartRect& operator|=(const K7ChartRect& other);
   /// False when nothing is common: this is then empty or, when already the latitudes are disjoint, holds
   /// their crossed bounds and keeps its longitudes. With one of the two across 180, what is common is sought
-  /// only on that side of 180 on which the other has its eastern edge; `AreaIn` has no such limit.
+  /// only on that side of 180 on which the other has its eastern edge, with both, only across it. `AreaIn`
+  /// has no such limit.
   bool Intersect(const K7ChartRect& a, const K7ChartRect& b);
   K7ChartRect& operator&=(const K7ChartRect& other);
 

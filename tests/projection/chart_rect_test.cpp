@@ -1,0 +1,125 @@
+#include <k7/projection/chart_rect.h>
+
+#include "support/mem_io.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <random>
+
+namespace {
+
+// Is `lon` on the way east from west to east? By the circle, without a case for 180.
+bool OnArc(double lon, double east, double west) {
+  const auto turn = [](double d) { return std::fmod(d + 720.0, 360.0); };
+  return turn(lon - west) <= turn(east - west);
+}
+
+bool Holds(const K7ChartRect& r, double lat, double lon) {
+  return lat <= r.North() && lat >= r.South() && OnArc(lon, r.East(), r.West());
+}
+
+// Edges on tens, not on 180 itself, which is two longitudes to a rectangle.
+K7ChartRect RandomRect(std::mt19937& random) {
+  std::uniform_int_distribution<int> lat(-9, 9), lon(-17, 17);
+  const double n = 10 * lat(random), s = 10 * lat(random);
+  return K7ChartRect(std::max(n, s), std::min(n, s), 10 * lon(random), 10 * lon(random));
+}
+
+void EachPoint(const std::function<void(double, double)>& visit) {
+  for (int lat = -90; lat <= 90; lat += 5) {
+    for (int lon = -175; lon <= 180; lon += 5) visit(lat, lon);
+  }
+}
+
+TEST(ChartRect, OverlapAndIntersectionAgreeWithTheirPoints) {
+  std::mt19937 random(11);
+  for (int i = 0; i < 1500; ++i) {
+    const K7ChartRect a = RandomRect(random), b = RandomRect(random);
+    const bool aCrosses = a.East() < a.West(), bCrosses = b.East() < b.West();
+    // Two across 180 may meet again on the other side of the earth: a second interval, which is not kept.
+    if (aCrosses && bCrosses && (a.West() <= b.East() || b.West() <= a.East())) continue;
+    const K7ChartRect& normal = aCrosses ? b : a;
+    const K7ChartRect& crossing = aCrosses ? a : b;
+    K7ChartRect common = a;
+    const bool found = common.Intersect(common, b);
+    bool overlap = false, sought = false;
+    EachPoint([&](double lat, double lon) {
+      const bool inA = Holds(a, lat, lon);
+      EXPECT_EQ(a.PtIn(lat, lon), inA);
+      const bool both = inA && Holds(b, lat, lon);
+      overlap |= both;
+      // With one across 180, the common part is sought where the other's eastern edge lies.
+      bool side = true;
+      if (aCrosses != bCrosses) side = normal.East() < 0 ? lon <= crossing.East() : lon >= crossing.West();
+      sought |= both && side;
+      EXPECT_EQ(found && common.PtIn(lat, lon), both && side) << lat << ' ' << lon;
+    });
+    EXPECT_EQ(a.AreaIn(b), overlap);
+    EXPECT_EQ(found, sought);
+  }
+}
+
+TEST(ChartRect, GrowsByTheShorterWay) {
+  std::mt19937 random(12);
+  std::uniform_int_distribution<int> latitude(-9, 9), longitude(-17, 17);
+  const auto width = [](const K7ChartRect& r) { return std::fmod(r.East() - r.West() + 360.0, 360.0); };
+  for (int i = 0; i < 1500; ++i) {
+    const K7ChartRect before = RandomRect(random);
+    const double lat = 10 * latitude(random), lon = 10 * longitude(random);
+    K7ChartRect after = before;
+    after.Include(lat, lon);
+    EXPECT_TRUE(Holds(after, lat, lon));
+    const double toEast = std::fabs(std::remainder(lon - before.East(), 360.0));
+    const double toWest = std::fabs(std::remainder(lon - before.West(), 360.0));
+    const bool inside = OnArc(lon, before.East(), before.West());
+    EXPECT_EQ(width(after) - width(before), inside ? 0 : std::min(toEast, toWest));
+    EachPoint([&](double la, double lo) { EXPECT_TRUE(!Holds(before, la, lo) || after.PtIn(la, lo)); });
+    EXPECT_TRUE(before < after);
+    EXPECT_EQ(after < before, after == before);
+  }
+  K7ChartRect r;
+  r.Include(10, 170);
+  r.Include(12, -170);
+  EXPECT_TRUE(r == K7ChartRect(12, 10, -170, 170));
+}
+
+TEST(ChartRect, SpecialRectangles) {
+  const K7ChartRect world(90, -90, 180, -180), pacific(10, 0, -170, 170), alps(48, 45, 12, 6);
+  K7ChartRect r;
+  EXPECT_TRUE(r.Intersect(world, pacific));
+  EXPECT_TRUE(r == pacific);
+  EXPECT_FALSE(r.Intersect(alps, K7ChartRect(48, 45, 30, 20)));
+  EXPECT_TRUE(r == K7ChartRect());
+  r = alps;
+  EXPECT_FALSE(r.Intersect(alps, pacific));  // only the latitudes are settled by then
+  EXPECT_TRUE(r == K7ChartRect(10, 45, 12, 6));
+
+  double lat, lon;
+  pacific.Center(lat, lon);
+  EXPECT_EQ(lon, -180);
+  r = alps;
+  r.Expand(50, 1);
+  EXPECT_TRUE(r == K7ChartRect(90, -5, 13, 5));
+  r = pacific;
+  r.Union(alps, r);
+  EXPECT_TRUE(r.PtIn(10, -170) && r.PtIn(0, 170) && r.PtIn(48, 12));
+}
+
+TEST(ChartRect, ReadsFourFloats) {
+  const double fields[] = {48.5, 45.25, 12, 6};
+  const auto* const first = reinterpret_cast<const unsigned char*>(fields);
+  MemIO io;
+  io.Put("whole", Bytes(first, first + 32));
+  io.Put("cut", Bytes(first, first + 20));
+  K7ChartRect r(1, 2, 3, 4);
+  EXPECT_EQ(r.Read(std::unique_ptr<K7File>(io.CreateFileX("whole", "rb")).get()), 8);
+  EXPECT_TRUE(r == K7ChartRect(48.5, 45.25, 12, 6));
+  r.Init(1, 2, 3, 4);
+  EXPECT_LT(r.Read(std::unique_ptr<K7File>(io.CreateFileX("cut", "rb")).get()), 8);
+  EXPECT_TRUE(r == K7ChartRect(48.5, 45.25, 3, 4));
+}
+
+}  // namespace

@@ -1,0 +1,266 @@
+#include <k7/projection.h>
+
+#include <k7/geodesy/constants.h>
+#include <k7/geodesy/latlon.h>
+
+#include "golden.h"
+#include "soft_grfx.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <random>
+
+namespace {
+
+constexpr int WIDTH = 1000;
+constexpr int HEIGHT = 600;
+
+using Projection = std::unique_ptr<K7Projection>;
+
+Projection Make(int kind) { return Projection(K7Projection::Create(static_cast<K7ProjType>(kind), nullptr)); }
+
+Projection Make(const GoldenCase& c) {
+  const auto& p = c.parameters;
+  if (c.name == "albers") return std::make_unique<K7AlbersProjection>(p[0], p[1], p[2], p[3]);
+  if (c.name.starts_with("lambert")) {
+    auto lambert = std::make_unique<K7LambertProjection>(p[0], p[1], p[2], p[3]);
+    if (c.name == "lambert-wgs84") lambert->UseEllipEqs(6378137.0, 6356752.314245179);
+    return lambert;
+  }
+  Projection made = Make(c.kind);
+  const double* const values = p.data() + (made->IsAzimuthal() ? 2 : 0);  // behind the centre
+  for (int i = made->ParamCount() - 1; i >= 0; --i) made->ParamValue(i, values[i]);
+  return made;
+}
+
+void Show(const K7Projection& projection, SoftGrfx& g, double lat, double lon) {
+  ASSERT_TRUE(projection.SetupMatrix(&g, WIDTH / 2, HEIGHT / 2, WIDTH, HEIGHT));
+  ASSERT_TRUE(projection.CenterOn(&g, lat, lon));
+}
+
+double Degrees(double lat1, double lon1, double lat2, double lon2) {
+  return K7LatLon(lat1, lon1).Distance(K7LatLon(lat2, lon2)) / K7_EARTH_RADIUS_NM * K7_RAD_TO_DEG;
+}
+
+TEST(Projection, FlatMapsAgreeWithProj) {
+  const auto cases = ReadGolden("flat.txt");
+  ASSERT_EQ(cases.size(), 13u);
+  for (const GoldenCase& c : cases) {
+    const Projection projection = Make(c);
+    for (const auto& [lat, lon, x, y] : c.rows) {
+      SCOPED_TRACE(c.name + " " + std::to_string(lat) + " " + std::to_string(lon));
+      const double allowed = projection->IsConic() ? c.tolerance * (1 + std::hypot(x, y)) : c.tolerance;
+      double px, py, pz, backLat, backLon;
+      EXPECT_TRUE(projection->LatLon2World(lat, lon, px, py, pz));
+      EXPECT_NEAR(px, x, allowed);
+      EXPECT_NEAR(py, y, allowed);
+      EXPECT_TRUE(projection->World2LatLon(x, y, 0, backLat, backLon));
+      EXPECT_NEAR(backLat, lat, c.name == "lambert-wgs84" ? 2e-9 : 1e-9);
+      EXPECT_NEAR(std::remainder(backLon - lon, 360.0), 0.0, 1e-9);
+    }
+  }
+}
+
+TEST(Projection, CamerasAgreeWithProj) {
+  const auto cases = ReadGolden("device.txt");
+  ASSERT_EQ(cases.size(), 20u);
+  for (const GoldenCase& c : cases) {
+    const Projection projection = Make(c);
+    SoftGrfx g(WIDTH, HEIGHT);
+    Show(*projection, g, c.parameters[0], c.parameters[1]);
+    for (const auto& [lat, lon, dx, dy] : c.rows) {
+      SCOPED_TRACE(c.name + " " + std::to_string(lat) + " " + std::to_string(lon));
+      double x, y, z, px, py, backLat, backLon;
+      ASSERT_TRUE(projection->LatLon2World(lat, lon, x, y, z));
+      ASSERT_TRUE(g.Project(x, y, z, px, py));
+      EXPECT_NEAR(px, dx, c.tolerance);
+      EXPECT_NEAR(py, dy, c.tolerance);
+      ASSERT_TRUE(projection->Device2LatLon(dx, dy, &g, WIDTH, HEIGHT, backLat, backLon));
+      EXPECT_NEAR(Degrees(lat, lon, backLat, backLon), 0.0, 1e-7);
+    }
+  }
+}
+
+// A position is in view when the camera stands on its side of the globe; flat maps show all that they map.
+bool InView(const K7Projection& projection, double lat, double lon, double centreLat, double centreLon) {
+  if (!projection.IsAzimuthal()) return std::fabs(lat) < (projection.Type() == K7_PROJ_MILLER ? 91 : 89.9);
+  const double limit = projection.Type() == K7_PROJ_PERSPECTIVE     ? 75.4  // acos(1/4)
+                       : projection.Type() == K7_PROJ_STEREOGRAPHIC ? 175
+                                                                    : 89;
+  return Degrees(lat, lon, centreLat, centreLon) < limit;
+}
+
+TEST(Projection, PicksWhatItDraws) {
+  std::mt19937 random(7);
+  std::uniform_real_distribution<double> sine(-1, 1), turn(-180, 180);
+  constexpr double CENTRES[][2] = {{48.5, -123.2}, {0, 180}, {-12, -180}, {89.95, 0}, {-90, 0}, {90, 77}};
+  for (int kind = 0; kind < 9; ++kind) {
+    const Projection projection = Make(kind);
+    for (const auto& [centreLat, centreLon] : CENTRES) {
+      SoftGrfx g(WIDTH, HEIGHT, 1.7);
+      if (kind == K7_PROJ_MERCATOR && std::fabs(centreLat) == 90.0) continue;
+      if (kind == K7_PROJ_LAMBERT && centreLat == -90.0) continue;
+      Show(*projection, g, centreLat, centreLon);
+      for (int i = 0; i < 2000; ++i) {
+        const double lat = i < 4 ? 90 - 180 * (i % 2) : std::asin(sine(random)) * K7_RAD_TO_DEG;
+        const double lon = i % 50 == 4 ? 180 : turn(random);
+        if (!InView(*projection, lat, lon, centreLat, centreLon)) continue;
+        SCOPED_TRACE(std::string(projection->Name()) + " " + std::to_string(lat) + " " + std::to_string(lon));
+        // A cylinder is unrolled about its centre.
+        const double drawn =
+            projection->IsCylindrical() ? centreLon + std::remainder(lon - centreLon, 360.0) : lon;
+        double x, y, z, dx, dy, backLat = 0, backLon = 0;
+        ASSERT_TRUE(projection->LatLon2World(lat, drawn, x, y, z));
+        ASSERT_TRUE(g.Project(x, y, z, dx, dy));
+        ASSERT_TRUE(projection->Device2LatLon(dx, dy, &g, WIDTH, HEIGHT, backLat, backLon));
+        EXPECT_LE(Degrees(lat, lon, backLat, backLon), 2e-6);
+        EXPECT_LE(std::fabs(backLon), 180.0);
+      }
+    }
+  }
+}
+
+TEST(Projection, PixelsOffTheMapAreNotPicked) {
+  double lat = 1.25, lon = 2.5;
+  SoftGrfx g(WIDTH, HEIGHT, 0.05);
+  const auto misses = [&](const Projection& projection, double dx, double dy) {
+    lat = 1.25, lon = 2.5;
+    return !projection->Device2LatLon(dx, dy, &g, WIDTH, HEIGHT, lat, lon) && lat == 1.25 && lon == 2.5;
+  };
+  // Limb of the parallel view: a twentieth of half the width; of the eye at 4 radii: tan(asin(1/4)) of half
+  // the height.
+  for (const auto& [kind, limb] :
+       {std::pair{K7_PROJ_ORTHOGRAPHIC, 25.0}, {K7_PROJ_PERSPECTIVE, 15 / std::sqrt(15.0)}}) {
+    const Projection globe = Make(kind);
+    Show(*globe, g, 48.5, -123.2);
+    for (double angle = 0; angle < 6.28; angle += 0.1) {
+      const double dx = std::cos(angle) * limb, dy = std::sin(angle) * limb;
+      EXPECT_TRUE(misses(globe, 500 + 1.0001 * dx, 300 + 1.0001 * dy));
+      EXPECT_FALSE(misses(globe, 500 + 0.9999 * dx, 300 + 0.9999 * dy));
+    }
+  }
+  for (const K7ProjType kind : {K7_PROJ_MERCATOR, K7_PROJ_MILLER, K7_PROJ_RECTANGULAR}) {
+    const Projection cylinder = Make(kind);
+    Show(*cylinder, g, 10, 170);
+    const double pole = kind == K7_PROJ_MERCATOR ? 89.99 : 90;
+    for (const auto& [lat0, lon0, stretch] : {std::array{pole, 170., 1.001},
+                                              {-pole, 170., 1.001},
+                                              {10., 170 - 180.01, 1.},
+                                              {10., 170 + 180.01, 1.}}) {
+      double x, y, z, dx, dy;
+      cylinder->LatLon2World(lat0, lon0, x, y, z);
+      g.Project(x, y * stretch, z, dx, dy);
+      EXPECT_TRUE(misses(cylinder, dx, dy));
+    }
+  }
+  for (const K7ProjType kind : {K7_PROJ_LAMBERT, K7_PROJ_ALBERS}) {
+    const Projection cone = Make(kind);
+    const auto& conic = dynamic_cast<const K7ConicProjection&>(*cone);
+    Show(*cone, g, 45, -90);
+    const double n = conic.Lambda2Theta(1 - K7_PI / 2);  // one radian east of the central meridian
+    const double apexY = conic.Lat2Rho(0), rho = conic.Lat2Rho(0.7);
+    for (const double turn : {0.98, 1.02, 1 / n, -1.02, -0.98}) {
+      double dx, dy;
+      g.Project(rho * std::sin(turn * n * K7_PI), apexY - rho * std::cos(turn * n * K7_PI), 0, dx, dy);
+      EXPECT_EQ(misses(cone, dx, dy), std::fabs(turn) > 1);
+    }
+  }
+  // Above the horizon, behind which the earth lies again; and what is no window.
+  Projection view = Make(K7_PROJ_PERSPECTIVE);
+  view->ParamValue(3, -20);
+  view->ParamValue(0, 35000);
+  g = SoftGrfx(WIDTH, HEIGHT);
+  Show(*view, g, 48.5, -123.2);
+  EXPECT_TRUE(misses(view, 500, 100));
+  EXPECT_FALSE(misses(view, 500, 300));
+  EXPECT_TRUE(misses(view, std::numeric_limits<double>::quiet_NaN(), 300));
+  EXPECT_FALSE(view->Device2LatLon(500, 300, nullptr, WIDTH, HEIGHT, lat, lon));
+  EXPECT_FALSE(view->Device2LatLon(500, 300, &g, 0, HEIGHT, lat, lon));
+}
+
+TEST(Projection, Device2WorldPicksTheVisibleSurface) {
+  for (int kind = 0; kind < 9; ++kind) {
+    const Projection projection = Make(kind);
+    SoftGrfx g(WIDTH, HEIGHT, 1.3);
+    Show(*projection, g, 45, -90);
+    double x, y, z, lat, lon, exactLat, exactLon;
+    // The stated depths of two globes are exact at the middle only.
+    const double dx = kind == K7_PROJ_GNOMONIC || kind == K7_PROJ_PERSPECTIVE ? 500 : 640;
+    ASSERT_TRUE(projection->Device2World(dx, 300, &g, WIDTH, HEIGHT, x, y, z));
+    projection->World2LatLon(x, y, z, lat, lon);
+    ASSERT_TRUE(projection->Device2LatLon(dx, 300, &g, WIDTH, HEIGHT, exactLat, exactLon));
+    EXPECT_NEAR(Degrees(lat, lon, exactLat, exactLon), 0.0, 1e-9) << projection->Name();
+    EXPECT_NEAR(projection->IsAzimuthal() ? x * x + y * y + z * z : 1.0, 1.0, 1e-12);
+    EXPECT_EQ(projection->Device2World(1151, 300, &g, WIDTH, HEIGHT, x, y, z),
+              kind != K7_PROJ_ORTHOGRAPHIC && kind != K7_PROJ_PERSPECTIVE);
+    EXPECT_FALSE(projection->Device2World(500, 300, nullptr, WIDTH, HEIGHT, x, y, z));
+    projection->Device2World(500, 300, &g, 0, 0, x, y, z);
+    EXPECT_FALSE(projection->CenterOn(nullptr, 45, -90));
+    EXPECT_FALSE(projection->SetupMatrix(&g, 0, 0, 0, 100));
+  }
+}
+
+TEST(Projection, EdgesOfTheDomains) {
+  double x, y, z, edge, lat, lon, dx, dy;
+  SoftGrfx g(WIDTH, HEIGHT);
+  const K7MercatorProjection mercator;
+  EXPECT_FALSE(mercator.LatLon2World(90, 0, x, y, z));
+  EXPECT_TRUE(mercator.LatLon2World(89.99, 0, x, edge, z));
+  EXPECT_EQ(y, edge);
+  EXPECT_TRUE(mercator.LatLon2World(89.5, 0, x, y, z));
+  EXPECT_FALSE(mercator.World2LatLon(x, y, z, lat, lon));
+  EXPECT_FALSE(mercator.CenterOn(&g, 90, 0));
+  // Two radii across the window, the camera's axis at its lower left corner.
+  EXPECT_TRUE(mercator.SetupMatrix(&g, 0, 0, WIDTH, HEIGHT) && mercator.CenterOn(&g, 0, 0));
+  EXPECT_TRUE(g.Project(6378137.0, 6378137.0, 0, dx, dy));
+  EXPECT_NEAR(std::hypot(dx - 500, dy - (HEIGHT - 500)), 0, 1e-9);
+  const K7MillerProjection miller;
+  EXPECT_TRUE(miller.LatLon2World(-90, 0, x, y, z));
+  EXPECT_FALSE(miller.World2LatLon(x, y, z, lat, lon));
+  EXPECT_FALSE(K7GnomonicProjection().World2LatLon(0, 0, 0, lat, lon));
+}
+
+TEST(Projection, ParametersAndClones) {
+  int err = 5;
+  EXPECT_EQ(K7Projection::Create(static_cast<K7ProjType>(9), &err), nullptr);
+  EXPECT_EQ(err, 5);
+  for (int kind = 0; kind < 9; ++kind) {
+    const Projection made = Make(kind);
+    const auto value = [&](int i) { return kind == K7_PROJ_PERSPECTIVE && i == 3 ? -70 : 40 + i; };
+    for (int i = 0; i < made->ParamCount(); ++i) made->ParamValue(i, value(i));
+    const Projection copy(made->Clone(nullptr));
+    EXPECT_EQ(copy->Type(), kind);
+    for (int i = 0; i < made->ParamCount(); ++i) EXPECT_NEAR(copy->ParamValue(i), value(i), 1e-7);
+  }
+
+  // An ellipsoidal cone stays one through its parameters, and is spherical again as a clone.
+  K7LambertProjection changed(45, 30, -90, 0), fresh(40, 20, -90, 0);
+  changed.UseEllipEqs(6378137.0, 6356752.314245179);
+  changed.ParamValue(0, 40);
+  changed.ParamValue(1, 20);
+  const Projection clone(changed.Clone(nullptr));
+  double x, y, z, expected;
+  clone->LatLon2World(50, -60, x, y, z);
+  fresh.LatLon2World(50, -60, x, expected, z);
+  EXPECT_NEAR(y, expected, 1e-14);
+  fresh.UseEllipEqs(6378137.0, 6356752.314245179);
+  fresh.LatLon2World(50, -60, x, expected, z);
+  EXPECT_GT(std::fabs(y - expected), 1e-4);
+  changed.LatLon2World(50, -60, x, y, z);
+  EXPECT_NEAR(y, expected, 1e-14);
+
+  // Straight down: the ground below and the horizon's plane. A new pitch waits for the next clip planes.
+  K7PerspectiveProjection eye(4.0);
+  EXPECT_DOUBLE_EQ(eye.NearClip(), 3.0);
+  EXPECT_DOUBLE_EQ(eye.FarClip(), 15.0 / 4.0);
+  eye.ParamValue(3, -30);
+  EXPECT_DOUBLE_EQ(eye.NearClip(), 3.0);
+  eye.SetClipPlanes();
+  EXPECT_DOUBLE_EQ(eye.NearClip(), 1.5);
+}
+
+}  // namespace
