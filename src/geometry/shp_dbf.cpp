@@ -63,7 +63,7 @@ size_t TextLength(const char* text, size_t n) {
 
 // from_chars takes neither blanks nor a plus sign.
 const char* NumberStart(const char* p, const char* end) {
-  while (p < end && (*p == ' ' || K7String::IsSpace(*p))) ++p;
+  while (p < end && K7String::IsSpace(*p)) ++p;
   return p + 1 < end && *p == '+' && p[1] != '-' ? p + 1 : p;
 }
 
