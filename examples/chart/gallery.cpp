@@ -1,0 +1,36 @@
+#include "gallery.h"
+
+#include <algorithm>
+
+namespace {
+
+// Charts made for regions first, then those of the whole world, then the globes.
+constexpr K7ProjType ORDER[] = {
+    K7_PROJ_LAMBERT,      K7_PROJ_ALBERS,      K7_PROJ_STEREOGRAPHIC, K7_PROJ_MERCATOR, K7_PROJ_MILLER,
+    K7_PROJ_RECTANGULAR,  K7_PROJ_ORTHOGRAPHIC, K7_PROJ_PERSPECTIVE,  K7_PROJ_GNOMONIC,
+};
+constexpr int COLUMNS = 3;
+constexpr int ROWS = 3;
+
+// Mercator's poles lie at infinity: a sheet about a pole shows what is nearest to it there.
+constexpr double MERCATOR_LIMIT = 80;
+
+}  // namespace
+
+std::string DrawGallery(cairo_t* cairo, const Options& options, const std::vector<const ShapeLayer*>& layers,
+                        Progress& progress) {
+  progress.SetTotal(static_cast<int>(layers.size()) * COLUMNS * ROWS);
+  const double width = static_cast<double>(options.width) / COLUMNS;
+  const double height = static_cast<double>(options.height) / ROWS;
+  const double size = std::max(6.5, std::min(width, height) / 40);
+  for (int i = 0; i < COLUMNS * ROWS; ++i) {
+    ChartRequest request = options.chart;
+    request.type = ORDER[i];
+    if (request.type == K7_PROJ_MERCATOR)
+      request.centre.lat = std::clamp(request.centre.lat, -MERCATOR_LIMIT, MERCATOR_LIMIT);
+    WorldChart chart(std::move(request), layers, progress);
+    const ChartBox box = {width * (i % COLUMNS), height * (i / COLUMNS), width, height, size};
+    if (std::string problem = chart.Draw(cairo, box); !problem.empty()) return problem;
+  }
+  return {};
+}

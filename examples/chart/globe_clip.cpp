@@ -1,0 +1,178 @@
+// Cutting on the globe: what lies within an angle of one point.
+
+#include "geo_clip.h"
+
+#include <k7/geodesy/constants.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// The edges of a line as unit vectors, none longer than `step` degrees.
+GlobeLine OnGlobe(const GeoLine& line, double step) {
+  GlobeLine out;
+  for (size_t i = 0; i < line.size(); ++i) {
+    out.emplace_back(line[i].lat, line[i].lon);
+    if (i + 1 == line.size()) break;
+    const double dLat = line[i + 1].lat - line[i].lat;
+    const double dLon = line[i + 1].lon - line[i].lon;
+    const int pieces = static_cast<int>(std::ceil(std::max(std::fabs(dLat), std::fabs(dLon)) / step));
+    for (int k = 1; k < pieces; ++k)
+      out.emplace_back(line[i].lat + dLat * k / pieces, line[i].lon + dLon * k / pieces);
+  }
+  return out;
+}
+
+K7ECEF Between(const K7ECEF& a, const K7ECEF& b, double t) {
+  K7ECEF p(a.X() + t * (b.X() - a.X()), a.Y() + t * (b.Y() - a.Y()), a.Z() + t * (b.Z() - a.Z()));
+  p.Normalize();
+  return p;
+}
+
+// Where the arc between two points, one inside and one outside, meets the rim.
+K7ECEF RimCrossing(K7ECEF inside, K7ECEF outside, const GlobeCap& cap) {
+  for (int i = 0; i < 40; ++i) {
+    const K7ECEF middle = Between(inside, outside, 0.5);
+    (cap.axis.DotProduct(middle) >= cap.cosRadius ? inside : outside) = middle;
+  }
+  return inside;
+}
+
+// Azimuth of a surface point seen from the cap's centre, clockwise from north, 0 to 2 pi.
+double Azimuth(const K7ECEF& point, const GlobeCap& cap) {
+  K7ECEF local = point;
+  cap.axis.ECEFToOrtho(local);
+  const double angle = std::atan2(local.X(), local.Y());
+  return angle < 0 ? angle + 2 * K7_PI : angle;
+}
+
+// A run of a ring inside the cap, from where it enters to where it leaves.
+struct Run {
+  GlobeLine points;
+  double entry = 0;
+  double exit = 0;
+  bool used = false;
+};
+
+// Splits a closed line into its runs inside the cap. A ring that never leaves comes back as one whole ring.
+void SplitRing(const GlobeLine& ring, const GlobeCap& cap, std::vector<Run>& runs, std::vector<GlobeLine>& whole) {
+  const size_t n = ring.size() - 1;  // the last point is the first again
+  const auto inside = [&](size_t i) { return cap.axis.DotProduct(ring[i % n]) >= cap.cosRadius; };
+  size_t start = 0;
+  while (start < n && inside(start)) ++start;
+  if (start == n) {
+    whole.push_back(ring);
+    return;
+  }
+  GlobeLine run;
+  for (size_t k = start; k < start + n; ++k) {
+    const K7ECEF& a = ring[k % n];
+    const K7ECEF& b = ring[(k + 1) % n];
+    const bool inA = inside(k);
+    const bool inB = inside(k + 1);
+    if (!inA && inB) run.assign(1, RimCrossing(b, a, cap));
+    if (inB) run.push_back(b);
+    if (inA && !inB) {
+      run.push_back(RimCrossing(a, b, cap));
+      runs.push_back({run, Azimuth(run.front(), cap), Azimuth(run.back(), cap), false});
+    }
+  }
+}
+
+// Even-odd rule in plane latitude and longitude, to either side of 180.
+bool Contains(const std::vector<GeoLine>& rings, double lat, double lon) {
+  bool in = false;
+  for (const GeoLine& ring : rings)
+    for (size_t i = 0; i + 1 < ring.size(); ++i) {
+      const GeoPoint& a = ring[i];
+      const GeoPoint& b = ring[i + 1];
+      if ((a.lat > lat) != (b.lat > lat) && lon < a.lon + (b.lon - a.lon) * (lat - a.lat) / (b.lat - a.lat)) in = !in;
+    }
+  return in;
+}
+
+// Rings keep their area to the right, so that from where one leaves the cap the area's edge follows the rim clockwise
+// to the next entry (K. Weiler and P. Atherton, Hidden Surface Removal Using Polygon Area Sorting, 1977).
+void JoinRuns(std::vector<Run>& runs, const GlobeCap& cap, double step, std::vector<GlobeLine>& out) {
+  for (Run& first : runs) {
+    if (first.used) continue;
+    GlobeLine ring;
+    for (Run* run = &first; !run->used;) {
+      run->used = true;
+      ring.insert(ring.end(), run->points.begin(), run->points.end());
+      Run* next = nullptr;
+      double turn = 0;
+      for (Run& candidate : runs) {
+        double ahead = candidate.entry - run->exit;
+        if (ahead <= 0) ahead += 2 * K7_PI;
+        if (!next || ahead < turn) {
+          next = &candidate;
+          turn = ahead;
+        }
+      }
+      AddRim(ring, cap, run->exit, run->exit + turn, step);
+      run = next;
+    }
+    out.push_back(std::move(ring));
+  }
+}
+
+}  // namespace
+
+void AddRim(GlobeLine& out, const GlobeCap& cap, double from, double to, double step) {
+  const double distance = cap.radius * K7_EARTH_RADIUS_NM;
+  // The rim is as finely divided as edges are, but a small cap's rim needs no fewer points than a large one's.
+  const double turn = std::clamp(step * K7_DEG_TO_RAD / std::max(std::sin(cap.radius), 1e-6), 0.002, 0.05);
+  const int pieces = static_cast<int>(std::ceil((to - from) / turn));
+  for (int i = 1; i < pieces; ++i)
+    out.emplace_back(cap.axis, (from + (to - from) * i / pieces) * K7_RAD_TO_DEG, distance);
+}
+
+std::vector<GlobeLine> CutArea(const std::vector<GeoLine>& rings, const GlobeCap& cap, double step) {
+  std::vector<Run> runs;
+  std::vector<GlobeLine> out;
+  for (const GeoLine& ring : rings)
+    if (ring.size() >= 4) SplitRing(OnGlobe(ring, step), cap, runs, out);
+  JoinRuns(runs, cap, step, out);
+
+  // Rings that never meet the cap may still lie all around it.
+  if (runs.empty()) {
+    double lat, lon;
+    cap.axis.GetLatLon(lat, lon);
+    const bool centreIn = Contains(rings, lat, lon);
+    bool centreInOut = false;
+    for (const GlobeLine& ring : out) {
+      double winding = 0;
+      for (size_t i = 0; i + 1 < ring.size(); ++i) {
+        const double turn = Azimuth(ring[i + 1], cap) - Azimuth(ring[i], cap);
+        winding += turn - 2 * K7_PI * std::round(turn / (2 * K7_PI));
+      }
+      if (std::fabs(winding) > K7_PI) centreInOut = !centreInOut;
+    }
+    if (centreIn != centreInOut) {
+      GlobeLine rim;
+      AddRim(rim, cap, 0, 2 * K7_PI, step);
+      out.push_back(std::move(rim));
+    }
+  }
+  return out;
+}
+
+std::vector<GlobeLine> CutLine(const GeoLine& line, const GlobeCap& cap, double step) {
+  std::vector<GlobeLine> out;
+  const GlobeLine points = OnGlobe(line, step);
+  GlobeLine piece;
+  for (size_t i = 0; i < points.size(); ++i) {
+    const bool in = cap.axis.DotProduct(points[i]) >= cap.cosRadius;
+    const bool wasIn = !piece.empty();
+    if (in && !wasIn && i > 0) piece.push_back(RimCrossing(points[i], points[i - 1], cap));
+    if (in) piece.push_back(points[i]);
+    if (!in && wasIn) piece.push_back(RimCrossing(points[i - 1], points[i], cap));
+    if (!in || i + 1 == points.size()) {
+      if (piece.size() > 1) out.push_back(std::move(piece));
+      piece.clear();
+    }
+  }
+  return out;
+}

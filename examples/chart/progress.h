@@ -1,0 +1,25 @@
+// A progress line on the terminal, for drawings that take longer than a second.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+class Progress {
+ public:
+  Progress();
+  /// Wipes the line.
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  void SetTotal(int steps) { m_total = steps; }
+  /// Begins the next step.
+  void Step(const std::string& what, const std::string& detail);
+
+ private:
+  std::chrono::steady_clock::time_point m_start;
+  bool m_terminal;
+  bool m_shown = false;
+  int m_total = 0;
+  int m_done = 0;
+};

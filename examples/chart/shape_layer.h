@@ -1,0 +1,32 @@
+// A layer of the chart: one shapefile set and the way it is drawn.
+#pragma once
+
+#include "geo_path.h"
+
+#include <k7/geometry/shp_file.h>
+
+#include <memory>
+#include <string>
+
+enum class LayerKind { Land, Lakes, Rivers, Borders, Other };
+
+class ShapeLayer {
+ public:
+  ShapeLayer(LayerKind kind, std::string path) : m_kind(kind), m_path(std::move(path)) {}
+
+  /// Reads the whole set. Empty, or what went wrong.
+  std::string Load();
+  /// `scale` widens lines and points on larger sheets.
+  void Draw(const View& view, double scale) const;
+  const std::string& Path() const { return m_path; }
+
+ private:
+  void DrawAreas(const View& view, double scale) const;
+  void DrawLines(const View& view, double scale) const;
+  void DrawPoints(const View& view, double scale) const;
+
+  LayerKind m_kind;
+  std::string m_path;
+  // The readers' hooks are not const: shapes answer through the file.
+  mutable K7ShpFile m_file;
+};
