@@ -22,5 +22,7 @@ install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/k7core-config-version.cmake
   DESTINATION ${package_dir})
 
+# The .pc file finds its prefix from where it lies, so that an installation can be moved.
+file(RELATIVE_PATH K7_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(cmake/k7core.pc.in k7core.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/k7core.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
