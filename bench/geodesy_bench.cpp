@@ -20,7 +20,7 @@ const std::vector<Leg>& Legs() {
   static const std::vector<Leg> legs = [] {
     std::mt19937_64 bits(1);
     std::uniform_real_distribution<> lat(-89, 89), lon(-180, 180);
-    std::vector<Leg> made(1024);
+    std::vector<Leg> made(32768);
     for (Leg& leg : made) leg = {lat(bits), lon(bits), lat(bits), lon(bits)};
     return made;
   }();

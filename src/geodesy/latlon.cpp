@@ -8,7 +8,9 @@ namespace {
 
 K7ECEF UnitVector(const K7LatLon& p) { return k7geo::UnitVector(p.Lat(), p.Lon()); }
 
-double InitialCourse(const K7ECEF& p, const K7ECEF& q) {
+double InitialCourse(const K7LatLon& from, const K7LatLon& to) {
+  const K7ECEF p = UnitVector(from);
+  const K7ECEF q = UnitVector(to);
   // Rounding would leave a course of noise between some identical points.
   if (p == q) return k7geo::Course(0, 0);
   const k7geo::LocalFrame frame(p);
@@ -24,11 +26,11 @@ double K7LatLon::Distance(const K7LatLon& to) const {
 }
 
 double K7LatLon::InitCourse(const K7LatLon& to) const {
-  return InitialCourse(UnitVector(*this), UnitVector(to));
+  return InitialCourse(*this, to);
 }
 
 double K7LatLon::FinalCourse(const K7LatLon& to) const {
-  return k7geo::Arrival(InitialCourse(UnitVector(to), UnitVector(*this)));
+  return k7geo::Arrival(InitialCourse(to, *this));
 }
 
 void K7LatLon::EndPoint(const K7LatLon& start, double course, double distance) {

@@ -37,9 +37,9 @@ inline double Distance(const K7ECEF& p, const K7ECEF& q) { return Angle(p, q) * 
 inline double Course(double east, double north) {
   if (east == 0 && north == 0) return K7_NO_COURSE + 360;
   const double course = std::atan2(east, north) * K7_RAD_TO_DEG;
-  if (course >= 0) return course;
-  // A hair west of north would round up to 360.
-  return course + 360 == 360 ? 0 : course + 360;
+  const double turned = course < 0 ? course + 360 : course;
+  // A hair west of north rounds up to 360.
+  return turned == 360 ? 0 : turned;
 }
 
 /// The east-north-up frame at a point.
