@@ -16,7 +16,7 @@ const std::vector<K7LatLon>& Positions() {
     std::mt19937_64 bits(1);
     std::uniform_real_distribution<> lat(-89, 89), lon(-179, 179);
     std::vector<K7LatLon> made;
-    for (int i = 0; i < 1024; ++i) made.emplace_back(lat(bits), lon(bits));
+    for (int i = 0; i < 32768; ++i) made.emplace_back(lat(bits), lon(bits));
     return made;
   }();
   return positions;

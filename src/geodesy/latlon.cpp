@@ -25,13 +25,9 @@ double K7LatLon::Distance(const K7LatLon& to) const {
   return k7geo::Distance(UnitVector(*this), UnitVector(to));
 }
 
-double K7LatLon::InitCourse(const K7LatLon& to) const {
-  return InitialCourse(*this, to);
-}
+double K7LatLon::InitCourse(const K7LatLon& to) const { return InitialCourse(*this, to); }
 
-double K7LatLon::FinalCourse(const K7LatLon& to) const {
-  return k7geo::Arrival(InitialCourse(to, *this));
-}
+double K7LatLon::FinalCourse(const K7LatLon& to) const { return k7geo::Arrival(InitialCourse(to, *this)); }
 
 void K7LatLon::EndPoint(const K7LatLon& start, double course, double distance) {
   const K7ECEF end = k7geo::EndPoint(UnitVector(start), course, distance);

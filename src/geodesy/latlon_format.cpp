@@ -16,6 +16,9 @@ const int MAX_FIELD = 255;               // largest width and precision
 const double DEGREES_LIMIT = INT32_MAX;  // whole degrees and what they may carry fit an int below it
 const int NUMBER_SIZE = 10 + 1 + MAX_FIELD;
 
+// K7String::IsDigit within reach of the inliner.
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
 // What stands between a "%" and its letter, and the letter.
 struct Conversion {
   char letter;  // 0 at the end of the template
@@ -29,7 +32,7 @@ struct Conversion {
 
 int ReadNumber(const char*& p) {
   int n = 0;
-  for (; K7String::IsDigit(*p); ++p) n = std::min(n * 10 + (*p - '0'), MAX_FIELD + 1);
+  for (; IsDigit(*p); ++p) n = std::min(n * 10 + (*p - '0'), MAX_FIELD + 1);
   return n;
 }
 
@@ -44,7 +47,7 @@ Conversion ReadConversion(const char* p) {
     c.precision = ReadNumber(p);
   }
   c.valid = *p != '.' && c.width <= MAX_FIELD && c.precision <= MAX_FIELD;
-  while (*p == '.' || K7String::IsDigit(*p)) ++p;
+  while (*p == '.' || IsDigit(*p)) ++p;
   c.letter = *p;
   c.end = *p ? p + 1 : p;
   return c;

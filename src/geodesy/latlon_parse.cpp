@@ -12,6 +12,9 @@ namespace {
 
 const unsigned char DEGREE_SIGN = 176;
 
+// K7String::IsDigit within reach of the inliner.
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
 struct Text {
   const char* begin;
   const char* end;
@@ -25,7 +28,11 @@ struct Rules {
   bool hemisphere = false;  // typed with its letter: then seven digits are DDDMMSS too
 };
 
-bool OneOf(char c, const char* set) { return c && std::strchr(set, c); }
+// Whether `c` occurs in a short set.
+bool OneOf(char c, const char* set) {
+  while (*set && *set != c) ++set;
+  return *set != 0;
+}
 
 bool IsSeparator(char c) { return OneOf(c, "-: ./\\_'\";") || static_cast<unsigned char>(c) == DEGREE_SIGN; }
 
@@ -47,7 +54,7 @@ class Collector {
   // False for a text that is no coordinate.
   bool Run(const Text& text) {
     for (const char* p = text.begin; p < text.end;) {
-      if (K7String::IsDigit(*p)) {
+      if (IsDigit(*p)) {
         p = Number(p, text.end);
         if (!p) return false;
       } else if (Hemisphere(*p) || IsSeparator(*p)) {
@@ -86,13 +93,13 @@ class Collector {
   const char* Number(const char* p, const char* end) {
     if (m_fraction) return nullptr;
     const char* stop = p;
-    while (stop < end && K7String::IsDigit(*stop)) ++stop;
+    while (stop < end && IsDigit(*stop)) ++stop;
     const int64_t digits = stop - p;
     // A point without digits behind it is a separator.
-    if (end - stop > 1 && stop[0] == '.' && K7String::IsDigit(stop[1])) {
+    if (end - stop > 1 && stop[0] == '.' && IsDigit(stop[1])) {
       m_fraction = true;
       ++stop;
-      while (stop < end && K7String::IsDigit(*stop)) ++stop;
+      while (stop < end && IsDigit(*stop)) ++stop;
     }
     double value;
     if (std::from_chars(p, stop, value, std::chars_format::fixed).ec != std::errc()) return nullptr;
@@ -168,7 +175,7 @@ const char* FindOneOf(const char* from, const char* end, const char* set) {
 
 const char* FindDigit(const char* from, const char* end) {
   for (; from < end; ++from)
-    if (K7String::IsDigit(*from)) return from;
+    if (IsDigit(*from)) return from;
   return nullptr;
 }
 
@@ -208,7 +215,7 @@ bool ReadQuadrantForm(const Text& text, double& lat, double& lon) {
   if (!OneOf(quadrant, "NSEW")) return false;
   const char* const second = p + (inside ? 3 : 2);
   for (const char* digit : {p, p + 1, second, second + 1})
-    if (!K7String::IsDigit(*digit)) return false;
+    if (!IsDigit(*digit)) return false;
   const int degreesLat = SmallNumber(p, 2);
   const int degreesLon = SmallNumber(second, 2) + (inside ? 100 : 0);
   if (degreesLat > 90 || degreesLon > 180) return false;
@@ -223,7 +230,7 @@ bool ReadFmsHalf(const char*& p, const char* end, int width, int limit, char pos
                  double& value) {
   const char* const begin = p;
   const char* letter = p;
-  while (letter < end && K7String::IsDigit(*letter)) ++letter;
+  while (letter < end && IsDigit(*letter)) ++letter;
   const int64_t digits = letter - begin;
   if (digits != width && digits != width + 2 && digits != width + 4) return false;
   if (letter == end || (*letter != positive && *letter != negative)) return false;

@@ -13,8 +13,8 @@
 /// of the cross product replaces it.
 ///
 ///     K7LatLon from, to;
-///     if (from.ParsePosition("N47 30.0 W122 18.5") && to.ParsePosition("50N40")) course =
-///     from.InitCourse(to);
+///     if (from.ParsePosition("N47 30.0 W122 18.5") && to.ParsePosition("50N40"))
+///       course = from.InitCourse(to);
 class K7_API K7LatLon {
  public:
   K7LatLon() = default;
@@ -27,8 +27,7 @@ class K7_API K7LatLon {
   double Lat() const { return m_lat; }
   double Lon() const { return m_lon; }
 
-  /// Great-circle distance, nautical miles. Symmetric, never negative; a metre and an antipode keep their
-  /// digits.
+  /// Great-circle distance. Symmetric, never negative; a metre and an antipode keep their digits.
   double Distance(const K7LatLon& to) const;
   /// Course on leaving this point towards `to`, [0, 360). -639 where there is no course: between identical
   /// points, and where both components of the course come out exactly zero.
@@ -36,9 +35,8 @@ class K7_API K7LatLon {
   /// Course on arriving at `to`, [0, 360]: the way back turned by 180, where 360 itself stays. 261 between
   /// identical points, which is what the missing course becomes on its way through the same steps.
   double FinalCourse(const K7LatLon& to) const;
-  /// Moves this position to the point reached from `start` on the initial `course` after `distance`.
-  /// Longitude within
-  /// +-180.
+  /// Moves this position to the point reached from `start` on the initial `course` after `distance`. The
+  /// longitude lies within +-180.
   void EndPoint(const K7LatLon& start, double course, double distance);
 
   /// Writes the latitude (longitude) by a template such as "%H %02d %04.1M": bytes are copied, and "%", an
@@ -54,8 +52,8 @@ class K7_API K7LatLon {
   /// percent sign; other letters outside 'D' to 'x' are copied with their percent sign.
   ///
   /// False with `out` unchanged for a null template, another letter within 'D' to 'x', a precision on d, m or
-  /// s, more than one point, a width or precision above 255, a coordinate that is not finite or beyond +-2^31
-  /// - 2 degrees, or without memory.
+  /// s, more than one point, a width or precision above 255, a coordinate that is not finite or whose whole
+  /// degrees do not fit an int, or without memory.
   bool FormatLat(const char* fmt, K7String& out) const { return Format(fmt, out, true); }
   bool FormatLon(const char* fmt, K7String& out) const { return Format(fmt, out, false); }
 
@@ -98,6 +96,7 @@ class K7_API K7LatLon {
   /// Values are those of ParseLatLon with three exceptions. A half without a number is refused. A position
   /// out of range is refused in every form. And seven or more longitude digits beside an E or W are DDDMMSS,
   /// not DDMMSS and tenths: whoever writes a hemisphere and seven digits writes degrees as 122 or 002.
+  /// Without the letter they are what ParseLatLon has them be.
   ///
   /// The characters consumed, which is the whole text; 0 on failure, which leaves this position unchanged.
   int ParsePosition(const char* text);
