@@ -188,7 +188,7 @@ TEST(Projection, Device2WorldPicksTheVisibleSurface) {
     SoftGrfx g(WIDTH, HEIGHT, 1.3);
     Show(*projection, g, 45, -90);
     double x, y, z, lat, lon, exactLat, exactLon;
-    // The stated depths of two globes are exact at the middle only.
+    // The depths of two globes are exact at the middle only.
     const double dx = kind == K7_PROJ_GNOMONIC || kind == K7_PROJ_PERSPECTIVE ? 500 : 640;
     ASSERT_TRUE(projection->Device2World(dx, 300, &g, WIDTH, HEIGHT, x, y, z));
     projection->World2LatLon(x, y, z, lat, lon);

@@ -77,16 +77,16 @@ class K7_API K7PerspectiveProjection : public K7AzimuthalProjection {
   const char* ParamName(int index) const override;
   void ParamValue(int index, double value) override;
   double ParamValue(int index) const override;
-  /// Looks straight down only, and its stated depth fits one aspect and field of view; false beyond the
-  /// horizon.
+  /// Exact at the middle of a camera that looks straight down; elsewhere the depth fits one aspect and field
+  /// of view only, and so does the horizon beyond which it is false: stored picks depend on it.
   bool Device2World(double dx, double dy, K7Grfx* g, int width, int height, double& x, double& y,
                     double& z) const override;
   /// The volume reaches as far up and down from its axis as the tangent of the whole field of view, not of
   /// its half: stored views depend on it.
   bool SetupMatrix(K7Grfx* g, int x, int y, int width, int height) const override;
-  /// Straight down (pitch exactly -90) north is up and heading and bank have no effect. Any other pitch, up
-  /// to below 80, is the angle of the line of sight above the horizontal: the heading points up the screen,
-  /// and a positive bank lowers the right wing, which turns the horizon counter-clockwise.
+  /// Straight down (pitch exactly -90) north is up and heading and bank have no effect. Any other pitch,
+  /// above -90 and below 80, is the angle of the line of sight above the horizontal: the heading points up
+  /// the screen, and a positive bank lowers the right wing, which turns the horizon counter-clockwise.
   bool CenterOn(K7Grfx* g, double lat, double lon) const override;
   /// (3 / (magnification - 1)) squared.
   double ScaleError(double lat, double lon) const override;

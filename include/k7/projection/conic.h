@@ -62,7 +62,7 @@ class K7_API K7LambertProjection : public K7ConicProjection {
   double Rho2Lat(double rho) const override;
 
   /// Changes to the ellipsoid with semi-major axis `a` and semi-minor axis `b`, in one unit, for the rest of
-  /// this object's life. World units are then semi-major axes. (Snyder, equations 15-1 to 15-11; the inverse
+  /// this object's life. World units are then semi-major axes. (Snyder, equations 15-7 to 15-11; the inverse
   /// by the series 3-5, carried to the eighth power of the eccentricity.)
   void UseEllipEqs(double a, double b);
 

@@ -31,8 +31,7 @@ class K7_API K7MercatorProjection : public K7CylindricalProjection {
   double ScaleError(double lat, double lon) const override;
 };
 
-/// Mercator of 0.8 of the latitude, divided by 0.8: the poles are on the map. (Snyder, equations 11-1 to
-/// 11-4.)
+/// Mercator of 0.8 of the latitude, divided by 0.8: the poles are on the map. (Snyder, chapter 11.)
 class K7_API K7MillerProjection : public K7CylindricalProjection {
  public:
   K7MillerProjection() : K7CylindricalProjection(K7_PROJ_MILLER) {}

@@ -30,8 +30,8 @@ inline constexpr double K7_EARTH_RADIUS_M = 6378137.0;
 ///     K7Projection* projection = K7Projection::Create(K7_PROJ_LAMBERT, &err);  // the caller deletes it
 ///     projection->SetupMatrix(grfx, width / 2, height / 2, width, height);
 ///     projection->CenterOn(grfx, 47.5, -122.3);
-///     projection->LatLon2World(lat, lon, x, y, z);                             // for everything that is
-///     drawn projection->Device2LatLon(mouseX, mouseY, grfx, width, height, lat, lon);
+///     projection->LatLon2World(lat, lon, x, y, z);  // for everything that is drawn
+///     projection->Device2LatLon(mouseX, mouseY, grfx, width, height, lat, lon);
 ///
 /// A value without locks: const operations may run in several threads, each with a context of its own.
 class K7_API K7Projection {
