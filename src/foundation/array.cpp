@@ -9,8 +9,8 @@
 
 namespace {
 
-// Walks the gaps of a Shell sort over `count` things: `compare(i, j)` orders two of them, `swap(i, j)` exchanges
-// them and returns 0 or a code.
+// Walks the gaps of a Shell sort over `count` things: `compare(i, j)` orders two of them, `swap(i, j)`
+// exchanges them and returns 0 or a code.
 template <class Compare, class Swap>
 int ShellSortIndexes(int count, Compare compare, Swap swap) {
   for (int gap = count / 2; gap > 0; gap /= 2)
@@ -92,7 +92,8 @@ int K7Array::GrowTo(int n, bool setCount) {
     m_allocated = static_cast<int32_t>(size);
   }
   if (setCount) {
-    if (n > m_count) std::memset(At(m_count), 0, static_cast<size_t>(n - m_count) * static_cast<size_t>(m_width));
+    if (n > m_count)
+      std::memset(At(m_count), 0, static_cast<size_t>(n - m_count) * static_cast<size_t>(m_width));
     m_count = n;
   }
   return 0;
@@ -162,7 +163,8 @@ int K7Array::ShellSort(K7CompareFunc compare) {
   if (!compare) compare = m_compare;
   if (!compare) return K7_ERR_BAD_ARGUMENT;
   return ShellSortIndexes(
-      m_count, [&](int i, int j) { return compare(Get(i), Get(j)); }, [&](int i, int j) { return Swap(i, j); });
+      m_count, [&](int i, int j) { return compare(Get(i), Get(j)); },
+      [&](int i, int j) { return Swap(i, j); });
 }
 
 bool K7Array::QuickSort(K7CompareFunc compare) {
@@ -175,7 +177,8 @@ bool K7Array::QuickSort(K7CompareFunc compare) {
 int* K7Array::IndexSort(K7CompareFunc compare) const {
   if (!compare) compare = m_compare;
   if (!compare) return nullptr;
-  int* indexes = static_cast<int*>(std::malloc(std::max<size_t>(static_cast<size_t>(m_count), 1) * sizeof(int)));
+  int* indexes =
+      static_cast<int*>(std::malloc(std::max<size_t>(static_cast<size_t>(m_count), 1) * sizeof(int)));
   if (!indexes) return nullptr;
   for (int i = 0; i < m_count; ++i) indexes[i] = i;
   ShellSortIndexes(
@@ -220,16 +223,16 @@ int K7Array::BinarySearchMinIndex(const void* key, K7CompareFunc compare) const 
 }
 
 int K7Array::RemoveAdjDups(K7CompareFunc compare, K7Array* removed) {
+  if (removed && (removed == this || removed->m_width != m_width)) return K7_ERR_BAD_ARGUMENT;
   if (!compare) compare = m_compare;
   if (!compare || m_count < 2) return 0;
   int kept = 1;
   for (int i = 1; i < m_count; ++i) {
-    if (compare(At(kept - 1), At(i)) == 0) {
-      if (removed) *removed += At(i);
-    } else {
-      if (kept != i) std::memcpy(At(kept), At(i), static_cast<size_t>(m_width));
-      ++kept;
-    }
+    // What cannot be handed over stays.
+    const bool equal = compare(At(kept - 1), At(i)) == 0;
+    if (equal && (!removed || removed->Insert(At(i), -1, 1) == 0)) continue;
+    if (kept != i) std::memcpy(At(kept), At(i), static_cast<size_t>(m_width));
+    ++kept;
   }
   const int count = m_count - kept;
   m_count = kept;
@@ -298,10 +301,18 @@ int K7StrArray::Remove(int pos, int n) {
   return K7Array::Remove(pos, n);
 }
 
-void K7StrArray::Delete() {
+void K7StrArray::Clear(bool keepStorage) {
   Remove(0, Count());
-  Clear();
+  K7Array::Clear(keepStorage);
 }
+
+int K7StrArray::RemoveAdjDups(K7CompareFunc compare, K7Array* removed) {
+  // The texts go to whoever asks for them, else to an array that frees them.
+  K7StrArray freed(m_ownsStrings);
+  return K7Array::RemoveAdjDups(compare, removed ? removed : &freed);
+}
+
+void K7StrArray::Delete() { Clear(); }
 
 K7IntArray::K7IntArray(int growBy, K7CompareFunc compare) : K7Array(sizeof(int), growBy, compare) {}
 

@@ -15,7 +15,10 @@ constexpr bool Lower(char c) { return c >= 'a' && c <= 'z'; }
 constexpr char ToUpper(char c) { return Lower(c) ? static_cast<char>(c - 'a' + 'A') : c; }
 constexpr char ToLower(char c) { return Upper(c) ? static_cast<char>(c - 'A' + 'a') : c; }
 
-int Length(const char* s) { return s ? static_cast<int>(std::strlen(s)) : 0; }
+// Longer texts count as this long: no buffer for them can be had, so that every copy of one fails.
+constexpr int MAX_LENGTH = INT32_MAX - 1;
+
+int Length(const char* s) { return s ? static_cast<int>(std::min<size_t>(std::strlen(s), MAX_LENGTH)) : 0; }
 
 int Sign(int n) { return (n > 0) - (n < 0); }
 
@@ -48,6 +51,9 @@ char* NewText(int64_t capacity) {
   std::memcpy(block, &word, sizeof word);
   return block + CAPACITY_WORD;
 }
+
+// True when `p` points into the buffer, which an edit is about to change.
+bool Holds(const char* text, const char* p) { return text && p >= text && p < text + Capacity(text); }
 
 void FreeText(char* text) {
   if (text) std::free(text - CAPACITY_WORD);
@@ -115,7 +121,8 @@ int K7String::Create(const char* text) {
 
 int K7String::Copy(const char* src, int n) {
   if (!src) return 0;
-  const int length = static_cast<int>(n < 0 ? std::strlen(src) : strnlen(src, static_cast<size_t>(n)));
+  const int length =
+      n < 0 ? Length(src) : static_cast<int>(strnlen(src, static_cast<size_t>(std::min(n, MAX_LENGTH))));
   K7String copy;
   if (length + 1 > AllocLen()) {
     if (const int err = copy.Alloc(length)) return err;
@@ -144,7 +151,10 @@ void K7String::SetChar(int i, char c) {
   if (m_text) m_text[i] = c;
 }
 
-char K7String::operator[](int i) const { return i >= 0 && i < Len() ? m_text[i] : '\0'; }
+char K7String::operator[](int i) const {
+  if (i < 0 || i >= AllocLen()) return 0;
+  return std::memchr(m_text, 0, static_cast<size_t>(i)) ? '\0' : m_text[i];
+}
 
 int K7String::Len() const { return Length(m_text); }
 
@@ -210,7 +220,8 @@ void K7String::MakeInitial(const char* const* exceptions) {
     word += std::strspn(word, SEPARATORS);
     const int length = static_cast<int>(std::strcspn(word, SEPARATORS));
     const char* const* exception = exceptions;
-    while (exception && *exception && (length == 0 || CompareUpper(*exception, word, length) != 0)) ++exception;
+    while (exception && *exception && (length == 0 || CompareUpper(*exception, word, length) != 0))
+      ++exception;
     if (exception && *exception) {
       std::memcpy(word, *exception, static_cast<size_t>(length));
     } else {
@@ -237,8 +248,12 @@ void K7String::Trim(char c) {
 
 void K7String::Trim(const char* set) {
   if (!m_text || !set) return;
-  Delete(0, static_cast<int>(std::strspn(m_text, set)));
-  for (int n = Len(); n > 0 && std::strchr(set, m_text[n - 1]); --n) m_text[n - 1] = 0;
+  // Both ends are found before either is cut: the set may be part of this text.
+  const int start = static_cast<int>(std::strspn(m_text, set));
+  int end = Len();
+  while (end > start && std::strchr(set, m_text[end - 1])) --end;
+  m_text[end] = 0;
+  Delete(0, start);
 }
 
 int K7String::Replace(char from, char to) {
@@ -269,19 +284,21 @@ int K7String::Replace(const char* from, const char* to) {
   }
   if (count == 0) return 0;
 
-  // Built beside the old text, since `from` and `to` may point into it.
+  // What does not get longer is replaced in place; the rest is built beside the old text.
+  const bool inPlace = toLength <= fromLength && !Holds(m_text, from) && !Holds(m_text, to);
   K7String result;
-  result.m_text = NewText(capacity);
-  if (!result.m_text) return K7_ERR_MEMORY;
-  char* out = result.m_text;
+  if (!inPlace) result.m_text = NewText(capacity);
+  if (!inPlace && !result.m_text) return K7_ERR_MEMORY;
   const char* p = m_text;
+  const char* const end = p + Len();
+  char* out = inPlace ? m_text : result.m_text;
   while (const char* hit = std::strstr(p, from)) {
     out = std::copy(p, hit, out);
     out = std::copy(to, to + toLength, out);
     p = hit + fromLength;
   }
-  std::copy(p, static_cast<const char*>(m_text) + Len(), out);
-  std::swap(m_text, result.m_text);
+  *std::copy(p, end, out) = 0;
+  if (!inPlace) std::swap(m_text, result.m_text);
   return count;
 }
 
@@ -302,10 +319,13 @@ int K7String::Insert(int pos, const char* s) {
   const int length = Len();
   if (pos < 0 || pos > length || !s) return length;
   const int added = Length(s);
-  if (static_cast<int64_t>(length) + added > INT32_MAX - 1) return K7_ERR_MEMORY;
+  if (static_cast<int64_t>(length) + added > MAX_LENGTH) return K7_ERR_MEMORY;
   // The inserted text may be part of this one.
-  const K7String own = m_text && s >= m_text && s <= m_text + length ? K7String(s) : K7String();
-  if (own.m_text) s = own;
+  K7String own;
+  if (Holds(m_text, s)) {
+    if (const int err = own.Copy(s); err < 0) return err;
+    s = own;
+  }
   if (const int err = Alloc(length + added)) return err;
   std::memmove(m_text + pos + added, m_text + pos, static_cast<size_t>(length - pos) + 1);
   std::memcpy(m_text + pos, s, static_cast<size_t>(added));
@@ -344,9 +364,11 @@ K7String K7String::Mid(int start, int count, int* err) const {
 
 K7String K7String::operator+(const char* s) const {
   K7String sum;
-  sum.Alloc(Len() + Length(s));
-  sum += *this;
-  sum += s;
+  const int length = Len();
+  const int added = Length(s);
+  if (added > MAX_LENGTH - length || sum.Alloc(length + added)) return sum;
+  if (length > 0) std::memcpy(sum.m_text, m_text, static_cast<size_t>(length));
+  if (added > 0) std::memcpy(sum.m_text + length, s, static_cast<size_t>(added));
   return sum;
 }
 
@@ -374,8 +396,8 @@ int K7String::Token(const char* delims, int start, K7String& out) const {
   if (!m_text || start < 0 || !m_text[start]) return 0;
   const int length = static_cast<int>(std::strcspn(m_text + start, delims ? delims : ""));
   const int next = start + length + (m_text[start + length] ? 1 : 0);
-  out.Copy(m_text + start, length);
-  return next;
+  const int err = out.Copy(m_text + start, length);
+  return err < 0 ? err : next;
 }
 
 bool K7String::IsLower(char c) { return Lower(c); }

@@ -1,4 +1,5 @@
-// The printf side of K7String: a sizing pass whose estimate fixes the buffer's capacity, then the bounded formatter.
+// The printf side of K7String: a sizing pass whose estimate fixes the buffer's capacity, then the bounded
+// formatter.
 
 #include <k7/foundation/error_string.h>
 #include <k7/foundation/string.h>
@@ -27,7 +28,8 @@ int HexDigit(char c) {
   return -1;
 }
 
-// Replaces the first backslash-x escape by its byte. Only the first: formats carry at most one, a degree sign.
+// Replaces the first backslash-x escape by its byte. Only the first: formats carry at most one, a degree
+// sign.
 void DecodeEscape(char* fmt) {
   char* const escape = std::strstr(fmt, "\\x");
   if (!escape) return;
@@ -42,11 +44,11 @@ void DecodeEscape(char* fmt) {
 
 // One conversion of a format, from the character behind "%".
 struct Conversion {
-  const char* end;      // behind the conversion letter
-  char letter;          // 0 at the end of the format
-  char prefix;          // size prefix, or 0
-  bool alternate;       // "#"
-  bool starWidth;       // width or precision come from the arguments
+  const char* end;     // behind the conversion letter
+  char letter;         // 0 at the end of the format
+  char prefix;         // size prefix, or 0
+  int64_t alternates;  // number of "#"
+  bool starWidth;      // width or precision come from the arguments
   bool starPrecision;
   bool hasPrecision;
   int64_t width;
@@ -61,7 +63,7 @@ int64_t ReadNumber(const char*& p) {
 
 Conversion ReadConversion(const char* p) {
   Conversion c{};
-  for (; *p && std::strchr("-+ #0", *p); ++p) c.alternate |= *p == '#';
+  for (; *p && std::strchr("-+ #0", *p); ++p) c.alternates += *p == '#';
   if (*p == '*') {
     c.starWidth = true;
     ++p;
@@ -108,35 +110,51 @@ class SizingPass {
 
  private:
   int64_t Measure(Conversion& c) {
-    if (c.starWidth) c.width = va_arg(m_args, int);
-    if (c.starPrecision) c.precision = va_arg(m_args, int);
+    if (c.starWidth) c.width = TakeStar();
+    if (c.starPrecision) c.precision = TakeStar();
     // Under these prefixes the formatter takes another argument than this pass does.
     if (c.prefix == 'F' || c.prefix == 'N' || c.prefix == 'L') m_inStep = false;
-    return (c.alternate ? 2 : 0) + MeasureValue(c);
+    return 2 * c.alternates + MeasureValue(c);
+  }
+
+  int TakeStar() {
+    static const int WIDEST_TRUSTED = 4096;
+    const int value = va_arg(m_args, int);
+    // Out of step it may be half of a pointer, and would ask for gigabytes.
+    return m_inStep || std::abs(static_cast<int64_t>(value)) <= WIDEST_TRUSTED ? value : 0;
   }
 
   int64_t MeasureValue(const Conversion& c) {
     switch (c.letter) {
-      case 'G': case 'e': case 'g':
+      case 'G':
+      case 'e':
+      case 'g':
         (void)va_arg(m_args, double);
         return std::max<int64_t>(c.width + c.precision, 128);
-      case 'X': case 'd': case 'i': case 'o': case 'p': case 'u': case 'x':
+      case 'X':
+      case 'd':
+      case 'i':
+      case 'o':
+      case 'p':
+      case 'u':
+      case 'x':
         TakeWord(c);
         return std::max<int64_t>(c.width + c.precision, 32);
       case 'c':
         (void)va_arg(m_args, int);
         return 1;
       case 'f':
-        return FormatArgs(nullptr, 0, "%*.*f", static_cast<int>(c.width), static_cast<int>(c.precision + 6),
-                          va_arg(m_args, double));
+        return std::max(FormatArgs(nullptr, 0, "%*.*f", static_cast<int>(c.width),
+                                   static_cast<int>(c.precision + 6), va_arg(m_args, double)),
+                        0);
       case 's':
         return std::max(TextLength(c), c.width);
       case 'n':
         (void)va_arg(m_args, void*);
         return 0;
       default:
-        // The formatter takes an argument here ("%C", "%E") that this pass leaves: from now on the two are out of
-        // step, and what looks like a pointer may be any number.
+        // The formatter takes an argument here ("%C", "%E") that this pass leaves: from now on the two are
+        // out of step, and what looks like a pointer may be any number.
         m_inStep = false;
         return 0;
     }
@@ -159,7 +177,8 @@ class SizingPass {
     int64_t length = NULL_MARKER_LENGTH;
     if (text && m_inStep) {
       // With a precision the text need not be terminated.
-      length = static_cast<int64_t>(cut ? strnlen(text, static_cast<size_t>(c.precision)) : std::strlen(text));
+      length =
+          static_cast<int64_t>(cut ? strnlen(text, static_cast<size_t>(c.precision)) : std::strlen(text));
     }
     return cut ? std::min(length, c.precision) : length;
   }
@@ -176,9 +195,10 @@ void SpellBytes(char* fmt) {
       ++p;
       continue;
     }
-    char* const end = p + (ReadConversion(p).end - p);
-    if (end > p && end[-1] == 'C') end[-1] = 'c';
-    p = end;
+    const Conversion c = ReadConversion(p);
+    p += c.end - p;
+    // "%F" is whole without the letter behind it.
+    if (c.letter == 'C' && c.prefix != 'F') p[-1] = 'c';
   }
 }
 

@@ -12,15 +12,15 @@ using K7CompareFunc = int (*)(const void*, const void*);
 using K7FreeFunc = void (*)(void*);
 
 /// Contiguous array of elements of one width, copied in and out by bytes: no constructor or destructor of an
-/// element ever runs. Storage grows in whole blocks of elements and never shrinks. Order comes only from the compare
-/// function that the array carries. Const operations need no lock.
+/// element ever runs. Storage grows in whole blocks of elements and never shrinks. Order comes only from the
+/// compare function that the array carries. Const operations need no lock.
 ///
-/// Codes: K7_ERR_BAD_ARGUMENT for null or a negative size, K7_ERR_INVALID_DATA for a position outside the array,
-/// K7_ERR_MEMORY with the array unchanged.
+/// Codes: K7_ERR_BAD_ARGUMENT for null or a negative size, K7_ERR_INVALID_DATA for a position outside the
+/// array, K7_ERR_MEMORY with the array unchanged.
 class K7_API K7Array {
  public:
-  /// `width` in bytes. `growBy`, in elements, is clamped to 1 ... 32767. `keyOffset` is where an element's key
-  /// starts: `Get` and the Shell sorts work on element + offset, everything else on element starts.
+  /// `width` in bytes. `growBy`, in elements, is clamped to 1 ... 32767. `keyOffset` is where an element's
+  /// key starts: `Get` and the Shell sorts work on element + offset, everything else on element starts.
   K7Array(int width, int growBy, K7CompareFunc compare = nullptr, int keyOffset = 0);
   K7Array(const K7Array&) = delete;
   K7Array& operator=(const K7Array&) = delete;
@@ -73,8 +73,8 @@ class K7_API K7Array {
   int BinarySearch(const void* key, int* last = nullptr, K7CompareFunc compare = nullptr) const;
   /// First equal element, else the insertion position, else -1 when `key` sorts before every element.
   int BinarySearchMinIndex(const void* key, K7CompareFunc compare = nullptr) const;
-  /// Deletes each element of a sorted array that equals its predecessor, appending it to `removed` when given. The
-  /// number removed.
+  /// Deletes each element of a sorted array that equals its predecessor, appending it to `removed` when
+  /// given, another array of the same width (else K7_ERR_BAD_ARGUMENT). The number removed.
   int RemoveAdjDups(K7CompareFunc compare = nullptr, K7Array* removed = nullptr);
 
  protected:
@@ -92,8 +92,8 @@ class K7_API K7Array {
   char* m_data = nullptr;
 };
 
-/// Array of pointers. The pointers' objects belong to the array only in so far as `FreeElems` frees them: copies
-/// share them, and the destructor leaves them alone.
+/// Array of pointers. The pointers' objects belong to the array only in so far as `FreeElems` frees them:
+/// copies share them, and the destructor leaves them alone.
 class K7_API K7PtrArray : public K7Array {
  public:
   explicit K7PtrArray(int growBy = 8, K7CompareFunc compare = nullptr, K7FreeFunc freeElem = nullptr);
@@ -110,8 +110,11 @@ class K7_API K7PtrArray : public K7Array {
   int operator-=(void* p) { return K7Array::Remove(&p); }
   int Insert(void* p, int pos) { return K7Array::Insert(&p, pos, 1); }
   int Put(int i, void* p) { return K7Array::Put(i, &p); }
+  /// Last position of the pointer, or -1. (`GetIndexByPointer` and `RemoveByPointer` take a pointer's
+  /// address.)
   int GetIndex(void* p) const { return K7Array::GetIndex(&p); }
-  /// Takes over the settings and pointers of `from`. K7_ERR_BAD_ARGUMENT for null; K7_ERR_MEMORY leaves this empty.
+  /// Takes over the settings and pointers of `from`. K7_ERR_BAD_ARGUMENT for null; K7_ERR_MEMORY leaves this
+  /// empty.
   int DeepCopy(const K7PtrArray* from);
   /// Calls the free function, or `free` when there is none, on every pointer that is not null, and empties.
   void FreeElems();
@@ -120,8 +123,8 @@ class K7_API K7PtrArray : public K7Array {
   K7FreeFunc m_freeElem = nullptr;
 };
 
-/// Array of texts. An owning array stores a copy of each text put in and frees it on removal; another stores the
-/// caller's pointer. Its own compare orders by unsigned bytes, or by upper-cased texts with `ignoreCase`.
+/// Array of texts. An owning array stores a copy of each text put in and frees it on removal; another stores
+/// the caller's pointer. Its own compare orders by unsigned bytes, or by upper-cased texts with `ignoreCase`.
 class K7_API K7StrArray : public K7Array {
  public:
   explicit K7StrArray(bool ownsStrings = true, bool ignoreCase = false, int growBy = 8);
@@ -132,11 +135,19 @@ class K7_API K7StrArray : public K7Array {
   int Insert(const char* s, int pos);
   int Put(int i, const char* s);
   int Remove(int pos, int n);
+  /// As those of K7Array, by the address of a stored pointer.
+  int Remove(const void* elem) { return Remove(GetIndex(elem), 1); }
+  int RemoveByPointer(const void* elem) { return Remove(elem); }
+  int operator-=(const void* elem) { return Remove(elem); }
+  void Clear(bool keepStorage = false);
+  /// Owned texts pass to `removed` when it is given.
+  int RemoveAdjDups(K7CompareFunc compare = nullptr, K7Array* removed = nullptr);
   /// The stored text; null outside the array.
   char* operator[](int i) const { return ValidIdx(i) ? Data()[i] : nullptr; }
   char** Data() const { return static_cast<char**>(K7Array::Data()); }
-  /// First position of `s` by the array's order, in a sorted array; -1 when absent. `last` as in `BinarySearch`.
-  int Find(const char* s, int* last = nullptr) const { return BinarySearch(&s, last); }
+  /// First position of `s` by the array's order, in a sorted array; -1 when absent. `last` as in
+  /// `BinarySearch`.
+  int Find(const char* s, int* last = nullptr) const { return s ? BinarySearch(&s, last) : -1; }
   /// Frees owned texts and empties.
   void Delete();
 
@@ -160,16 +171,16 @@ class K7_API K7DoubleArray : public K7Array {
   int operator+=(double value) { return K7Array::operator+=(&value); }
 };
 
-/// Map from text to pointer, its keys in ascending byte order. Keys are copies; values stay the caller's until
-/// `FreeElems`.
+/// Map from text to pointer, its keys in ascending byte order. Keys are copies; values stay the caller's
+/// until `FreeElems` hands them to `freeValue`, or to `free` when that is null.
 class K7_API K7StrMap {
  public:
   explicit K7StrMap(K7FreeFunc freeValue = nullptr);
   K7StrMap(const K7StrMap&) = delete;
   K7StrMap& operator=(const K7StrMap&) = delete;
 
-  /// Enters `value` under `key`. The value that was there before, null if none; `err` (optional) receives 0 or
-  /// K7_ERR_MEMORY.
+  /// Enters `value` under `key`. The value that was there before, null if none; `err` (optional) receives 0
+  /// or K7_ERR_MEMORY.
   void* Insert(const K7String& key, void* value, int* err = nullptr);
   /// Null when absent.
   void* Get(const K7String& key) const;

@@ -8,9 +8,9 @@
 class K7File;
 
 /// 8-bit NUL-terminated text on the heap. A default-constructed string is null and behaves as the empty text
-/// everywhere. The buffer grows to n + 1 + max(n / 10, 7) bytes for n characters and never shrinks; the length is
-/// not stored. Comparison, classification and case mapping are those of plain bytes in the "C" locale, whatever
-/// locale the host has set. A value: copies are deep; const operations need no lock.
+/// everywhere. The buffer grows to n + 1 + max(n / 10, 7) bytes for n characters and never shrinks; the
+/// length is not stored. Comparison, classification and case mapping are those of plain bytes in the "C"
+/// locale, whatever locale the host has set. A value: copies are deep; const operations need no lock.
 ///
 /// Operations that grow return `K7_ERR_MEMORY` when memory runs out and then leave the contents as they were.
 class K7_API K7String {
@@ -28,8 +28,8 @@ class K7_API K7String {
   K7String& operator=(const char* text);
   K7String& operator=(char c);
 
-  /// Assigns. 0 without change when `text` is this string's own buffer, 1 after a copy (null copies as the empty
-  /// text), or K7_ERR_MEMORY.
+  /// Assigns. 0 without change when `text` is this string's own buffer, 1 after a copy (null copies as the
+  /// empty text), or K7_ERR_MEMORY.
   int Create(const char* text);
   /// Copies at most `n` bytes of `src` (n < 0: all of it). The bytes copied, 0 for null, or K7_ERR_MEMORY.
   int Copy(const char* src, int n = -1);
@@ -64,11 +64,12 @@ class K7_API K7String {
   int IComp(const char* s, int n = -1) const;
   /// 0 when either text is null.
   static int IComp(const char* a, const char* b, int n = -1);
-  /// Position of `s` in the null-terminated `list`, whole and without regard to case; -1 if absent. A null `s` is
-  /// the first entry: callers pass null to mean it.
+  /// Position of `s` in the null-terminated `list`, whole and without regard to case; -1 if absent. A null
+  /// `s` is the first entry: callers pass null to mean it.
   static int Index(const char* s, const char* const* list);
 
-  /// Searches give positions from the start of the text, -1 when there is none. `start` must lie within the text.
+  /// Searches give positions from the start of the text, -1 when there is none. `start` must lie within the
+  /// text.
   int Find(char c, int start = 0) const;
   int Find(const char* s, int start = 0) const;
   /// First byte that occurs in `set`.
@@ -94,8 +95,8 @@ class K7_API K7String {
   int Replace(const char* from, const char* to);
   /// Number of bytes removed.
   int Remove(char c);
-  /// Inserts before `pos`, which may be the length. The new length, the unchanged length for a position outside
-  /// the text or a null text, or K7_ERR_MEMORY.
+  /// Inserts before `pos`, which may be the length. The new length, the unchanged length for a position
+  /// outside the text or a null text, or K7_ERR_MEMORY.
   int Insert(int pos, char c);
   int Insert(int pos, const char* s);
   /// Removes `count` bytes at `pos`, clamped to the end. The resulting length.
@@ -109,15 +110,16 @@ class K7_API K7String {
   K7String Right(int n, int* err = nullptr) const;
   /// A negative `count` takes everything from `start` on.
   K7String Mid(int start, int count = -1, int* err = nullptr) const;
+  /// Null without memory.
   K7String operator+(const char* s) const;
   K7String operator+(char c) const;
   /// A plain copy that the caller frees with `free`; null for a null source (*err 0) or without memory.
   char* Dup(int* err = nullptr) const;
   static char* Dup(const char* s, int* err = nullptr);
 
-  /// Splits: `out` receives the bytes from `start` up to the first one in `delims` or the end. The position behind
-  /// that delimiter, or of the terminator; 0 when nothing is left, with `out` untouched. Adjacent delimiters give
-  /// empty tokens, a trailing one gives none:
+  /// Splits: `out` receives the bytes from `start` up to the first one in `delims` or the end. The position
+  /// behind that delimiter, or of the terminator; 0 when nothing is left, with `out` untouched;
+  /// K7_ERR_MEMORY. Adjacent delimiters give empty tokens, a trailing one gives none:
   ///     for (int pos = 0; (pos = text.Token(",", pos, token)) > 0;) ...
   int Token(const char* delims, int start, K7String& out) const;
 
@@ -130,16 +132,17 @@ class K7_API K7String {
 
   /// Replaces the text by the printf-style expansion, always with a decimal point. The number of characters
   /// written, K7_ERR_MEMORY, or the formatter's negative result. Beyond printf, "%C" is one byte from an int
-  /// argument, and the first backslash-x escape of the format (backslash, "x", two hexadecimal digits) becomes its
-  /// byte. Arguments may point into this string.
+  /// argument, and the first backslash-x escape of the format (backslash, "x", two hexadecimal digits)
+  /// becomes its byte. Arguments may point into this string.
   int Format(const char* fmt, ...);
   int FormatV(const char* fmt, va_list args);
 
-  /// Reads what `Write` wrote. 0, the file's negative error, K7_ERR_MEMORY, or K7_ERR_FILE_IO for a short read.
+  /// Reads what `Write` wrote. 0, the file's negative error, K7_ERR_MEMORY, or K7_ERR_FILE_IO for a short
+  /// read.
   int Read(K7File* file);
-  /// Writes a 16-bit little-endian count of the bytes that follow, then the text with its terminator; an empty text
-  /// is the count 0 alone. The count is the low 16 bits of length + 1. 0, the file's negative error, or
-  /// K7_ERR_FILE_IO for a short write.
+  /// Writes a 16-bit little-endian count of the bytes that follow, then the text with its terminator; an
+  /// empty text is the count 0 alone. The count is the low 16 bits of length + 1. 0, the file's negative
+  /// error, or K7_ERR_FILE_IO for a short write.
   int Write(K7File* file) const;
 
  private:

@@ -1,0 +1,114 @@
+#include <k7/foundation/string.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <clocale>
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+namespace {
+
+template <class... Args>
+void ExpectAsPrintf(const std::string& format, Args... args) {
+  char expected[1200];
+  const int length = std::snprintf(expected, sizeof expected, format.c_str(), args...);
+  K7String s;
+  EXPECT_EQ(s.Format(format.c_str(), args...), length) << format;
+  EXPECT_STREQ(s, expected) << format;
+}
+
+// Capacity of a fresh string that Format has sized for `estimate` characters.
+int CapacityFor(int estimate) { return estimate + 2 + std::max((estimate + 1) / 10, 7); }
+
+template <class... Args>
+void ExpectEstimate(int estimate, const char* format, Args... args) {
+  K7String s;
+  s.Format(format, args...);
+  EXPECT_EQ(s.AllocLen(), CapacityFor(estimate)) << format;
+}
+
+}  // namespace
+
+TEST(K7StringFormat, AgreesWithPrintf) {
+  for (const char* flags : {"", "-", "+", " ", "#", "0", "-+#", "0 "})
+    for (const char* width : {"", "1", "12", "40"})
+      for (const char* precision : {"", ".", ".0", ".3", ".25"}) {
+        const std::string start = std::string("<%") + flags + width + precision;
+        for (const char* letter : {"d>", "i>", "u>", "x>", "X>", "o>"})
+          for (int value : {0, 1, -1, 4711, INT_MAX, INT_MIN}) {
+            ExpectAsPrintf(start + letter, value);
+            ExpectAsPrintf(start + "l" + letter, static_cast<long>(value));
+            ExpectAsPrintf(start + "ll" + letter, value * 2000000000LL);
+          }
+        for (const char* letter : {"f>", "F>", "e>", "E>", "g>", "G>"})
+          for (double value : {0.0, -0.0, 0.5, -1234.5678, 1e300, 5e-324, HUGE_VAL, std::nan("")})
+            ExpectAsPrintf(start + letter, value);
+        for (const char* text : {"", "ab", "a longer text"}) ExpectAsPrintf(start + "s>", text);
+        ExpectAsPrintf(start + "c>%%", 'x');
+      }
+  ExpectAsPrintf("%*d|%-*.*f|%.*s", 7, 42, 12, 3, 1.5, 2, "abc");
+  ExpectAsPrintf("%p %hd %hhd %zu", static_cast<void*>(nullptr), 70000, 300, sizeof(int));
+}
+
+TEST(K7StringFormat, SizingPassFixesTheCapacity) {
+  ExpectEstimate(3, "ab%%");
+  ExpectEstimate(32, "%d", 1);
+  ExpectEstimate(45, "%15.30u", 1u);
+  ExpectEstimate(34, "%#lx", 1L);
+  ExpectEstimate(128, "%g", 1.0);
+  ExpectEstimate(150, "%100.50e", 1.0);
+  ExpectEstimate(1, "%5c", 'x');
+  ExpectEstimate(8, "%f", 1.5);             // 1.500000
+  ExpectEstimate(10, "%5.2f", 3.14159);     // 3.14159000
+  ExpectEstimate(20, "%*.*f", 20, 2, 3.0);  // a blank-padded 3.00000000
+  ExpectEstimate(6, "%s", static_cast<const char*>(nullptr));
+  ExpectEstimate(3, "%.3s", static_cast<const char*>(nullptr));
+  ExpectEstimate(10, "%10s", "abc");
+  ExpectEstimate(2, "%.2s", "abc");
+  ExpectEstimate(36, "%##x", 1);
+  ExpectEstimate(11, "%E", 1.0);  // no part of the estimate: the 12 characters written make it grow
+  // Behind "%C" the pass sees shifted arguments: a width of 50 here, and texts count as null ones.
+  ExpectEstimate(50, "%C%*d", 50, 5, 7);
+  ExpectEstimate(6, "%C%s", 0xB0, "abcdef");
+}
+
+TEST(K7StringFormat, ShiftedArgumentsAreHarmless) {
+  K7String s;
+  // The pass takes half of a pointer for the width.
+  EXPECT_EQ(s.Format("%C%s%*d", 'x', "abc", 5, 7), 9);
+  EXPECT_STREQ(s, "xabc    7");
+  EXPECT_LT(s.AllocLen(), 70000);
+  const std::string longer(5000, 'y');
+  EXPECT_EQ(s.Format("%C%s%E%s", 0xB0, longer.c_str(), 1.0, "z"), 5014);
+  EXPECT_EQ(std::string(s), "\xB0" + longer + "1.000000E+00z");
+  EXPECT_EQ(s.Format("%FC%5C", 1.5, 'q'), 14);
+  EXPECT_STREQ(s, "1.500000C    q");
+}
+
+TEST(K7StringFormat, FirstEscapeBecomesItsByte) {
+  EXPECT_STREQ(K7FmtString("a\\x41b"), "aAb");
+  EXPECT_STREQ(K7FmtString("%d\\xB0 \\x41", 5), "5\xB0 \\x41");
+  EXPECT_STREQ(K7FmtString("a\\xg"), "a\\xg");
+  EXPECT_STREQ(K7FmtString("\\x25d", 5), "5");
+  EXPECT_EQ(K7FmtString(nullptr).AllocLen(), 0);
+}
+
+TEST(K7StringFormat, ArgumentsMayPointIntoTheTextItself) {
+  K7String s("%s-%s");
+  EXPECT_EQ(s.Format(s, static_cast<const char*>(s), static_cast<const char*>(s) + 3), 8);
+  EXPECT_STREQ(s, "%s-%s-%s");
+}
+
+TEST(K7StringFormat, WritesAPointUnderADecimalCommaLocale) {
+  const std::string before = std::setlocale(LC_ALL, nullptr);
+  if (!std::setlocale(LC_ALL, "de_DE.UTF-8")) GTEST_SKIP() << "locale not installed";
+  char comma[8];
+  std::snprintf(comma, sizeof comma, "%.1f", 1.5);
+  const K7FmtString text("%.1f %g %5.2e", 1.5, 2.5, 3.5);
+  std::setlocale(LC_ALL, before.c_str());
+  EXPECT_STREQ(comma, "1,5");
+  EXPECT_STREQ(text, "1.5 2.5 3.50e+00");
+}
