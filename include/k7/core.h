@@ -5,4 +5,5 @@
 #include <k7/geodesy.h>
 #include <k7/geometry.h>
 #include <k7/io.h>
+#include <k7/navdata.h>
 #include <k7/projection.h>

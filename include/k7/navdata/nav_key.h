@@ -1,0 +1,50 @@
+// K7NavKey: the two-word name of a navigation record. K7NavKeyArray: an array of them.
+#pragma once
+
+#include <k7/export.h>
+#include <k7/foundation/array.h>
+
+#include <cstdint>
+
+/// Type of a navigation record.
+enum K7NavType : uint32_t;
+
+/// Key of a navigation record: its type, and its index within that type's data. A value of 8 bytes.
+class K7_API K7NavKey {
+ public:
+  /// The no-record key.
+  K7NavKey() = default;
+  K7NavKey(uint32_t idx, K7NavType type) : m_idx(idx), m_navType(type) {}
+
+  /// Makes this the no-record key, whose words are both 0xFFFFFFFF.
+  void Reset() { *this = K7NavKey(); }
+  uint32_t Idx() const { return m_idx; }
+  K7NavType NavType() const { return static_cast<K7NavType>(m_navType); }
+  bool NoRecord() const { return m_idx == NO_WORD && m_navType == NO_WORD; }
+
+  bool operator==(const K7NavKey& other) const = default;
+  /// The order of `Comp`.
+  bool operator<(const K7NavKey& other) const { return Comp(this, &other) < 0; }
+  /// Orders keys by type, then by index: -1, 0 for equal keys, or 1. Words are compared by the sign of their
+  /// wrapped 32-bit difference, not as unsigned numbers: index 0xFFFFFFFF sorts before 0, words more than
+  /// 2^31 apart compare backwards, and a difference of exactly 2^31 is -1 from either side. Sorted data files
+  /// depend on this order.
+  static int Comp(const void* a, const void* b);
+
+ private:
+  static constexpr uint32_t NO_WORD = 0xFFFFFFFF;
+
+  uint32_t m_idx = NO_WORD;
+  uint32_t m_navType = NO_WORD;
+};
+
+static_assert(sizeof(K7NavKey) == 8);
+
+/// Array of keys, ordered by `K7NavKey::Comp`.
+class K7_API K7NavKeyArray : public K7Array {
+ public:
+  explicit K7NavKeyArray(int growBy = 8);
+  /// The no-record key outside the array.
+  K7NavKey operator[](int i) const { return ValidIdx(i) ? *reinterpret_cast<K7NavKey*>(At(i)) : K7NavKey(); }
+  int operator+=(const K7NavKey& key) { return K7Array::operator+=(&key); }
+};
