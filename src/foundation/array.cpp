@@ -339,7 +339,9 @@ void* K7StrMap::Insert(const K7String& key, void* value, int* err) {
   return nullptr;
 }
 
-void* K7StrMap::Get(const K7String& key) const { return m_values[m_keys.Find(key)]; }
+void* K7StrMap::Get(const K7String& key) const { return Get(static_cast<const char*>(key)); }
+
+void* K7StrMap::Get(const char* key) const { return m_values[m_keys.Find(key ? key : "")]; }
 
 void* K7StrMap::Remove(const K7String& key) {
   const int found = m_keys.Find(key);

@@ -7,9 +7,11 @@
 #include "io/os.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -86,6 +88,20 @@ Conversion ReadConversion(const char* p) {
   return c;
 }
 
+// Length of `value` in the field of `c`, written with six digits more than asked for.
+int64_t FixedLength(const Conversion& c, double value) {
+  const int64_t precision = c.precision + 6;
+  char text[512];
+  if (precision >= 0 && precision <= 128) {
+    // The same length for less work; no double has more than 309 digits before its point.
+    const auto [end, error] =
+        std::to_chars(text, std::end(text), value, std::chars_format::fixed, static_cast<int>(precision));
+    return std::max<int64_t>(end - text, std::abs(c.width));
+  }
+  return std::max(
+      FormatArgs(nullptr, 0, "%*.*f", static_cast<int>(c.width), static_cast<int>(precision), value), 0);
+}
+
 // Walks a format beside its arguments and adds up what the text may take.
 class SizingPass {
  public:
@@ -144,9 +160,7 @@ class SizingPass {
         (void)va_arg(m_args, int);
         return 1;
       case 'f':
-        return std::max(FormatArgs(nullptr, 0, "%*.*f", static_cast<int>(c.width),
-                                   static_cast<int>(c.precision + 6), va_arg(m_args, double)),
-                        0);
+        return FixedLength(c, va_arg(m_args, double));
       case 's':
         return std::max(TextLength(c), c.width);
       case 'n':
@@ -221,11 +235,16 @@ int K7String::Format(const char* fmt, ...) {
 }
 
 int K7String::FormatV(const char* fmt, va_list args) {
-  K7String format(fmt ? fmt : "");
-  if (!format.m_text) return K7_ERR_MEMORY;
-  DecodeEscape(format.m_text);
+  const char* format = fmt ? fmt : "";
+  // Few formats need a copy that is changed on the way.
+  K7String changed;
+  if (std::strchr(format, 'C') || std::strstr(format, "\\x")) {
+    if (const int err = changed.Create(format); err < 0) return err;
+    DecodeEscape(changed.m_text);
+    format = changed;
+  }
   const int64_t estimate = std::clamp<int64_t>(SizingPass().Run(format, args), 0, INT32_MAX - 1);
-  SpellBytes(format.m_text);
+  if (changed.m_text) SpellBytes(changed.m_text);
 
   // Arguments may point into this string, so the text is made beside it. Most texts fit the local buffer.
   char local[512];

@@ -182,8 +182,9 @@ class K7_API K7StrMap {
   /// Enters `value` under `key`. The value that was there before, null if none; `err` (optional) receives 0
   /// or K7_ERR_MEMORY.
   void* Insert(const K7String& key, void* value, int* err = nullptr);
-  /// Null when absent.
+  /// Null when absent. A null `key` is the empty text.
   void* Get(const K7String& key) const;
+  void* Get(const char* key) const;
   /// By position in key order; null outside.
   void* Get(int i) const { return m_values[i]; }
   const char* GetKey(int i) const { return m_keys[i]; }
