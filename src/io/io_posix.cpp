@@ -10,6 +10,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <fnmatch.h>
 #include <locale.h>
 #include <sys/stat.h>
@@ -103,7 +104,26 @@ bool k7os::IsDirectory(const char* path) {
 
 bool k7os::DeleteFile(const char* path) { return unlink(path) == 0; }
 
-bool k7os::ReplaceFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
+bool k7os::ReplaceFile(const char* from, const char* to) {
+  struct stat info;
+  const bool exists = stat(to, &info) == 0;
+  if (exists && !S_ISREG(info.st_mode)) return false;
+  const int file = open(from, O_RDONLY | O_CLOEXEC);
+  if (file < 0) return false;
+  // Best effort: not every file system knows permissions.
+  if (exists) (void)fchmod(file, info.st_mode & 07777);
+  const bool stored = fsync(file) == 0;
+  close(file);
+  char* const target = exists ? realpath(to, nullptr) : nullptr;
+  const bool replaced = stored && std::rename(from, target ? target : to) == 0;
+  std::free(target);
+  return replaced;
+}
+
+bool k7os::LocalTime(int64_t seconds, std::tm& out) {
+  const time_t time = static_cast<time_t>(seconds);
+  return time == seconds && localtime_r(&time, &out) != nullptr;
+}
 
 void* k7os::OpenLibrary(const char* file) { return dlopen(file, RTLD_NOW | RTLD_LOCAL); }
 

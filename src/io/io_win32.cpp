@@ -79,6 +79,11 @@ bool k7os::ReplaceFile(const char* from, const char* to) {
   return MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING) != 0;
 }
 
+bool k7os::LocalTime(int64_t seconds, std::tm& out) {
+  const __time64_t time = seconds;
+  return _localtime64_s(&out, &time) == 0;
+}
+
 void* k7os::OpenLibrary(const char* file) { return LoadLibraryA(file); }
 
 void* k7os::FindSymbol(void* module, const char* name) {

@@ -4,6 +4,8 @@
 
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
+#include <ctime>
 
 class K7StrArray;
 
@@ -32,8 +34,12 @@ class NativePath {
 
 bool IsDirectory(const char* path);
 bool DeleteFile(const char* path);
-/// Puts a whole file into the place of another in one step.
+/// Puts a whole file into the place of another in one step, once its bytes are on the disk. A link at `to` stays and
+/// the file behind it is replaced, its permissions kept; what is no file is not replaced.
 bool ReplaceFile(const char* from, const char* to);
+
+/// The machine's local calendar.
+bool LocalTime(int64_t seconds, std::tm& out);
 
 void* OpenLibrary(const char* file);
 void* FindSymbol(void* module, const char* name);
