@@ -1,6 +1,7 @@
-// Files: the replaceable interfaces and their native implementation.
+// Files: the replaceable interfaces and their native implementation, checksum companions.
 #pragma once
 
+#include <k7/io/crc.h>
 #include <k7/io/file.h>
 #include <k7/io/io.h>
 #include <k7/io/io_native.h>
