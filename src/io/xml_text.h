@@ -1,0 +1,53 @@
+// The text buffer under the XML parser and writer.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+
+/// The whitespace of XML texts: blank, tab, line feed, vertical tab, form feed, carriage return.
+constexpr bool IsXmlSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+/// Text that grows by doubling, so that appending takes linear time in all. What has no memory, or
+/// goes beyond the length that an int counts, is dropped and `Failed` says so: callers append freely and ask
+/// at the end.
+class K7XmlText {
+ public:
+  K7XmlText() = default;
+  K7XmlText(const K7XmlText&) = delete;
+  K7XmlText& operator=(const K7XmlText&) = delete;
+  ~K7XmlText();
+
+  void Append(const char* text, size_t n) {
+    if (!Reserve(n)) return;
+    std::memcpy(m_bytes + m_size, text, n);
+    m_size += n;
+  }
+  void Append(const char* text) { Append(text, std::strlen(text)); }
+  void AppendRun(char c, size_t n) {
+    if (!Reserve(n)) return;
+    std::memset(m_bytes + m_size, c, n);
+    m_size += n;
+  }
+  /// Characters that XML reserves go in as entities.
+  void AppendEscaped(const char* text);
+  /// Entities go in as the characters that they stand for.
+  void AppendResolved(const char* text, size_t n);
+  /// How many bytes `text` begins with that are neither reserved nor its terminator.
+  static size_t PlainLength(const char* text);
+
+  void Clear() { m_size = 0; }
+  bool Failed() const { return m_failed; }
+  /// Terminated, never null.
+  const char* Text() const;
+  int Size() const { return static_cast<int>(m_size); }
+
+ private:
+  // Room for `n` more bytes, or false.
+  bool Reserve(size_t n) { return n < m_capacity - m_size || Grow(n); }
+  bool Grow(size_t n);
+
+  char* m_bytes = nullptr;
+  size_t m_size = 0;
+  size_t m_capacity = 0;  // the terminator's place included
+  bool m_failed = false;
+};

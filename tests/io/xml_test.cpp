@@ -1,0 +1,234 @@
+#include <k7/foundation/error_string.h>
+#include <k7/foundation/log.h>
+#include <k7/io/io_native.h>
+#include <k7/io/xml_elem.h>
+
+#include "support/mem_io.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Written(const K7XmlElem& elem, int depth = 0) {
+  K7String out;
+  EXPECT_EQ(elem.Write(out, depth), 0);
+  return static_cast<const char*>(out);
+}
+
+// What a text is after reading and writing, or the code.
+std::string Reread(const std::string& text) {
+  K7XmlElem elem;
+  int err = 0;
+  const char* const next = elem.Parse(text.c_str(), &err);
+  if (err) return std::to_string(err);
+  return next ? Written(elem) : "end";
+}
+
+std::string Repeat(const std::string& text, int n) {
+  std::string all;
+  for (int i = 0; i < n; ++i) all += text;
+  return all;
+}
+
+TEST(Xml, LenientReading) {
+  const struct {
+    const char* text;
+    const char* expected;
+  } CASES[] = {
+      {"<a/>", "<a/>\n"},
+      {" junk <a></a >", "<a/>\n"},
+      {"<?xml version=\"1.0\"?>\n<!-- > -- <b> --><a>  text \n</a>", "<a>text</a>\n"},
+      // Comments and declarations leave nothing behind, wherever they stand; one without its "?" takes its
+      // subtree.
+      {"<a><!----><!-->x<b/><?pi v=\">\"?><!-- last --></a>", "<a>x\n\t<b/>\n</a>\n"},
+      {"<a><b/><?pi><c><?in/></c></?pi><?pi/><d/></a>", "<a>\n\t<b/>\n\t<d/>\n</a>\n"},
+      {"<?pi></pi><a/>", "<a/>\n"},
+      // The first text counts, also behind children.
+      {"<a><b/> one <c/> two </a>", "<a>one\n\t<b/>\n\t<c/>\n</a>\n"},
+      {"<a>\v1 &lt; &amp;lt; &amp;amp; &quot;&apos;&gt;&unknown;&</a>",
+       "<a>1 &lt; &lt; &amp;amp; &quot;&apos;&gt;&amp;unknown;&amp;</a>\n"},
+      // Attributes: between any whitespace, "<" and ">" in values, and the list ends at another shape.
+      {"<a\n b=\"1\"\tc=\"x > y\"/>", "<a b=\"1\" c=\"x &gt; y\"/>\n"},
+      {"<a b=\"<\" c=\"&quot;\"d=\"/\">t</a>", "<a b=\"&lt;\" c=\"&quot;\" d=\"/\">t</a>\n"},
+      {"<a b=\"1\" c='2' d=\"3\"/>", "<a b=\"1\"/>\n"},
+      {"<a b=\"never closed>t</a>", "<a>t</a>\n"},
+      {"<a>< /><b></b></a>", "<a>\n\t< />\n\t<b/>\n</a>\n"},
+      {"<a></b>", "-11603"},
+      {"<a><b></a></b>", "-11603"},
+      {"<a>text", "-11603"},
+      {"<a", "-11603"},
+      {"", "end"},
+      {"no tag", "end"},
+      {"<!-- only --> ", "end"},
+  };
+  for (const auto& [text, expected] : CASES) EXPECT_EQ(Reread(text), expected) << text;
+}
+
+TEST(Xml, ParseLeavesTheCallersInputInPlace) {
+  K7XmlElem elem;
+  int err = 1;
+  const char* const closing = " </caller>";
+  EXPECT_EQ(elem.Parse(closing, &err), closing);
+  EXPECT_EQ(err, 0);
+  EXPECT_STREQ(elem.Parse("<a>1</a> \n<b/>rest", &err), "<b/>rest");
+  EXPECT_EQ(elem.Parse(nullptr, &err), nullptr);
+  EXPECT_EQ(err, K7_ERR_BAD_ARGUMENT);
+}
+
+TEST(Xml, TreeIsEdited) {
+  K7XmlElem root("Record", nullptr, "Name=\"A &amp; B\" x");
+  auto* const key = new K7XmlElem("Key", "5");
+  auto* const second = new K7XmlElem("Key", "7 < 8");
+  EXPECT_EQ(root.AddChild(key), 0);
+  EXPECT_EQ(root.AddChild(second), 0);
+  EXPECT_EQ(root.AddChild(new K7XmlElem(nullptr, "nameless")), 0);
+  EXPECT_EQ(root.AddAttrib("Quote", "\"'<&>\n"), 0);
+  EXPECT_EQ(Written(root, 1),
+            "\t<Record Name=\"A &amp; B\" Quote=\"&quot;&apos;&lt;&amp;&gt;\n\">\n"
+            "\t\t<Key>5</Key>\n\t\t<Key>7 &lt; 8</Key>\n\t\t<>nameless</>\n\t</Record>\n");
+
+  K7String name, value;
+  EXPECT_TRUE(root.Attrib("Name", value) && value == "A & B");
+  EXPECT_TRUE(root.GetAttribByIndex(1, name, value) && name == "Quote" && value == "\"'<&>\n");
+  EXPECT_FALSE(root.Attrib("name", value) || root.GetAttribByIndex(2, name, value));
+  EXPECT_EQ(root.Child("Key", 1), second);
+  EXPECT_EQ(root.Child("key"), nullptr);
+  EXPECT_EQ(root.Child("Key", "Record", 0), key);
+  EXPECT_EQ(root.Child("Key", "Other", 0), nullptr);
+  EXPECT_EQ(root.ChildText(nullptr), "nameless");
+  EXPECT_EQ(root.ChildText("none"), "");
+
+  const std::unique_ptr<K7XmlElem> copy(root.Clone());
+  EXPECT_EQ(Written(*copy), Written(root));
+  EXPECT_EQ(copy->AddChild(second), 0);  // moves
+  EXPECT_EQ(root.Child("Key", 1), nullptr);
+  EXPECT_EQ(second->AddChild(copy.get()), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(root.AddChild(&root), K7_ERR_BAD_ARGUMENT);
+  EXPECT_FALSE(root.RemoveChild(second));
+  EXPECT_TRUE(copy->RemoveChild(second));
+  EXPECT_EQ(second->Parent(), nullptr);
+  delete second;
+  delete key;  // takes itself out
+  EXPECT_EQ(root.FirstChild()->Text(), "nameless");
+
+  // Marked elements that a caller made are dropped again by whoever reads the text.
+  root.Clear();
+  root.SetName("r");
+  root.AddChild(new K7XmlElem(nullptr, "--> <b/>", nullptr, K7XmlElem::COMMENT));
+  root.AddChild(new K7XmlElem("pi", "text", "a=\"1\"", K7XmlElem::DECLARATION));
+  EXPECT_EQ(Written(root), "<r>\n\t<!----&gt; &lt;b/&gt;-->\n\t<?pi a=\"1\"?>\n</r>\n");
+  EXPECT_EQ(Reread(Written(root)), "<r/>\n");
+}
+
+// A million levels, siblings and attributes, broken-off comments and quotes: linear, whatever the input.
+TEST(Xml, SizeOfTheInputCostsNeitherStackNorSquares) {
+  const int million = 1000000;
+  const std::string deep = Repeat("<a>", million);
+  K7XmlElem elem;
+  EXPECT_NE(elem.Parse((deep + Repeat("</a>", million)).c_str()), nullptr);
+  const std::unique_ptr<K7XmlElem> copy(elem.Clone());
+  EXPECT_NE(copy, nullptr);
+  K7String out;
+  EXPECT_EQ(elem.Write(out), K7_ERR_MEMORY);  // a million million tabs
+  EXPECT_EQ(Reread(deep), "-11603");
+  EXPECT_EQ(Reread(Repeat("<?a>", million)), "-11603");
+
+  const std::string wide = "<a>\n" + Repeat("\t<b/>\n", million) + "</a>\n";
+  EXPECT_EQ(Reread(wide), wide);
+  EXPECT_EQ(Reread("<a>" + Repeat("<b/>", million) + Repeat("<?p></?p>", million) + "</a>"), wide);
+  // Indented by 0 ... n - 1 tabs at their starts and all but the innermost at their ends, which makes (n -
+  // 1)^2.
+  const size_t outer = 9999;
+  EXPECT_EQ(Reread(Repeat("<a>", 10000) + Repeat("</a>", 10000)).size(),
+            outer * outer + outer * std::strlen("<a>\n</a>\n") + std::strlen("<a/>\n"));
+
+  const std::string attribs = "<a" + Repeat(" b=\"&lt;\"", million) + "/>\n";
+  EXPECT_EQ(Reread(attribs), attribs);
+  elem.Parse(attribs.c_str());
+  EXPECT_EQ(elem.NumAttribs(), million);
+  const std::string text = "<a>" + Repeat("&amp;", million) + "</a>\n";
+  EXPECT_EQ(Reread(text), text);
+  EXPECT_EQ(Reread("<a>" + Repeat("<b c=\">", million)), "-11603");
+}
+
+const char DOCUMENT[] =
+    "<?xml version=\"1.0\" encoding=\"windows-1252\"?>\n"
+    "<Options>\n\t<Units Group=\"a &amp; b\">100% m\xB0</Units>\n\t<Empty/>\n</Options>\n";
+
+TEST(Xml, FilesCutAtEveryByteGiveACodeAndALogLine) {
+  MemIO io;
+  const ScopedIO scope(&io);
+  K7XmlElem root;
+  io.Put("whole.xml", std::string(DOCUMENT));
+  ASSERT_EQ(root.ParseFile("whole.xml"), 0);
+  ASSERT_EQ(root.WriteFile("copy.xml"), 0);
+  EXPECT_EQ(io.Get("copy.xml"), io.Get("whole.xml"));
+  EXPECT_EQ(io.files.count("copy.xml.tmp"), 0u);
+
+  const std::string document = DOCUMENT;
+  for (size_t n = 0; n + 1 < document.size(); ++n) {
+    io.Put("cut.xml", document.substr(0, n));
+    K7XmlElem elem;
+    EXPECT_EQ(elem.ParseFile("cut.xml"), K7_ERR_XML_MISMATCHED_TAG) << n;
+    if (n > document.find("m\xB0")) {
+      EXPECT_NE(elem.Child("Units"), nullptr) << n;
+    }
+  }
+  EXPECT_EQ(root.ParseFile("none.xml"), K7_ERR_FILE_IO);
+  EXPECT_STREQ(root.Name(), "Options");
+
+  K7Log::CreateLogFile("log", &io);
+  K7Log::SetMinReportedSeverity(K7_LOG_DEBUG);
+  io.Put("bad.xml", std::string("<a>\n<b>\n</c>\n</a>"));
+  EXPECT_EQ(root.ParseFile("bad.xml"), K7_ERR_XML_MISMATCHED_TAG);
+  K7Log::CloseLogFile();
+  const Bytes log = io.Get("log");
+  EXPECT_NE(std::string(log.begin(), log.end()).find("D  bad.xml: reading XML stopped at line 3"),
+            std::string::npos);
+}
+
+TEST(Xml, FullDiskLeavesTheOldFile) {
+  MemIO io;
+  const ScopedIO scope(&io);
+  io.Put("o.xml", std::string("<Old/>"));
+  K7XmlElem root("New", "text");
+  for (io.room = 0; root.WriteFile("o.xml") != 0; ++io.room) {
+    ASSERT_EQ(io.Get("o.xml").size(), 6u) << io.room;
+    ASSERT_EQ(io.files.size(), 1u);
+  }
+  EXPECT_EQ(io.room, io.Get("o.xml").size());
+}
+
+TEST(Xml, NativeFileIsReplacedInOneStep) {
+  K7IOK7 io;
+  const ScopedIO scope(&io);
+  const fs::path dir = fs::temp_directory_path() / "k7_xml_test";
+  fs::remove_all(dir);
+  fs::create_directories(dir);
+  const std::string target = (dir / "o.xml").string();
+  std::ofstream(dir / "real.xml") << "old";
+  fs::permissions(dir / "real.xml", fs::perms::owner_read | fs::perms::owner_write);
+  fs::create_symlink(dir / "real.xml", dir / "o.xml");
+
+  K7XmlElem root("New", "100% sure");
+  EXPECT_EQ(root.WriteFile(target.c_str()), 0);
+  EXPECT_TRUE(fs::is_symlink(dir / "o.xml"));
+  EXPECT_EQ(fs::status(dir / "real.xml").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  K7XmlElem back;
+  EXPECT_EQ(back.ParseFile(target.c_str()), 0);
+  EXPECT_EQ(Written(back), "<New>100% sure</New>\n");
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir), {}), 2);
+
+  EXPECT_EQ(root.WriteFile("/dev/full"), K7_ERR_FILE_IO);
+  EXPECT_EQ(root.WriteFile((dir / "none" / "o.xml").string().c_str()), K7_ERR_FILE_IO);
+  EXPECT_EQ(back.ParseFile(dir.string().c_str()), K7_ERR_FILE_IO);
+  fs::remove_all(dir);
+}
+
+}  // namespace
