@@ -29,9 +29,5 @@ g++ -std=c++20 "$work/main.cpp" -o "$work/consumer" $(pkg-config --cflags --libs
 LD_LIBRARY_PATH=$(dirname "$libdir") "$work/consumer" >"$work/pkgconfig.txt"
 diff -u "$work/expected.txt" "$work/pkgconfig.txt"
 
-# One line a class or free function: what stands before the last "::" outside of the arguments.
-library=$(find "$work/prefix" -name 'libk7core.so')
-nm -D -C --defined-only "$library" | cut -c20- |
-  sed -E 's/^(vtable|typeinfo|typeinfo name|VTT) for //; s/^(non-)?virtual thunk to //; s/\(.*//; s/\[abi:[^]]*\]//g' |
-  sed -E 's/^((Tarsvald::)?K7[A-Za-z0-9_]*)::.*/\1/' | sort -u >"$work/names.txt"
+"$source_dir/script/exported-names" "$(find "$work/prefix" -name 'libk7core.so')" >"$work/names.txt"
 diff -u "$source_dir/tests/install/exported_names.txt" "$work/names.txt"
