@@ -17,14 +17,12 @@ constexpr char BANNER[] = "\n*****************************************\n\n";
 
 bool IsLevel(int level) { return level >= K7_LOG_DEBUG && level <= K7_LOG_CRITICAL; }
 
-// The line for `message`, as `WriteLine` wants it.
+// The line goes to WriteLine as it is, which takes it as a format: of two percent signs in a row one is written.
 bool MakeLine(K7LogSeverity level, const char* message, K7String& line) {
   std::tm now{};
   if (!k7os::LocalTime(std::time(nullptr), now)) return false;
   if (line.Format("%02d:%02d:%02d  %c  %s", now.tm_hour, now.tm_min, now.tm_sec, LETTERS[level], message) < 0)
     return false;
-  // WriteLine takes its text as a format.
-  if (line.Replace("%", "%%") < 0) return false;
   return line[line.Len() - 1] == '\n' || (line += '\n') == 0;
 }
 

@@ -42,7 +42,7 @@ TEST(Log, LinesAreExact) {
   ASSERT_TRUE(K7Log::CreateLogFile("log", &io));
   EXPECT_TRUE(K7Log::LogMessage(K7_LOG_DEBUG, "suppressed"));
   EXPECT_TRUE(K7Log::LogMessage(K7_LOG_INFO, "%d files in %s", 3, "a/b"));
-  EXPECT_TRUE(K7Log::LogMessage(K7_LOG_WARNING, "%s", "100% of %s, %%d\n"));
+  EXPECT_TRUE(K7Log::LogMessage(K7_LOG_WARNING, "%s", "100% of %s, %%d\n")) << "a format to WriteLine";
   K7Log::SetMinReportedSeverity(static_cast<K7LogSeverity>(4));
   K7Log::SetMinReportedSeverity(static_cast<K7LogSeverity>(-1));
   EXPECT_TRUE(K7Log::LogMessage(K7_LOG_DEBUG, "still suppressed"));
@@ -50,14 +50,14 @@ TEST(Log, LinesAreExact) {
   EXPECT_TRUE(K7Log::LogMessage(K7_LOG_DEBUG, "two\nlines"));
   EXPECT_FALSE(K7Log::LogMessage(static_cast<K7LogSeverity>(4), "no such level"));
   EXPECT_FALSE(K7Log::LogMessage(static_cast<K7LogSeverity>(-1), "no such level"));
-  const std::string longText(10000, '%');
+  const std::string longText(10000, 'x');
   EXPECT_TRUE(K7Log::LogMessage(K7_LOG_CRITICAL, "%s", longText.c_str()));
   EXPECT_TRUE(K7Log::LogMessage(K7_LOG_CRITICAL, ""));
   EXPECT_TRUE(K7Log::CloseLogFile());
   EXPECT_TRUE(K7Log::CloseLogFile());
   EXPECT_FALSE(K7Log::LogMessage(K7_LOG_CRITICAL, "behind"));
   EXPECT_EQ(WithoutTimes(Text(io)),
-            "earlier\n\n\n  I  3 files in a/b\n  W  100% of %s, %%d\n  D  two\nlines\n  C  " + longText +
+            "earlier\n\n\n  I  3 files in a/b\n  W  100% of %s, %d\n  D  two\nlines\n  C  " + longText +
                 "\n  C  \n" + BANNER);
 
   // A new log closes the one before it, and its threshold with it.
