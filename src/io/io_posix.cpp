@@ -73,6 +73,21 @@ int k7os::FormatC(char* dst, size_t size, const char* fmt, va_list args) {
   return n;
 }
 
+bool k7os::LocalTime(int64_t seconds, std::tm& fields) {
+  const std::time_t moment = static_cast<std::time_t>(seconds);
+  tzset();  // as localtime does: the host may have changed the zone
+  return moment == seconds && localtime_r(&moment, &fields);
+}
+
+bool k7os::MakeTime(std::tm& fields, int64_t& seconds) {
+  // Its -1 is a moment too, but only success sets the weekday.
+  fields.tm_wday = -1;
+  const std::time_t moment = std::mktime(&fields);
+  if (fields.tm_wday < 0) return false;
+  seconds = moment;
+  return true;
+}
+
 k7os::NativePath::NativePath(const char* path) : m_text(K7String::Dup(path)) {
   for (char* p = m_text; p && *p; ++p)
     if (*p == '\\') *p = '/';
@@ -118,11 +133,6 @@ bool k7os::ReplaceFile(const char* from, const char* to) {
   const bool replaced = stored && std::rename(from, target ? target : to) == 0;
   std::free(target);
   return replaced;
-}
-
-bool k7os::LocalTime(int64_t seconds, std::tm& out) {
-  const time_t time = static_cast<time_t>(seconds);
-  return time == seconds && localtime_r(&time, &out) != nullptr;
 }
 
 void* k7os::OpenLibrary(const char* file) { return dlopen(file, RTLD_NOW | RTLD_LOCAL); }

@@ -46,6 +46,20 @@ int k7os::FormatC(char* dst, size_t size, const char* fmt, va_list args) {
   return n;
 }
 
+bool k7os::LocalTime(int64_t seconds, std::tm& fields) {
+  const __time64_t moment = seconds;
+  return _localtime64_s(&fields, &moment) == 0;
+}
+
+bool k7os::MakeTime(std::tm& fields, int64_t& seconds) {
+  // Its -1 is a moment too, but only success sets the weekday.
+  fields.tm_wday = -1;
+  const __time64_t moment = _mktime64(&fields);
+  if (fields.tm_wday < 0) return false;
+  seconds = moment;
+  return true;
+}
+
 k7os::NativePath::NativePath(const char* path) : m_text(K7String::Dup(path)) {}
 
 k7os::NativePath::~NativePath() { std::free(m_text); }
@@ -77,11 +91,6 @@ bool k7os::DeleteFile(const char* path) { return DeleteFileA(path) != 0; }
 
 bool k7os::ReplaceFile(const char* from, const char* to) {
   return MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING) != 0;
-}
-
-bool k7os::LocalTime(int64_t seconds, std::tm& out) {
-  const __time64_t time = seconds;
-  return _localtime64_s(&out, &time) == 0;
 }
 
 void* k7os::OpenLibrary(const char* file) { return LoadLibraryA(file); }

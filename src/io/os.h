@@ -14,6 +14,11 @@ namespace k7os {
 /// vsnprintf with a decimal point, whatever locale the host has set.
 int FormatC(char* dst, size_t size, const char* fmt, va_list args);
 
+/// Calendar of the machine's time zone. False for a moment that the system has none for.
+bool LocalTime(int64_t seconds, std::tm& fields);
+/// Moment of fields in the machine's time zone, which are brought into their ranges. `tm_isdst` as for `mktime`.
+bool MakeTime(std::tm& fields, int64_t& seconds);
+
 /// Appends the bare names that match the last component of `pattern`, in case-insensitive order, "." and ".."
 /// included; with `dirsOnly` only directories.
 void ListDir(const char* pattern, bool dirsOnly, K7StrArray& out);
@@ -37,9 +42,6 @@ bool DeleteFile(const char* path);
 /// Puts a whole file into the place of another in one step, once its bytes are on the disk. A link at `to` stays and
 /// the file behind it is replaced, its permissions kept; what is no file is not replaced.
 bool ReplaceFile(const char* from, const char* to);
-
-/// The machine's local calendar.
-bool LocalTime(int64_t seconds, std::tm& out);
 
 void* OpenLibrary(const char* file);
 void* FindSymbol(void* module, const char* name);

@@ -28,7 +28,7 @@ int CompareInts(const void* a, const void* b) {
   return (x > y) - (x < y);
 }
 int CompareItems(const void* a, const void* b) {
-  return CompareInts(&static_cast<const Item*>(a)->key, &static_cast<const Item*>(b)->key);
+  return CompareInts(static_cast<const int*>(a) + 1, static_cast<const int*>(b) + 1);
 }
 
 std::vector<Item> Items(const K7Array& array) {
@@ -89,35 +89,23 @@ TEST(K7Array, EditsAgreeWithAVector) {
   }
 }
 
-TEST(K7Array, StorageGrowsInBlocksAndStays) {
-  K7IntArray array(10);
-  array += 0;
-  const void* const block = array.Data();
-  for (int i = 1; i < 10; ++i) array += i;
-  EXPECT_EQ(array.Data(), block);
-  EXPECT_EQ(array.GrowTo(12, true), 0);
-  EXPECT_EQ(array[9] + array[10] + array[11], 9);
-  EXPECT_EQ(array[12], -1);
-  array.Clear(true);
-  EXPECT_TRUE(array.Data() && array.Count() == 0 && *static_cast<int*>(array.Data()) == 0);
-  array.Clear();
-  EXPECT_EQ(array.Data(), nullptr);
-}
-
 TEST(K7Array, FailuresLeaveTheArray) {
   K7DoubleArray array(8);
   array += 1.5;
   const double value = 2;
-  EXPECT_EQ(array.GrowTo(-1, true), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(array.GrowTo(INT_MAX, true), K7_ERR_MEMORY);
+  EXPECT_TRUE(array.GrowTo(-1, true) == K7_ERR_BAD_ARGUMENT && array.GrowTo(INT_MAX, true) == K7_ERR_MEMORY);
   EXPECT_EQ(array.Insert(&value, 2, 1), K7_ERR_INVALID_DATA);
   EXPECT_EQ(array.Insert(nullptr, 0, 1), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(array.Insert(&value, 0, -1), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(array.Put(0, nullptr), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(array.Put(1, &value), K7_ERR_INVALID_DATA);
-  EXPECT_EQ(array.Swap(0, 1), K7_ERR_BAD_ARGUMENT);
-  EXPECT_TRUE(array.Count() == 1 && array[0] == 1.5 && array[1] == 0);
-  EXPECT_EQ(array.Get(1), nullptr);
+  EXPECT_TRUE(array.Put(0, nullptr) == K7_ERR_BAD_ARGUMENT && array.Put(1, &value) == K7_ERR_INVALID_DATA);
+  EXPECT_TRUE(array.Count() == 1 && array[0] == 1.5 && array[1] == 0 && !array.Get(1));
+  // Within one block of 8 the storage stays where it is; what the count is raised over is zero.
+  const void* const block = array.Data();
+  for (int i = 0; i < 4; ++i) array += value;
+  EXPECT_EQ(array.GrowTo(8, true), 0);
+  EXPECT_TRUE(array.Data() == block && array[4] == 2 && array[5] + array[6] + array[7] == 0);
+  array.Clear(true);
+  EXPECT_TRUE(array.Data() == block && array.Count() == 0 && *static_cast<const double*>(block) == 0);
 }
 
 TEST(K7Array, SortsAndSearchesAgreeWithTheStandardOnes) {
@@ -154,16 +142,11 @@ TEST(K7Array, SortsAndSearchesAgreeWithTheStandardOnes) {
       ASSERT_EQ(last, lower < upper ? upper - 1 : lower);
       ASSERT_EQ(quick.BinarySearchMinIndex(&item), lower == 0 && upper == 0 ? -1 : lower);
     }
-    int last = 99;
-    EXPECT_EQ(quick.BinarySearch(nullptr, &last), -1);
-    EXPECT_EQ(last, 99);
-
     K7Array removed(sizeof(Item), 1);
     const int distinct = static_cast<int>(std::unique(keys.begin(), keys.end()) - keys.begin());
     EXPECT_EQ(quick.RemoveAdjDups(nullptr, &quick), K7_ERR_BAD_ARGUMENT);
     EXPECT_EQ(quick.RemoveAdjDups(nullptr, &removed), count - distinct);
-    EXPECT_EQ(quick.Count(), distinct);
-    EXPECT_EQ(removed.Count(), count - distinct);
+    EXPECT_TRUE(quick.Count() == distinct && removed.Count() == count - distinct);
   }
 }
 
@@ -171,18 +154,13 @@ TEST(K7PtrArray, SharesPointersAndFreesThemOnDemand) {
   K7PtrArray array(4, nullptr, CountFree);
   for (int i = 0; i < 10; ++i) array += i == 5 ? nullptr : std::malloc(8);
   K7PtrArray copy(array);
-  EXPECT_EQ(copy.DeepCopy(&copy), 0);
-  EXPECT_EQ(copy.DeepCopy(nullptr), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(copy.Count(), 10);
-  EXPECT_EQ(copy[9], array[9]);
-  EXPECT_EQ(copy[10], nullptr);
+  EXPECT_TRUE(copy.DeepCopy(nullptr) == K7_ERR_BAD_ARGUMENT && copy.DeepCopy(&copy) == 0);
   EXPECT_EQ(copy -= array[3], 1);
-  EXPECT_EQ(copy[3], array[4]);
-  EXPECT_EQ(copy += array[3], 0);
+  EXPECT_TRUE(copy[3] == array[4] && copy.Count() == 9 && !copy[9]);
+  copy = array;
   freed = 0;
   copy.FreeElems();
-  EXPECT_EQ(freed, 9);
-  EXPECT_EQ(copy.Data(), nullptr);
+  EXPECT_TRUE(freed == 9 && !copy.Data());
 }
 
 // Leaks and double frees show under the address sanitizer.
@@ -191,49 +169,37 @@ TEST(K7StrArray, OwnsItsTexts) {
   for (const char* name : {"delta", "Bravo", "alpha", "CHARLIE", "bravo"}) EXPECT_EQ(names += name, 0);
   EXPECT_EQ(names += names[0], 0);
   EXPECT_EQ(names.Put(2, names[2] + 1), 0);
-  EXPECT_EQ(names.Insert(nullptr, 0), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(names.Insert("x", 7), K7_ERR_INVALID_DATA);
+  EXPECT_TRUE((names += nullptr) == K7_ERR_BAD_ARGUMENT && names.Insert("x", 7) == K7_ERR_INVALID_DATA);
   EXPECT_TRUE(names.QuickSort());
   int last = 0;
-  EXPECT_EQ(names.Find("BRAVO", &last), 0);
-  EXPECT_EQ(last, 1);
-  EXPECT_EQ(names.Find(nullptr), -1);
-  EXPECT_EQ(names.Find("alpha", &last), -1);
-  EXPECT_EQ(last, 0);
+  EXPECT_TRUE(names.Find("BRAVO", &last) == 0 && last == 1);
+  EXPECT_TRUE(names.Find("alpha", &last) == -1 && last == 0 && names.Find(nullptr) == -1);
   EXPECT_EQ(names.RemoveAdjDups(), 2);
   EXPECT_EQ(names -= names.Get(3), 1);
   EXPECT_EQ(names.Remove(2, 5), 1);
   EXPECT_STREQ(names[1], "CHARLIE");
   names.Clear(true);
-  EXPECT_EQ(names.Count(), 0);
 }
 
 TEST(K7StrMap, AgreesWithAMap) {
   std::mt19937 random(7);
   K7StrMap map(CountFree);
-  std::map<std::string, void*> model;
+  std::map<std::string, void*> model;  // null: absent
   for (int step = 0; step < 5000; ++step) {
     const std::string key = std::to_string(random() % 200) + (random() % 2 ? "\xB0" : "");
-    const auto found = model.find(key);
-    void* const old = found == model.end() ? nullptr : found->second;
+    void*& expected = model[key];
+    void* const old = expected;
     ASSERT_EQ(map.Get(key.c_str()), old);
-    if (random() % 3) {
-      int err = 1;
-      ASSERT_EQ(map.Insert(key.c_str(), model[key] = std::malloc(1), &err), old);
-      ASSERT_EQ(err, 0);
-    } else {
-      ASSERT_EQ(map.Remove(key.c_str()), old);
-      model.erase(key);
-    }
+    int err = 0;
+    expected = random() % 3 ? std::malloc(1) : nullptr;
+    ASSERT_EQ(expected ? map.Insert(key.c_str(), expected, &err) : map.Remove(key.c_str()), old);
+    ASSERT_EQ(err, 0);
     std::free(old);
   }
+  std::erase_if(model, [](const auto& entry) { return !entry.second; });
   int i = 0;
-  for (const auto& [key, value] : model) {
-    ASSERT_EQ(map.GetKey(i), key);
-    ASSERT_EQ(map.Get(i++), value);
-  }
-  EXPECT_EQ(map.Count(), i);
-  EXPECT_EQ(map.GetKey(i), nullptr);
+  for (const auto& [key, value] : model) ASSERT_TRUE(map.GetKey(i) == key && map.Get(i++) == value);
+  EXPECT_TRUE(map.Count() == i && !map.GetKey(i));
   freed = 0;
   map.FreeElems();
   EXPECT_EQ(freed, i);

