@@ -48,11 +48,14 @@ TEST(K7Heap, AgreesWithASortedSet) {
 }
 
 TEST(K7Heap, EqualRanksComeOutInTheStatedOrder) {
-  // By hand for d = 2: the last slot refills the top, and the earlier of equal children stays ahead.
+  // By hand for d = 2: the last slot refills the top and sinks past the first of two equal children.
   K7Heap heap(K7_HEAP_MIN, 2);
   Node nodes[4];
-  for (Node& node : nodes) heap += &node;
-  for (const int i : {0, 3, 2, 1}) EXPECT_EQ(heap.PopTop(), &nodes[i]);
+  for (const int i : {0, 1, 2, 3}) {
+    nodes[i].rank = (i + 1) / 2;
+    heap += &nodes[i];
+  }
+  for (Node& node : nodes) EXPECT_EQ(heap.PopTop(), &node);
 }
 
 TEST(K7Heap, RefusesAndKeepsItsFirstError) {

@@ -81,8 +81,8 @@ TEST(K7StringFormat, ShiftedArgumentsAreHarmless) {
   const std::string longer(5000, 'y');
   EXPECT_EQ(s.Format("%C%s%E%s", 0xB0, longer.c_str(), 1.0, "z"), 5014);
   EXPECT_EQ(std::string(s), "\xB0" + longer + "1.000000E+00z");
-  EXPECT_EQ(s.Format("%FC%5C", 1.5, 'q'), 14);
-  EXPECT_STREQ(s, "1.500000C    q");
+  EXPECT_EQ(s.Format("%Fs%FC%5C", 1.5, 2.5, 'q'), 23);
+  EXPECT_STREQ(s, "1.500000s2.500000C    q");
 }
 
 TEST(K7StringFormat, FirstEscapeBecomesItsByte) {

@@ -89,6 +89,8 @@ TEST_F(K7TimeInEurope, LocalCalendarAndDaylightTime) {
   EXPECT_EQ(K7Time(2024, 7, 1, 14, 0, 0, K7Time::LOCAL, true), summer);
   EXPECT_EQ(K7Time(2024, 7, 1, 15, 0, 0, K7Time::LOCAL, false), summer + 2 * 3600);  // as standard time
   EXPECT_EQ(K7Time(1970, 1, 1, 0, 59, 59, K7Time::LOCAL, true), -1);
+  // The hour that comes twice as clocks go back is taken for daylight time.
+  EXPECT_EQ(K7Time(2024, 10, 27, 1, 30, 0, 0, true), 1729989000);
   std::mt19937_64 random(7);
   for (int i = 0; i < 2000; ++i) {
     // Noon is far from the hour that the calendar repeats in October.
