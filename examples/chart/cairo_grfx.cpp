@@ -1,6 +1,7 @@
 #include "cairo_grfx.h"
 
-CairoGrfx::CairoGrfx(cairo_t* cairo, int width, int height) : m_cairo(cairo), m_width(width), m_height(height) {
+CairoGrfx::CairoGrfx(cairo_t* cairo, int width, int height)
+    : m_cairo(cairo), m_width(width), m_height(height) {
   KeepMatrix();
 }
 
@@ -27,7 +28,8 @@ void CairoGrfx::Ortho(double left, double right, double bottom, double top, doub
   KeepMatrix();
 }
 
-void CairoGrfx::Frustum(double left, double right, double bottom, double top, double nearClip, double farClip) {
+void CairoGrfx::Frustum(double left, double right, double bottom, double top, double nearClip,
+                        double farClip) {
   StartVolume();
   m_stack.Frustum(left, right, bottom, top, nearClip, farClip);
   KeepMatrix();

@@ -11,8 +11,8 @@ struct DevicePoint {
   double x, y, w;
 };
 
-/// One window on a Cairo surface. Device coordinates are the window's own pixels, y downwards from its top left
-/// corner. The zoom scales the picture about the window's centre.
+/// One window on a Cairo surface. Device coordinates are the window's own pixels, y downwards from its top
+/// left corner. The zoom scales the picture about the window's centre.
 class CairoGrfx : public K7Grfx {
  public:
   CairoGrfx(cairo_t* cairo, int width, int height);
@@ -20,7 +20,8 @@ class CairoGrfx : public K7Grfx {
   double GetZoom() override { return m_zoom; }
   void LookAt(const double eye[3], const double centre[3], const double up[3]) override;
   void Ortho(double left, double right, double bottom, double top, double nearClip, double farClip) override;
-  void Frustum(double left, double right, double bottom, double top, double nearClip, double farClip) override;
+  void Frustum(double left, double right, double bottom, double top, double nearClip,
+               double farClip) override;
   bool UnProject(double dx, double dy, double depth, double& x, double& y, double& z) override;
 
   /// Takes effect with the next viewing volume.

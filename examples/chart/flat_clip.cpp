@@ -3,6 +3,7 @@
 #include "geo_clip.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -22,7 +23,8 @@ GeoPoint Cross(const GeoPoint& a, const GeoPoint& b, const Edge& edge) {
   return p;
 }
 
-// I. E. Sutherland and G. W. Hodgman, Reentrant Polygon Clipping, Communications of the ACM 17 (1974), for one edge.
+// I. E. Sutherland and G. W. Hodgman, Reentrant Polygon Clipping, Communications of the ACM 17 (1974), for
+// one edge.
 GeoLine CutRing(const GeoLine& ring, const Edge& edge) {
   GeoLine out;
   for (size_t i = 0; i < ring.size(); ++i) {
@@ -58,8 +60,8 @@ GeoLine Turned(const GeoLine& line, double turn) {
 }
 
 bool Misses(const GeoLine& line, const FlatWindow& window) {
-  const auto [west, east] =
-      std::minmax_element(line.begin(), line.end(), [](const auto& a, const auto& b) { return a.lon < b.lon; });
+  const auto [west, east] = std::minmax_element(line.begin(), line.end(),
+                                                [](const auto& a, const auto& b) { return a.lon < b.lon; });
   return east->lon < window.west || west->lon > window.east;
 }
 
@@ -73,6 +75,20 @@ struct WindowEdges {
 };
 
 }  // namespace
+
+GeoLine Divide(const GeoLine& line, double step) {
+  GeoLine out;
+  for (size_t i = 0; i < line.size(); ++i) {
+    out.push_back(line[i]);
+    if (i + 1 == line.size()) break;
+    const double dLat = line[i + 1].lat - line[i].lat;
+    const double dLon = line[i + 1].lon - line[i].lon;
+    const int pieces = static_cast<int>(std::ceil(std::max(std::fabs(dLat), std::fabs(dLon)) / step));
+    for (int k = 1; k < pieces; ++k)
+      out.push_back({line[i].lat + dLat * k / pieces, line[i].lon + dLon * k / pieces});
+  }
+  return out;
+}
 
 std::vector<GeoLine> CutArea(const std::vector<GeoLine>& rings, const FlatWindow& window) {
   const WindowEdges window4(window);

@@ -6,6 +6,9 @@
 /// A run of surface points as unit vectors.
 using GlobeLine = std::vector<K7ECEF>;
 
+/// The line with more points, so that no edge is longer than `step` degrees of latitude or longitude.
+GeoLine Divide(const GeoLine& line, double step);
+
 /// Rings cut to the window, along its edges where they leave it.
 std::vector<GeoLine> CutArea(const std::vector<GeoLine>& rings, const FlatWindow& window);
 /// The pieces of a line inside the window.

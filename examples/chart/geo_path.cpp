@@ -33,11 +33,16 @@ class Guards {
   static constexpr int COUNT = 5;
   double Inside(int plane, const DevicePoint& p) const {
     switch (plane) {
-      case 0: return p.w - NEAREST;
-      case 1: return p.x + OVERHANG * p.w;
-      case 2: return (m_width + OVERHANG) * p.w - p.x;
-      case 3: return p.y + OVERHANG * p.w;
-      default: return (m_height + OVERHANG) * p.w - p.y;
+      case 0:
+        return p.w - NEAREST;
+      case 1:
+        return p.x + OVERHANG * p.w;
+      case 2:
+        return (m_width + OVERHANG) * p.w - p.x;
+      case 3:
+        return p.y + OVERHANG * p.w;
+      default:
+        return (m_height + OVERHANG) * p.w - p.y;
     }
   }
   // Both points beyond the same plane: nothing between them shows.
@@ -78,7 +83,8 @@ class Bender {
   }
 
  private:
-  void Halve(const Point& a, const Point& b, DevicePoint da, const DevicePoint& db, int halvings, DeviceLine& out) {
+  void Halve(const Point& a, const Point& b, DevicePoint da, const DevicePoint& db, int halvings,
+             DeviceLine& out) {
     if (halvings == 0 || m_guards.Hides(da, db)) return;
     const Point middle = Middle(a, b);
     const DevicePoint dm = m_view.ToDevice(middle);
@@ -149,22 +155,8 @@ void AddPieces(cairo_t* cairo, const Guards& guards, const DeviceLine& line) {
   }
 }
 
-// Edges of flat maps are halved from this length on, whether or not they look straight: an S-shaped edge crosses its
-// chord in the middle.
-GeoLine Divide(const GeoLine& line, double step) {
-  GeoLine out;
-  for (size_t i = 0; i < line.size(); ++i) {
-    out.push_back(line[i]);
-    if (i + 1 == line.size()) break;
-    const double dLat = line[i + 1].lat - line[i].lat;
-    const double dLon = line[i + 1].lon - line[i].lon;
-    const int pieces = static_cast<int>(std::ceil(std::max(std::fabs(dLat), std::fabs(dLon)) / step));
-    for (int k = 1; k < pieces; ++k)
-      out.push_back({line[i].lat + dLat * k / pieces, line[i].lon + dLon * k / pieces});
-  }
-  return out;
-}
-
+// Edges of flat maps are divided from this length on, in degrees, whether or not they look straight: an
+// S-shaped edge crosses its chord in the middle.
 constexpr double FLAT_STEP = 5;
 
 }  // namespace
@@ -211,13 +203,13 @@ void GeoPath::AddWholeMap() const {
     return;
   }
   const FlatWindow& w = m_view.Window();
-  const GeoLine outline = {{w.south, w.west}, {w.north, w.west}, {w.north, w.east}, {w.south, w.east}, {w.south, w.west}};
+  const GeoLine outline = {
+      {w.south, w.west}, {w.north, w.west}, {w.north, w.east}, {w.south, w.east}, {w.south, w.west}};
   AddRing(cairo, guards, Bender<GeoPoint>(m_view, guards).Bend(Divide(outline, FLAT_STEP)));
 }
 
 GeoLine Unroll(const GeoLine& line) {
   GeoLine out = line;
-  for (size_t i = 1; i < out.size(); ++i)
-    out[i].lon += 360 * std::round((out[i - 1].lon - out[i].lon) / 360);
+  for (size_t i = 1; i < out.size(); ++i) out[i].lon += 360 * std::round((out[i - 1].lon - out[i].lon) / 360);
   return out;
 }

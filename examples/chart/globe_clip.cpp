@@ -9,18 +9,9 @@
 
 namespace {
 
-// The edges of a line as unit vectors, none longer than `step` degrees.
 GlobeLine OnGlobe(const GeoLine& line, double step) {
   GlobeLine out;
-  for (size_t i = 0; i < line.size(); ++i) {
-    out.emplace_back(line[i].lat, line[i].lon);
-    if (i + 1 == line.size()) break;
-    const double dLat = line[i + 1].lat - line[i].lat;
-    const double dLon = line[i + 1].lon - line[i].lon;
-    const int pieces = static_cast<int>(std::ceil(std::max(std::fabs(dLat), std::fabs(dLon)) / step));
-    for (int k = 1; k < pieces; ++k)
-      out.emplace_back(line[i].lat + dLat * k / pieces, line[i].lon + dLon * k / pieces);
-  }
+  for (const GeoPoint& p : Divide(line, step)) out.emplace_back(p.lat, p.lon);
   return out;
 }
 
@@ -56,7 +47,8 @@ struct Run {
 };
 
 // Splits a closed line into its runs inside the cap. A ring that never leaves comes back as one whole ring.
-void SplitRing(const GlobeLine& ring, const GlobeCap& cap, std::vector<Run>& runs, std::vector<GlobeLine>& whole) {
+void SplitRing(const GlobeLine& ring, const GlobeCap& cap, std::vector<Run>& runs,
+               std::vector<GlobeLine>& whole) {
   const size_t n = ring.size() - 1;  // the last point is the first again
   const auto inside = [&](size_t i) { return cap.axis.DotProduct(ring[i % n]) >= cap.cosRadius; };
   size_t start = 0;
@@ -87,13 +79,15 @@ bool Contains(const std::vector<GeoLine>& rings, double lat, double lon) {
     for (size_t i = 0; i + 1 < ring.size(); ++i) {
       const GeoPoint& a = ring[i];
       const GeoPoint& b = ring[i + 1];
-      if ((a.lat > lat) != (b.lat > lat) && lon < a.lon + (b.lon - a.lon) * (lat - a.lat) / (b.lat - a.lat)) in = !in;
+      if ((a.lat > lat) != (b.lat > lat) && lon < a.lon + (b.lon - a.lon) * (lat - a.lat) / (b.lat - a.lat))
+        in = !in;
     }
   return in;
 }
 
-// Rings keep their area to the right, so that from where one leaves the cap the area's edge follows the rim clockwise
-// to the next entry (K. Weiler and P. Atherton, Hidden Surface Removal Using Polygon Area Sorting, 1977).
+// Rings keep their area to the right, so that from where one leaves the cap the area's edge follows the rim
+// clockwise to the next entry (K. Weiler and P. Atherton, Hidden Surface Removal Using Polygon Area Sorting,
+// 1977).
 void JoinRuns(std::vector<Run>& runs, const GlobeCap& cap, double step, std::vector<GlobeLine>& out) {
   for (Run& first : runs) {
     if (first.used) continue;
@@ -122,7 +116,8 @@ void JoinRuns(std::vector<Run>& runs, const GlobeCap& cap, double step, std::vec
 
 void AddRim(GlobeLine& out, const GlobeCap& cap, double from, double to, double step) {
   const double distance = cap.radius * K7_EARTH_RADIUS_NM;
-  // The rim is as finely divided as edges are, but a small cap's rim needs no fewer points than a large one's.
+  // The rim is as finely divided as edges are, but a small cap's rim needs no fewer points than a large
+  // one's.
   const double turn = std::clamp(step * K7_DEG_TO_RAD / std::max(std::sin(cap.radius), 1e-6), 0.002, 0.05);
   const int pieces = static_cast<int>(std::ceil((to - from) / turn));
   for (int i = 1; i < pieces; ++i)

@@ -9,7 +9,8 @@
 
 namespace {
 
-constexpr double STEPS[] = {1 / 60.0, 2 / 60.0, 5 / 60.0, 10 / 60.0, 15 / 60.0, 20 / 60.0, 0.5, 1, 2, 5, 10, 15, 30};
+constexpr double STEPS[] = {1 / 60.0, 2 / 60.0, 5 / 60.0, 10 / 60.0, 15 / 60.0, 20 / 60.0, 0.5,
+                            1,        2,        5,        10,        15,        30};
 // Lines that the shorter side of the window should show.
 constexpr double WANTED_LINES = 6;
 
@@ -81,7 +82,8 @@ std::vector<Graticule::Crossing> Graticule::Crossings(const Side& side, Kind kin
 }
 
 std::string Graticule::Label(Kind kind, double value) const {
-  const bool wholeDegrees = std::fabs(std::remainder(kind == Kind::Parallel ? m_latStep : m_lonStep, 1)) < 1e-9;
+  const bool wholeDegrees =
+      std::fabs(std::remainder(kind == Kind::Parallel ? m_latStep : m_lonStep, 1)) < 1e-9;
   K7String text;
   if (kind == Kind::Parallel) {
     K7LatLon(value, 0).FormatLat(wholeDegrees ? "%H%d%x" : "%H%d%x%02m'", text);
@@ -97,7 +99,8 @@ int Graticule::LabelSide(const Side& side, Kind kind, double size) const {
   cairo_t* const cairo = m_view.Grfx().Cairo();
   const double step = kind == Kind::Parallel ? m_latStep : m_lonStep;
   const std::vector<Crossing> crossings = Crossings(side, kind);
-  // Every line has its label, or every second, third or sixth, so that they neither touch nor come at odd intervals.
+  // Every line has its label, or every second, third or sixth, so that they neither touch nor come at odd
+  // intervals.
   static const int INTERVALS[] = {1, 2, 3, 6};
   for (const int interval : INTERVALS) {
     const bool last = interval == INTERVALS[std::size(INTERVALS) - 1];
@@ -107,7 +110,8 @@ int Graticule::LabelSide(const Side& side, Kind kind, double size) const {
     for (const Crossing& crossing : crossings) {
       if (std::fabs(std::remainder(crossing.value, step * interval)) > 1e-6) continue;
       // Labels of upright sides stand one above the other.
-      const double half = side.dx == 0 ? size * 0.7 : TextWidth(cairo, Label(kind, crossing.value), size) / 2 + size * 0.3;
+      const double half =
+          side.dx == 0 ? size * 0.7 : TextWidth(cairo, Label(kind, crossing.value), size) / 2 + size * 0.3;
       const bool touches = crossing.along - half < free;
       touch = touch || touches;
       if (touches) continue;
@@ -169,7 +173,8 @@ void Graticule::LabelMap(double size) const {
     placed.push_back(at);
     WriteText(cairo, text, at.x + size * 0.3, at.y - size * 0.3, size, Align::Left, false, true);
   };
-  for (double lat = -90 + m_latStep; lat < 90 - 1e-9; lat += m_latStep) place(Kind::Parallel, {lat, meridian});
+  for (double lat = -90 + m_latStep; lat < 90 - 1e-9; lat += m_latStep)
+    place(Kind::Parallel, {lat, meridian});
   for (double lon = -180; lon < 180; lon += m_lonStep) place(Kind::Meridian, {parallel, lon});
 }
 

@@ -11,8 +11,8 @@ class Graticule {
   explicit Graticule(const View& view);
 
   void DrawLines(double scale) const;
-  /// Labels stand outside the window where a line meets its frame; on a globe that does not reach the frame they stand
-  /// on the map, along the centre's meridian and parallel.
+  /// Labels stand outside the window where a line meets its frame; on a globe that does not reach the frame
+  /// they stand on the map, along the centre's meridian and parallel.
   void DrawLabels(double size) const;
 
  private:

@@ -1,6 +1,6 @@
-// k7chart: draws charts of the real world with k7core. The page to read when writing a host: options.cpp reads what is
-// wanted, view.cpp sets a projection up on the graphics context of cairo_grfx.cpp, geo_path.cpp turns positions into
-// paths, world_chart.cpp puts the chart together.
+// k7chart: draws charts of the real world with k7core. The page to read when writing a host: options.cpp
+// reads what is wanted, view.cpp sets a projection up on the graphics context of cairo_grfx.cpp, geo_path.cpp
+// turns positions into paths, world_chart.cpp puts the chart together.
 
 #include "gallery.h"
 #include "options.h"

@@ -20,10 +20,14 @@ struct NamedProjection {
 };
 
 constexpr NamedProjection PROJECTIONS[] = {
-    {"lambert", K7_PROJ_LAMBERT},           {"mercator", K7_PROJ_MERCATOR},
-    {"orthographic", K7_PROJ_ORTHOGRAPHIC}, {"rectangular", K7_PROJ_RECTANGULAR},
-    {"miller", K7_PROJ_MILLER},             {"albers", K7_PROJ_ALBERS},
-    {"perspective", K7_PROJ_PERSPECTIVE},   {"stereographic", K7_PROJ_STEREOGRAPHIC},
+    {"lambert", K7_PROJ_LAMBERT},
+    {"mercator", K7_PROJ_MERCATOR},
+    {"orthographic", K7_PROJ_ORTHOGRAPHIC},
+    {"rectangular", K7_PROJ_RECTANGULAR},
+    {"miller", K7_PROJ_MILLER},
+    {"albers", K7_PROJ_ALBERS},
+    {"perspective", K7_PROJ_PERSPECTIVE},
+    {"stereographic", K7_PROJ_STEREOGRAPHIC},
     {"gnomonic", K7_PROJ_GNOMONIC},
 };
 
@@ -150,8 +154,7 @@ constexpr Flag FLAGS[] = {
 std::string PathOf(LayerKind kind, const Options& options) {
   const bool coarse = options.chart.rangeNM == 0 || options.chart.rangeNM > COARSE_FROM_NM;
   for (const NamedLayer& layer : LAYERS)
-    if (layer.kind == kind)
-      return options.data + (coarse ? "/ne_110m_" : "/ne_50m_") + layer.set + ".shp";
+    if (layer.kind == kind) return options.data + (coarse ? "/ne_110m_" : "/ne_50m_") + layer.set + ".shp";
   return {};
 }
 

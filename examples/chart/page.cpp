@@ -43,7 +43,9 @@ bool PageFormatOf(const std::string& path, PageFormat& format) {
 
 Page::Page(PageFormat format, int width, int height) : m_format(format) {
   switch (format) {
-    case PageFormat::PNG: m_surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height); break;
+    case PageFormat::PNG:
+      m_surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+      break;
     case PageFormat::SVG:
       m_surface = cairo_svg_surface_create_for_stream(Collect, this, width, height);
       cairo_svg_surface_set_document_unit(m_surface, CAIRO_SVG_UNIT_PX);
@@ -80,8 +82,10 @@ std::string Page::Save(const std::string& path) {
 
   const std::string part = path + ".part";
   std::error_code error;
-  if (WriteFile(part, m_bytes)) std::filesystem::rename(part, path, error);
-  else error = std::make_error_code(std::errc::io_error);
+  if (WriteFile(part, m_bytes))
+    std::filesystem::rename(part, path, error);
+  else
+    error = std::make_error_code(std::errc::io_error);
   if (!error) return {};
   std::error_code ignored;
   std::filesystem::remove(part, ignored);

@@ -21,8 +21,8 @@ class Page {
 
   bool IsValid() const;
   cairo_t* Cairo() const { return m_cairo; }
-  /// Finishes the sheet and puts it into the place of `path` in one step, so that no half-written picture is ever seen
-  /// there. Empty, or what went wrong.
+  /// Finishes the sheet and puts it into the place of `path` in one step, so that no half-written picture is
+  /// ever seen there. Empty, or what went wrong.
   std::string Save(const std::string& path);
 
  private:

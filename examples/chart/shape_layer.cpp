@@ -59,9 +59,9 @@ void CoverSeam(std::vector<GeoLine>& rings) {
       if (std::fabs(std::fabs(p.lon) - 180) < 1e-4) p.lon = std::copysign(180 + OVERLAP, p.lon);
 }
 
-// A ring that runs across 180 degrees uncut is carried on there, if it then closes; one that runs around a pole does
-// not, and is meant as it stands. The first ring is an outer one and runs clockwise, its area to the right: files that
-// have it the other way round have all their rings so.
+// A ring that runs across 180 degrees uncut is carried on there, if it then closes; one that runs around a
+// pole does not, and is meant as it stands. The first ring is an outer one and runs clockwise, its area to
+// the right: files that have it the other way round have all their rings so.
 void Straighten(std::vector<GeoLine>& rings) {
   double area = 0;
   for (GeoLine& ring : rings) {
@@ -75,7 +75,9 @@ void Straighten(std::vector<GeoLine>& rings) {
     for (GeoLine& ring : rings) ring = GeoLine(ring.rbegin(), ring.rend());
 }
 
-bool IsArea(int type) { return type == K7_SHP_POLYGON || type == K7_SHP_POLYGON_Z || type == K7_SHP_POLYGON_M; }
+bool IsArea(int type) {
+  return type == K7_SHP_POLYGON || type == K7_SHP_POLYGON_Z || type == K7_SHP_POLYGON_M;
+}
 
 }  // namespace
 

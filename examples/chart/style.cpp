@@ -19,11 +19,16 @@ const LayerStyle& StyleOf(LayerKind kind) {
   static const LayerStyle borders = {{}, BORDER};
   static const LayerStyle other = {OTHER_FILL, OTHER};
   switch (kind) {
-    case LayerKind::Land: return land;
-    case LayerKind::Lakes: return lakes;
-    case LayerKind::Rivers: return rivers;
-    case LayerKind::Borders: return borders;
-    case LayerKind::Other: break;
+    case LayerKind::Land:
+      return land;
+    case LayerKind::Lakes:
+      return lakes;
+    case LayerKind::Rivers:
+      return rivers;
+    case LayerKind::Borders:
+      return borders;
+    case LayerKind::Other:
+      break;
   }
   return other;
 }
@@ -60,8 +65,8 @@ double TextWidth(cairo_t* cairo, const std::string& text, double size, bool bold
   return extents.x_advance;
 }
 
-void WriteText(cairo_t* cairo, const std::string& text, double x, double y, double size, Align align, bool bold,
-               bool halo) {
+void WriteText(cairo_t* cairo, const std::string& text, double x, double y, double size, Align align,
+               bool bold, bool halo) {
   const double width = TextWidth(cairo, text, size, bold);
   cairo_move_to(cairo, x - (align == Align::Left ? 0 : align == Align::Centre ? width / 2 : width), y);
   if (halo) {

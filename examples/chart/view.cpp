@@ -9,13 +9,16 @@
 
 namespace {
 
-// How far from the centre a globe projection can show the globe, in degrees. Stereographic and gnomonic charts run
-// out to infinity; they are cut where a picture still makes sense.
+// How far from the centre a globe projection can show the globe, in degrees. Stereographic and gnomonic
+// charts run out to infinity; they are cut where a picture still makes sense.
 double VisibleAngle(K7Projection& projection) {
   switch (projection.Type()) {
-    case K7_PROJ_ORTHOGRAPHIC: return 90;
-    case K7_PROJ_STEREOGRAPHIC: return 170;
-    case K7_PROJ_GNOMONIC: return 85;
+    case K7_PROJ_ORTHOGRAPHIC:
+      return 90;
+    case K7_PROJ_STEREOGRAPHIC:
+      return 170;
+    case K7_PROJ_GNOMONIC:
+      return 85;
     default: {
       const double eye = K7PerspectiveProjection::Alt2Mag(projection.ParamValue(0));
       return std::acos(std::min(1 / eye, 1.0)) * K7_RAD_TO_DEG;
@@ -26,9 +29,12 @@ double VisibleAngle(K7Projection& projection) {
 // What a world view of a globe projection shows, in degrees from the centre.
 double WorldAngle(K7Projection& projection) {
   switch (projection.Type()) {
-    case K7_PROJ_STEREOGRAPHIC: return 110;
-    case K7_PROJ_GNOMONIC: return 60;
-    default: return VisibleAngle(projection);
+    case K7_PROJ_STEREOGRAPHIC:
+      return 110;
+    case K7_PROJ_GNOMONIC:
+      return 60;
+    default:
+      return VisibleAngle(projection);
   }
 }
 
@@ -39,18 +45,24 @@ struct LatitudeBand {
 
 LatitudeBand DrawnBand(K7Projection& projection, double centreLat) {
   switch (projection.Type()) {
-    case K7_PROJ_MERCATOR: return {-89.98, 89.98};
+    case K7_PROJ_MERCATOR:
+      return {-89.98, 89.98};
     // Lambert's far pole lies at infinity.
-    case K7_PROJ_LAMBERT: return centreLat < 0 ? LatitudeBand{-90, 80} : LatitudeBand{-80, 90};
-    default: return {-90, 90};
+    case K7_PROJ_LAMBERT:
+      return centreLat < 0 ? LatitudeBand{-90, 80} : LatitudeBand{-80, 90};
+    default:
+      return {-90, 90};
   }
 }
 
 LatitudeBand WorldBand(K7Projection& projection, double centreLat) {
   switch (projection.Type()) {
-    case K7_PROJ_MERCATOR: return {-80, 80};
-    case K7_PROJ_LAMBERT: return centreLat < 0 ? LatitudeBand{-90, 30} : LatitudeBand{-30, 90};
-    default: return {-90, 90};
+    case K7_PROJ_MERCATOR:
+      return {-80, 80};
+    case K7_PROJ_LAMBERT:
+      return centreLat < 0 ? LatitudeBand{-90, 30} : LatitudeBand{-30, 90};
+    default:
+      return {-90, 90};
   }
 }
 
@@ -109,12 +121,14 @@ FlatWindow View::Extent() const {
   for (int row = 0; row <= STEPS; ++row)
     for (int column = 0; column <= STEPS; ++column) {
       GeoPoint point;
-      if (!FromDevice(m_grfx.Width() * 1.0 * column / STEPS, m_grfx.Height() * 1.0 * row / STEPS, point)) return world;
+      if (!FromDevice(m_grfx.Width() * 1.0 * column / STEPS, m_grfx.Height() * 1.0 * row / STEPS, point))
+        return world;
       const double lon = m_centre.lon + std::remainder(point.lon - m_centre.lon, 360);
       extent = {std::min(extent.west, lon), std::max(extent.east, lon), std::min(extent.south, point.lat),
                 std::max(extent.north, point.lat)};
     }
-  // Samples lie inside; what bulges between them is within a step of theirs. A pole brings all longitudes with it.
+  // Samples lie inside; what bulges between them is within a step of theirs. A pole brings all longitudes
+  // with it.
   const double marginLat = (extent.north - extent.south) / STEPS;
   const double marginLon = (extent.east - extent.west) / STEPS;
   DevicePoint at;
@@ -131,8 +145,8 @@ bool View::FromDevice(double dx, double dy, GeoPoint& point) const {
   return m_projection.Device2LatLon(dx, dy, &m_grfx, m_grfx.Width(), m_grfx.Height(), point.lat, point.lon);
 }
 
-// Scale at the centre, measured along the meridian over a good part of the range: an equal-area cone has no scale of its
-// own at its pole.
+// Scale at the centre, measured along the meridian over a good part of the range: an equal-area cone has no
+// scale of its own at its pole.
 double View::PixelsPerNM(double rangeNM) const {
   const double base = std::clamp(rangeNM / 4, 1.0, 300.0) / (K7_DEG_TO_RAD * K7_EARTH_RADIUS_NM);
   const double north = std::min(m_centre.lat + base, 90.0);
@@ -181,7 +195,8 @@ bool View::CentreMap() {
   }
   GeoPoint middle;
   // Whole millionths: the equator is to be the equator.
-  if (FromDevice(m_grfx.Width() / 2.0, (top + bottom) / 2, middle)) m_centre.lat = std::round(middle.lat * 1e6) / 1e6;
+  if (FromDevice(m_grfx.Width() / 2.0, (top + bottom) / 2, middle))
+    m_centre.lat = std::round(middle.lat * 1e6) / 1e6;
   return SetZoom(1);
 }
 
@@ -232,12 +247,13 @@ std::unique_ptr<K7Projection> MakeProjection(K7ProjType type, double lat, double
   if (type != K7_PROJ_LAMBERT && type != K7_PROJ_ALBERS)
     return std::unique_ptr<K7Projection>(K7Projection::Create(type, nullptr));
 
-  // The cone goes through the chart a sixth of its height inside its edges (C. H. Deetz and O. S. Adams, Elements of Map
-  // Projection, 1938, on the choice of standard parallels), and never through both sides of the equator alike, where it
-  // would be no cone. A cone for the whole world keeps to middle latitudes.
+  // The cone goes through the chart a sixth of its height inside its edges (C. H. Deetz and O. S. Adams,
+  // Elements of Map Projection, 1938, on the choice of standard parallels), and never through both sides of
+  // the equator alike, where it would be no cone. A cone for the whole world keeps to middle latitudes.
   const bool world = !(rangeNM > 0);
   const double half = world ? 30 : std::min(rangeNM / 60, 45.0);
-  const double middle = world ? std::clamp(std::fabs(lat), 30.0, 40.0) : std::clamp(std::fabs(lat), 3.0, 87.0);
+  const double middle =
+      world ? std::clamp(std::fabs(lat), 30.0, 40.0) : std::clamp(std::fabs(lat), 3.0, 87.0);
   const double spread = std::clamp(half * 2 / 3, 0.1, std::min(middle - 1, 89 - middle));
   const double side = lat < 0 ? -1 : 1;
   const double outer = side * (middle + spread);

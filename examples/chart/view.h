@@ -14,15 +14,17 @@ struct GeoPoint {
   double lat, lon;
 };
 
-/// What a projection can show of the globe when it looks at it in the round: all within an angle of one point.
+/// What a projection can show of the globe when it looks at it in the round: all within an angle of one
+/// point.
 struct GlobeCap {
   K7LatLon centre;
-  K7ECEF axis;       // unit vector of the centre
-  double radius;     // radians
+  K7ECEF axis;    // unit vector of the centre
+  double radius;  // radians
   double cosRadius;
 };
 
-/// What a flat projection can show: the longitudes around its middle meridian, unrolled so that they may pass 180.
+/// What a flat projection can show: the longitudes around its middle meridian, unrolled so that they may pass
+/// 180.
 struct FlatWindow {
   double west, east, south, north;
 };
@@ -32,8 +34,8 @@ class View {
  public:
   View(K7Projection& projection, CairoGrfx& grfx) : m_projection(projection), m_grfx(grfx) {}
 
-  /// Looks at a position with `rangeNM` nautical miles from the centre to the nearer edge of the window, or, with 0,
-  /// with the whole of what the projection can show. False when the projection cannot.
+  /// Looks at a position with `rangeNM` nautical miles from the centre to the nearer edge of the window, or,
+  /// with 0, with the whole of what the projection can show. False when the projection cannot.
   bool LookAt(double lat, double lon, double rangeNM);
 
   K7Projection& Projection() const { return m_projection; }
@@ -47,7 +49,9 @@ class View {
 
   DevicePoint ToDevice(GeoPoint point) const;
   /// Of a point of the globe's surface, as a unit vector; for globes only.
-  DevicePoint ToDevice(const K7ECEF& surface) const { return m_grfx.Project(surface.X(), surface.Y(), surface.Z()); }
+  DevicePoint ToDevice(const K7ECEF& surface) const {
+    return m_grfx.Project(surface.X(), surface.Y(), surface.Z());
+  }
   /// Pixel of a position; false when it lies off the map or outside the window.
   bool Shows(GeoPoint point, DevicePoint& at) const;
   /// What shows of the world, on the unrolled map.
@@ -72,6 +76,6 @@ class View {
   FlatWindow m_window{};
 };
 
-/// The projection of one of the nine kinds for a chart about a centre: conic cones are laid through it. Null for an
-/// unknown kind or without memory.
+/// The projection of one of the nine kinds for a chart about a centre: conic cones are laid through it. Null
+/// for an unknown kind or without memory.
 std::unique_ptr<K7Projection> MakeProjection(K7ProjType type, double lat, double lon, double rangeNM);

@@ -76,17 +76,20 @@ std::string WorldChart::SetUp(CairoGrfx& grfx) {
   if (m_view->LookAt(c.lat, c.lon, m_request.rangeNM)) return {};
   m_view.reset();
   const char* const cause = K7ErrorString::ErrorString(K7_ERR_PROJECTION_RANGE);
-  return std::string("this centre, range and parameters give no ") + m_projection->Name() + " chart: " + cause;
+  return std::string("this centre, range and parameters give no ") + m_projection->Name() +
+         " chart: " + cause;
 }
 
 std::string WorldChart::SetParams() {
   for (const auto& [name, value] : m_request.params) {
     int index = 0;
-    while (index < m_projection->ParamCount() && K7String::IComp(name.c_str(), m_projection->ParamName(index)) != 0)
+    while (index < m_projection->ParamCount() &&
+           K7String::IComp(name.c_str(), m_projection->ParamName(index)) != 0)
       ++index;
     if (index == m_projection->ParamCount()) {
       std::string known;
-      for (int i = 0; i < index; ++i) known += std::string(i ? ", " : "; it has ") + m_projection->ParamName(i);
+      for (int i = 0; i < index; ++i)
+        known += std::string(i ? ", " : "; it has ") + m_projection->ParamName(i);
       return std::string(m_projection->Name()) + " has no parameter '" + name + "'" + known;
     }
     m_projection->ParamValue(index, value);

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <k7/foundation.h>
-#include <k7/io.h>
 #include <k7/geodesy.h>
-#include <k7/projection.h>
-#include <k7/navdata.h>
 #include <k7/geometry.h>
+#include <k7/io.h>
+#include <k7/navdata.h>
+#include <k7/projection.h>

@@ -17,7 +17,8 @@ constexpr char BANNER[] = "\n*****************************************\n\n";
 
 bool IsLevel(int level) { return level >= K7_LOG_DEBUG && level <= K7_LOG_CRITICAL; }
 
-// The line goes to WriteLine as it is, which takes it as a format: of two percent signs in a row one is written.
+// The line goes to WriteLine as it is, which takes it as a format: of two percent signs in a row one is
+// written.
 bool MakeLine(K7LogSeverity level, const char* message, K7String& line) {
   std::tm now{};
   if (!k7os::LocalTime(std::time(nullptr), now)) return false;

@@ -2,19 +2,18 @@
 
 #include <k7/io/file.h>
 
+#include <zlib.h>
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <zlib.h>
 
 namespace {
 
 constexpr int LEVEL = 6;
 constexpr int MASKED_BYTES = 9;
-// Deflate packs at most 1032 bytes into one (RFC 1951: a match of 258 bytes takes at least two bits), so that a
-// longer length than this cannot be true.
+// Deflate packs at most 1032 bytes into one (RFC 1951: a match of 258 bytes takes at least two bits), so that
+// a longer length than this cannot be true.
 constexpr int64_t MAX_EXPANSION = 1032;
-
 
 // XORs the first and then the last bytes; where the two ranges of a short stream overlap they cancel out.
 void MaskEnds(unsigned char* stream, int size, unsigned char mask) {
@@ -25,7 +24,8 @@ void MaskEnds(unsigned char* stream, int size, unsigned char mask) {
 
 class Buffer {
  public:
-  explicit Buffer(int64_t size) : m_bytes(static_cast<unsigned char*>(std::malloc(static_cast<size_t>(size)))) {}
+  explicit Buffer(int64_t size)
+      : m_bytes(static_cast<unsigned char*>(std::malloc(static_cast<size_t>(size)))) {}
   ~Buffer() { std::free(m_bytes); }
   Buffer(const Buffer&) = delete;
   Buffer& operator=(const Buffer&) = delete;

@@ -6,7 +6,11 @@
 #include "io/os.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdio>
+
+// Files are little-endian, and fields are read straight into memory.
+static_assert(std::endian::native == std::endian::little);
 
 namespace {
 

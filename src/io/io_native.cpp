@@ -47,8 +47,8 @@ bool K7FileK7::ReadLine(char* buf, int size) {
 bool K7FileK7::WriteLine(const char* text) {
   const K7LockGuard lock(m_mutex);
   if (!m_stream || !text) return false;
-  // The text is a format without arguments: "%%" is a percent sign, and any other conversion, having nothing to
-  // take, stands as it is.
+  // The text is a format without arguments: "%%" is a percent sign, and any other conversion, having nothing
+  // to take, stands as it is.
   while (*text) {
     const char* const percent = std::strstr(text, "%%");
     const size_t length = percent ? static_cast<size_t>(percent + 1 - text) : std::strlen(text);
@@ -139,8 +139,8 @@ bool K7IOK7::ReadURL(const char* url, const char* localPath) {
   const K7LockGuard lock(m_mutex);
   if (!url || !localPath) return false;
 
-  // The target is made with the first bytes that come, so that a server that cannot be reached leaves an existing
-  // file alone.
+  // The target is made with the first bytes that come, so that a server that cannot be reached leaves an
+  // existing file alone.
   struct Target {
     const char* path;
     K7FileK7 file;
@@ -182,6 +182,7 @@ int K7IOK7::RetrieveRVXVersionString(const char* dir) {
 }
 
 int K7IOK7::GetRVXVersionString(char* dst, int len) {
-  if (dst && len > 0) std::memcpy(dst, m_version, std::min(static_cast<size_t>(len), std::strlen(m_version) + 1));
+  if (dst && len > 0)
+    std::memcpy(dst, m_version, std::min(static_cast<size_t>(len), std::strlen(m_version) + 1));
   return 0;
 }

@@ -5,9 +5,6 @@
 
 #include <curl/curl.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -15,6 +12,9 @@
 #include <locale.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 namespace {
 

@@ -8,10 +8,10 @@
 #include <windows.h>
 #include <wininet.h>
 
+#include <locale.h>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <locale.h>
 
 #undef DeleteFile
 #undef ReplaceFile
@@ -66,9 +66,9 @@ k7os::NativePath::~NativePath() { std::free(m_text); }
 
 void k7os::ListDir(const char* pattern, bool dirsOnly, K7StrArray& out) {
   WIN32_FIND_DATAA data;
-  const HANDLE search = dirsOnly
-      ? FindFirstFileExA(pattern, FindExInfoStandard, &data, FindExSearchLimitToDirectories, nullptr, 0)
-      : FindFirstFileA(pattern, &data);
+  const HANDLE search = dirsOnly ? FindFirstFileExA(pattern, FindExInfoStandard, &data,
+                                                    FindExSearchLimitToDirectories, nullptr, 0)
+                                 : FindFirstFileA(pattern, &data);
   if (search == INVALID_HANDLE_VALUE) return;
   K7StrArray names;
   do {

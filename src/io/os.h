@@ -1,5 +1,5 @@
-// What the library asks of an operating system. io_posix.cpp and io_win32.cpp answer it, one of them in each build;
-// no other file includes a system header or tests a platform macro.
+// What the library asks of an operating system. io_posix.cpp and io_win32.cpp answer it, one of them in each
+// build; no other file includes a system header or tests a platform macro.
 #pragma once
 
 #include <cstdarg>
@@ -16,7 +16,8 @@ int FormatC(char* dst, size_t size, const char* fmt, va_list args);
 
 /// Calendar of the machine's time zone. False for a moment that the system has none for.
 bool LocalTime(int64_t seconds, std::tm& fields);
-/// Moment of fields in the machine's time zone, which are brought into their ranges. `tm_isdst` as for `mktime`.
+/// Moment of fields in the machine's time zone, which are brought into their ranges. `tm_isdst` as for
+/// `mktime`.
 bool MakeTime(std::tm& fields, int64_t& seconds);
 
 /// Appends the bare names that match the last component of `pattern`, in case-insensitive order, "." and ".."
@@ -39,8 +40,8 @@ class NativePath {
 
 bool IsDirectory(const char* path);
 bool DeleteFile(const char* path);
-/// Puts a whole file into the place of another in one step, once its bytes are on the disk. A link at `to` stays and
-/// the file behind it is replaced, its permissions kept; what is no file is not replaced.
+/// Puts a whole file into the place of another in one step, once its bytes are on the disk. A link at `to`
+/// stays and the file behind it is replaced, its permissions kept; what is no file is not replaced.
 bool ReplaceFile(const char* from, const char* to);
 
 void* OpenLibrary(const char* file);

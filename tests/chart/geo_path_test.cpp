@@ -1,5 +1,6 @@
-// What k7chart draws, against picking: a pixel is painted exactly when the position under it lies in the area, and every
-// point of a line lies on it, in each projection, about centres at the seam, the poles and between.
+// What k7chart draws, against picking: a pixel is painted exactly when the position under it lies in the
+// area, and every point of a line lies on it, in each projection, about centres at the seam, the poles and
+// between.
 
 #include "geo_path.h"
 
@@ -70,7 +71,8 @@ class DrawnMap : public testing::TestWithParam<Case> {
     EXPECT_LE(wrong, 1) << "pixels";
   }
 
-  // Within a pixel: the parallel runs between the pixel's neighbours. On a limb one side of it is off the map.
+  // Within a pixel: the parallel runs between the pixel's neighbours. On a limb one side of it is off the
+  // map.
   bool OnParallel(double x, double y, double lat) {
     double south = 90, north = -90;
     bool offMap = false;
@@ -144,8 +146,8 @@ TEST_P(DrawnMap, LinesStayOnTheirParallel) {
 std::vector<Case> Cases() {
   std::vector<Case> cases;
   for (int type = K7_PROJ_LAMBERT; type <= K7_PROJ_GNOMONIC; ++type)
-    for (const GeoPoint centre : {GeoPoint{48.5, -123.5}, GeoPoint{0, 180}, GeoPoint{-12, -179}, GeoPoint{89.9, 0},
-                                  GeoPoint{-90, 40}})
+    for (const GeoPoint centre : {GeoPoint{48.5, -123.5}, GeoPoint{0, 180}, GeoPoint{-12, -179},
+                                  GeoPoint{89.9, 0}, GeoPoint{-90, 40}})
       for (const double range : {0.0, 1500.0}) {
         const bool mercatorPole = type == K7_PROJ_MERCATOR && std::fabs(centre.lat) > 85;
         if (!mercatorPole) cases.push_back({static_cast<K7ProjType>(type), centre, range});

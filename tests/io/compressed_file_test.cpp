@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <zlib.h>
 #include <cstdlib>
 #include <random>
 #include <string>
-#include <zlib.h>
 
 namespace {
 

@@ -5,12 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -20,7 +20,9 @@ std::unique_ptr<K7File> OpenFile(const std::string& path, const char* mode) {
   return std::unique_ptr<K7File>(io.CreateFileX(path.c_str(), mode));
 }
 
-void PutFile(const std::string& path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
+void PutFile(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
 
 std::string GetFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
@@ -110,7 +112,8 @@ TEST_F(NativeIO, FilePathExistsTakesReadableFilesOnly) {
 }
 
 TEST_F(NativeIO, PatternsMatchTheLastComponentWithoutRegardToCase) {
-  for (const char* name : {"report.txt", "report.txt~", "Alpha.TXT", "beta.txt", "noext"}) PutFile(dir / name, "");
+  for (const char* name : {"report.txt", "report.txt~", "Alpha.TXT", "beta.txt", "noext"})
+    PutFile(dir / name, "");
   std::filesystem::create_directory(dir / "Sub.txt");
   const auto find = [&](const char* pattern) {
     K7StrArray out;
@@ -194,7 +197,8 @@ TEST_F(NativeIO, UrlsAreDownloadedWholeOrNotAtAll) {
   const std::string target = dir / "download";
   EXPECT_TRUE(io.ReadURL(server.Url("/whole").c_str(), target.c_str()));
   EXPECT_EQ(GetFile(target), body);
-  EXPECT_TRUE(io.ReadURL(server.Url("/missing").c_str(), target.c_str())) << "an error page is a body like any other";
+  EXPECT_TRUE(io.ReadURL(server.Url("/missing").c_str(), target.c_str()))
+      << "an error page is a body like any other";
   EXPECT_EQ(GetFile(target), "not there");
   EXPECT_TRUE(io.ReadURL(server.Url("/empty").c_str(), target.c_str()));
   EXPECT_EQ(std::filesystem::file_size(target), 0u);
@@ -234,7 +238,8 @@ TEST_F(NativeIO, ThreadsShareOneFile) {
   char line[32];
   std::map<std::string, int> counts;
   while (file->ReadLine(line, sizeof line)) ++counts[line];
-  EXPECT_EQ(counts, (std::map<std::string, int>{{"first", LINES}, {"second line", LINES}, {"the third", LINES}}));
+  EXPECT_EQ(counts,
+            (std::map<std::string, int>{{"first", LINES}, {"second line", LINES}, {"the third", LINES}}));
 }
 
 }  // namespace

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <arpa/inet.h>
+#include <sys/socket.h>
+#include <unistd.h>
 #include <map>
 #include <string>
-#include <sys/socket.h>
 #include <thread>
-#include <unistd.h>
 
 class HttpServer {
  public:
@@ -30,14 +30,17 @@ class HttpServer {
 
   /// Before the first request.
   void Answer(const std::string& path, const std::string& bytes) { m_answers[path] = bytes; }
-  std::string Url(const std::string& path) const { return "http://127.0.0.1:" + std::to_string(m_port) + path; }
+  std::string Url(const std::string& path) const {
+    return "http://127.0.0.1:" + std::to_string(m_port) + path;
+  }
 
  private:
   void Serve() {
     for (int client; (client = accept(m_listener, nullptr, nullptr)) >= 0; close(client)) {
       std::string request;
       char buf[1024];
-      for (ssize_t n; request.find("\r\n\r\n") == std::string::npos && (n = recv(client, buf, sizeof buf, 0)) > 0;)
+      for (ssize_t n;
+           request.find("\r\n\r\n") == std::string::npos && (n = recv(client, buf, sizeof buf, 0)) > 0;)
         request.append(buf, static_cast<size_t>(n));
       const size_t start = request.find(' ') + 1;
       const std::string& bytes = m_answers[request.substr(start, request.find(' ', start) - start)];

@@ -40,8 +40,8 @@ class K7_API K7Log {
   static void SetMinReportedSeverity(K7LogSeverity level);
   /// Writes one line, `fmt` expanded as by `K7String::Format`; a newline is added unless the message ends
   /// with one. The line goes through `K7File::WriteLine`, so that two percent signs in a row in the expansion
-  /// become one. False without an open log, for a level outside 0 to 3, and when the line could not be made or
-  /// written. A suppressed message is a success. K7_ERR_LOG is the code for a caller that must report one.
+  /// become one. False without an open log, for a level outside 0 to 3, and when the line could not be made
+  /// or written. A suppressed message is a success. K7_ERR_LOG is the code for a caller that must report one.
   static bool LogMessage(K7LogSeverity level, const char* fmt, ...);
 
  private:

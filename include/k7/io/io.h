@@ -7,13 +7,14 @@
 
 class K7File;
 
-/// Factory for files and the other services of an operating system. The library holds one instance; a host that
-/// wants its own file system derives from this class and installs it with `SetInst` before using the library.
+/// Factory for files and the other services of an operating system. The library holds one instance; a host
+/// that wants its own file system derives from this class and installs it with `SetInst` before using the
+/// library.
 class K7_API K7IO {
  public:
   virtual ~K7IO();
-  /// A new file opened with a standard mode string ("r", "rb", "wb", "a"). The caller deletes it, also when it failed
-  /// to open (ask `IsValid`); null when memory runs out.
+  /// A new file opened with a standard mode string ("r", "rb", "wb", "a"). The caller deletes it, also when
+  /// it failed to open (ask `IsValid`); null when memory runs out.
   virtual K7File* CreateFileX(const char* path, const char* mode) = 0;
   /// Appends the names that match a wild-card pattern.
   virtual void FindFiles(const char* pattern, K7StrArray& out) = 0;
@@ -29,8 +30,8 @@ class K7_API K7IO {
   virtual void* LoadLibraryX(const char* file);
   /// The symbol's address or null.
   virtual void* GetSymbol(void* module, const char* name);
-  /// Reads the installation's version from the file "RVX.version" that stands directly behind `dir` (end it with a
-  /// separator). 0 or a code.
+  /// Reads the installation's version from the file "RVX.version" that stands directly behind `dir` (end it
+  /// with a separator). 0 or a code.
   virtual int RetrieveRVXVersionString(const char* dir);
   /// Copies the version into `dst`, at most `len` bytes and without a terminator when it fills them. 0.
   virtual int GetRVXVersionString(char* dst, int len);

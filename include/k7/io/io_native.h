@@ -6,8 +6,8 @@
 
 #include <cstdio>
 
-/// Stream over the standard library's buffered files. A copy shares stream and mutex with its source: only one of
-/// the two may be closed or destroyed.
+/// Stream over the standard library's buffered files. A copy shares stream and mutex with its source: only
+/// one of the two may be closed or destroyed.
 class K7_API K7FileK7 : public K7File {
  public:
   K7FileK7() = default;
@@ -32,11 +32,11 @@ class K7_API K7FileK7 : public K7File {
   std::FILE* m_stream = nullptr;
 };
 
-/// The operating system's directories, downloads and dynamic libraries. A copy shares the internet handle with its
-/// source: only one of the two may be destroyed.
+/// The operating system's directories, downloads and dynamic libraries. A copy shares the internet handle
+/// with its source: only one of the two may be destroyed.
 ///
-/// Patterns are a path whose last component may hold "*" and "?", matched without regard to case; "*.*" matches
-/// every name, and names come in case-insensitive order. Both "/" and "\" separate.
+/// Patterns are a path whose last component may hold "*" and "?", matched without regard to case; "*.*"
+/// matches every name, and names come in case-insensitive order. Both "/" and "\" separate.
 class K7_API K7IOK7 : public K7IO {
  public:
   K7IOK7();
@@ -49,12 +49,12 @@ class K7_API K7IOK7 : public K7IO {
   void FindFiles(const char* pattern, K7StrArray& out) override;
   /// Appends bare names, "." and ".." left out.
   void FindDirs(const char* pattern, K7StrArray& out) override;
-  /// Appends full paths in pre-order, each ending in a backslash, down to 11 levels counted from depth 0. `dir` ends
-  /// with a separator.
+  /// Appends full paths in pre-order, each ending in a backslash, down to 11 levels counted from depth 0.
+  /// `dir` ends with a separator.
   void FindDirsRecur(const char* dir, K7StrArray& out, int depth) override;
   bool DeleteFileX(const char* path) override;
-  /// http, https and ftp, never from a cache; a server's error page is saved like any body. A transfer that breaks
-  /// off returns false and leaves no file.
+  /// http, https and ftp, never from a cache; a server's error page is saved like any body. A transfer that
+  /// breaks off returns false and leaves no file.
   bool ReadURL(const char* url, const char* localPath) override;
   void* LoadLibraryX(const char* file) override;
   void* GetSymbol(void* module, const char* name) override;
