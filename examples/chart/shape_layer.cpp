@@ -89,17 +89,18 @@ std::string ShapeLayer::Load() {
   return "cannot read the shapefile set '" + m_path + "': " + (message ? message : "unknown error");
 }
 
-void ShapeLayer::Draw(const View& view, double scale) const {
-  DrawAreas(view, scale);
+void ShapeLayer::Draw(const View& view, double scale, Progress& progress) const {
+  DrawAreas(view, scale, progress);
   DrawLines(view, scale);
   DrawPoints(view, scale);
 }
 
-void ShapeLayer::DrawAreas(const View& view, double scale) const {
+void ShapeLayer::DrawAreas(const View& view, double scale, Progress& progress) const {
   cairo_t* const cairo = view.Grfx().Cairo();
   const LayerStyle& style = StyleOf(m_kind);
   const GeoPath path(view);
   for (int i = 0; i < m_file.StoredCount(); ++i) {
+    progress.Within(static_cast<double>(i) / m_file.StoredCount());
     const K7ShpObj* const shape = m_file.GetRecord(i)->Obj();
     if (!shape || !IsArea(shape->Type())) continue;
     std::vector<GeoLine> rings = Parts(*shape, m_file);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "geo_path.h"
+#include "progress.h"
 
 #include <k7/geometry/shp_file.h>
 
@@ -17,11 +18,11 @@ class ShapeLayer {
   /// Reads the whole set. Empty, or what went wrong.
   std::string Load();
   /// `scale` widens lines and points on larger sheets.
-  void Draw(const View& view, double scale) const;
+  void Draw(const View& view, double scale, Progress& progress) const;
   const std::string& Path() const { return m_path; }
 
  private:
-  void DrawAreas(const View& view, double scale) const;
+  void DrawAreas(const View& view, double scale, Progress& progress) const;
   void DrawLines(const View& view, double scale) const;
   void DrawPoints(const View& view, double scale) const;
 

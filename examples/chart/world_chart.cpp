@@ -116,7 +116,7 @@ int WorldChart::Render(K7Grfx* g) {
   cairo_fill(cairo);
   for (const ShapeLayer* layer : m_layers) {
     m_progress.Step(m_projection->Name(), layer->Path());
-    layer->Draw(*m_view, m_scale);
+    layer->Draw(*m_view, m_scale, m_progress);
   }
   if (m_request.graticule) Graticule(*m_view).DrawLines(m_scale);
   path.AddWholeMap();

@@ -3,7 +3,9 @@
 #include <k7/foundation/array.h>
 #include <k7/foundation/string.h>
 
+#ifndef NOMINMAX
 #define NOMINMAX
+#endif
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 #include <wininet.h>
