@@ -32,7 +32,10 @@ struct Graticule::Side {
 
 Graticule::Graticule(const View& view) : m_view(view), m_extent(view.Extent()) {
   const double shorter = std::min(view.Grfx().Width(), view.Grfx().Height());
-  const double degrees = std::min(shorter * view.NMPerPixel() / 60, m_extent.north - m_extent.south);
+  // A tilted eye sees to the horizon: the lines there are what its picture is divided by.
+  const double across =
+      view.IsTilted() ? 2 * view.Cap().radius * K7_RAD_TO_DEG : shorter * view.NMPerPixel() / 60;
+  const double degrees = std::min(across, m_extent.north - m_extent.south);
   m_latStep = StepFor(degrees / WANTED_LINES);
   // Meridians converge: towards the poles fewer degrees keep lines at the same distance.
   const double convergence = std::max(std::cos(view.Centre().lat * K7_DEG_TO_RAD), 0.1);

@@ -152,7 +152,10 @@ constexpr Flag FLAGS[] = {
 
 // The set of a named layer at the scale of the chart.
 std::string PathOf(LayerKind kind, const Options& options) {
-  const bool coarse = options.chart.rangeNM == 0 || options.chart.rangeNM > COARSE_FROM_NM;
+  // An eye that was placed by hand may be near the ground.
+  const bool placedEye = options.chart.type == K7_PROJ_PERSPECTIVE && !options.chart.params.empty();
+  const bool world = options.chart.rangeNM == 0 && !placedEye;
+  const bool coarse = world || options.chart.rangeNM > COARSE_FROM_NM;
   for (const NamedLayer& layer : LAYERS)
     if (layer.kind == kind) return options.data + (coarse ? "/ne_110m_" : "/ne_50m_") + layer.set + ".shp";
   return {};
@@ -209,7 +212,8 @@ const char* HelpText() {
          "  --center POSITION   where the chart lies, as \"N48 30.0 W123 30.0\", \"48.5, -123.5\" and\n"
          "                      other usual ways of writing it\n"
          "  --range NM          nautical miles from the centre to the nearer edge, 1 to 10800;\n"
-         "                      without it the chart shows all that the projection can\n"
+         "                      without it the chart shows all that the projection can, and a\n"
+         "                      tilted perspective what its field of view holds\n"
          "  --param NAME=VALUE  sets a parameter of the projection, as \"Standard Parallel 1=49\";\n"
          "                      may be repeated\n"
          "  --layer LAYER       land, lakes, rivers, borders, or a shapefile set FILE.shp; may be\n"

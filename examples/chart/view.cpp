@@ -79,11 +79,16 @@ bool View::LookAt(double lat, double lon, double rangeNM) {
   if (!(rangeNM > 0) && !IsGlobe() && !CentreMap()) return false;
   const double perNM = PixelsPerNM(rangeNM);
   const double half = std::min(m_grfx.Width(), m_grfx.Height()) / 2.0;
-  const double zoom = rangeNM > 0 ? half / (rangeNM * perNM) : ZoomToFit();
+  const double zoom = IsTilted() ? 1 : rangeNM > 0 ? half / (rangeNM * perNM) : ZoomToFit();
   if (!(perNM > 0) || !std::isfinite(zoom) || !SetZoom(zoom)) return false;
   m_nmPerPixel = 1 / PixelsPerNM(rangeNM);
   FindLimits();
   return std::isfinite(m_nmPerPixel);
+}
+
+bool View::IsTilted() const {
+  static const int PITCH = 3;
+  return m_projection.Type() == K7_PROJ_PERSPECTIVE && m_projection.ParamValue(PITCH) != -90;
 }
 
 bool View::SetZoom(double zoom) {

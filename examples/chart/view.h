@@ -35,7 +35,8 @@ class View {
   View(K7Projection& projection, CairoGrfx& grfx) : m_projection(projection), m_grfx(grfx) {}
 
   /// Looks at a position with `rangeNM` nautical miles from the centre to the nearer edge of the window, or,
-  /// with 0, with the whole of what the projection can show. False when the projection cannot.
+  /// with 0, with the whole of what the projection can show. A tilted eye sees what its own field of view
+  /// holds, whatever the range. False when the projection cannot.
   bool LookAt(double lat, double lon, double rangeNM);
 
   K7Projection& Projection() const { return m_projection; }
@@ -44,6 +45,8 @@ class View {
   /// Nautical miles that a pixel spans at the centre.
   double NMPerPixel() const { return m_nmPerPixel; }
   bool IsGlobe() const { return m_projection.IsAzimuthal(); }
+  /// An eye that does not look straight down: the scale changes across the picture.
+  bool IsTilted() const;
   const GlobeCap& Cap() const { return m_cap; }
   const FlatWindow& Window() const { return m_window; }
 

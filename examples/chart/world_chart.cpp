@@ -73,6 +73,8 @@ std::string WorldChart::SetUp(CairoGrfx& grfx) {
   if (!m_projection) return "out of memory";
   if (std::string problem = SetParams(); !problem.empty()) return problem;
   m_view = std::make_unique<View>(*m_projection, grfx);
+  if (m_view->IsTilted() && m_request.rangeNM > 0)
+    return "a tilted view shows what its field of view holds: it takes no --range";
   if (m_view->LookAt(c.lat, c.lon, m_request.rangeNM)) return {};
   m_view.reset();
   const char* const cause = K7ErrorString::ErrorString(K7_ERR_PROJECTION_RANGE);
@@ -148,5 +150,6 @@ void WorldChart::DrawMargin(cairo_t* cairo, const ChartBox& window) const {
   // The right part of the margin is the scale's.
   if (TextWidth(cairo, particulars, small) > window.width * 0.62) particulars = CentreText();
   WriteText(cairo, particulars, window.x, y + size * 1.5, small, Align::Left);
+  if (m_view->IsTilted()) return;
   DrawScaleBar(cairo, m_view->NMPerPixel(), window.x + window.width, y, size, window.width * 0.4);
 }

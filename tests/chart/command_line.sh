@@ -43,5 +43,6 @@ refuses "broken.shp" --layer broken.shp
 refuses "Standard Parallel" --param "Paralel=3"
 refuses "Mercator" --projection mercator --center "N90 E0" --range 300
 refuses "Albers" --projection albers --param "Standard Parallel 1=-30" --param "Standard Parallel 2=30"
+refuses "field of view" --projection perspective --param "Pitch=-40" --range 300
 refuses "no/such" --output no/such/folder.png
 exit $failed

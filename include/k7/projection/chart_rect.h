@@ -31,7 +31,7 @@ class K7_API K7ChartRect {
 
   /// Grows by the lesser way to take in a point, across 180 where that is shorter.
   void Include(double lat, double lon);
-  /// The middle latitude and longitude, the longitude within [-180, 180).
+  /// The middle latitude and longitude, the longitude within [-180, 180].
   void Center(double& lat, double& lon) const;
   /// Grows by margins in degrees and clamps to the world. A rectangle across 180 is clamped alike and may
   /// lose its crossing.
