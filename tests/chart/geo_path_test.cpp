@@ -17,6 +17,7 @@ struct Case {
   K7ProjType type;
   GeoPoint centre;
   double rangeNM;
+  double pitch = -90;  // of the general perspective
 };
 
 class DrawnMap : public testing::TestWithParam<Case> {
@@ -28,6 +29,10 @@ class DrawnMap : public testing::TestWithParam<Case> {
     grfx = std::make_unique<CairoGrfx>(m_cairo, WIDTH, HEIGHT);
     const Case& c = GetParam();
     projection = MakeProjection(c.type, c.centre.lat, c.centre.lon, c.rangeNM);
+    if (c.pitch != -90) {
+      const double params[] = {3e6, 30, 10, c.pitch};  // altitude, heading, bank, pitch
+      for (int i = 0; i < 4; ++i) projection->ParamValue(i, params[i]);
+    }
     view = std::make_unique<View>(*projection, *grfx);
     ASSERT_TRUE(view->LookAt(c.centre.lat, c.centre.lon, c.rangeNM));
   }
@@ -152,6 +157,7 @@ std::vector<Case> Cases() {
         const bool mercatorPole = type == K7_PROJ_MERCATOR && std::fabs(centre.lat) > 85;
         if (!mercatorPole) cases.push_back({static_cast<K7ProjType>(type), centre, range});
       }
+  for (const double pitch : {-60.0, -25.0}) cases.push_back({K7_PROJ_PERSPECTIVE, {48.5, -123.5}, 0, pitch});
   return cases;
 }
 
