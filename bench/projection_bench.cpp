@@ -1,8 +1,7 @@
 // Positions to world points and back, a million at random, degrees in and out.
 //
 //   k7     through K7Projection's virtual interface, one call a point
-//   bare   the same formula written out for the one projection with its constants at hand, one call a point
-//   of a
+//   bare   the same formula written out for the one projection, its constants at hand, one call a point of a
 //          function that is not inlined: what any interface of single points costs at least
 //   proj   PROJ's proj_trans, one call a point, and proj_trans_array, one call for all, on the same sphere
 //   s2     S2's unit vector (the azimuthal projections only)
