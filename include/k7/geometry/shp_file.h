@@ -102,13 +102,16 @@ class K7_API K7ShpFile {
   virtual int RecordCount() const;
   /// The next record at the current positions of the main and the attribute file, which the caller deletes
   /// while the reader lives; null at the end, for a record that cannot be read, or when the files are not
-  /// open.
+  /// open. The first record's attributes follow the descriptors' terminator, each next one's the last field:
+  /// in a table whose header and record lengths leave gaps there, as some writers do, only `GetAttrs` finds
+  /// them.
   virtual K7ShpRecord* NextRecord();
   /// Null for a record that is not stored.
   virtual K7ShpRecord* GetRecord(int index) const;
-  /// The attributes of one record read directly from the attribute file, which must be open; the position
-  /// that `NextRecord` reads from stays. Slots and texts are one block; the caller releases it with
-  /// `ReleaseAttrs`. Null outside 0 ... `RecordCount` - 1, at the file's end or without memory.
+  /// The attributes of one record read directly from the attribute file, which must be open, at the place
+  /// that the table's header and record lengths give; the position that `NextRecord` reads from stays. Slots
+  /// and texts are one block; the caller releases it with `ReleaseAttrs`. Null outside 0 ... `RecordCount` -
+  /// 1, at the file's end or without memory.
   virtual K7DbfField* GetAttrs(int index);
   /// Frees an array of `GetAttrs` or `K7ShpRecord::DetachAttrs`; null is ignored.
   virtual void ReleaseAttrs(K7DbfField* attrs);
