@@ -19,13 +19,13 @@ double Separation(double a, double b) {
 bool K7ChartRect::IsEntireWorld() const { return *this == K7ChartRect(90.0, -90.0, 180.0, -180.0); }
 
 bool K7ChartRect::PtIn(double lat, double lon) const {
-  if (lat > m_north || lat < m_south) return false;
+  if (!(lat <= m_north && lat >= m_south)) return false;  // what is not a number is in no band
   if (m_east >= m_west) return m_west <= lon && lon <= m_east;
-  return !(m_east < lon && lon < m_west);
+  return lon <= m_east || m_west <= lon;
 }
 
 bool K7ChartRect::AreaIn(double n, double s, double e, double w) const {
-  if (s > m_north || m_south > n) return false;
+  if (!(s <= m_north && m_south <= n)) return false;
   const bool crosses = m_east < m_west;
   const bool areaCrosses = e < w;
   if (crosses && areaCrosses) return true;
@@ -39,6 +39,7 @@ bool K7ChartRect::AreaIn(const K7ChartRect& area) const {
 }
 
 void K7ChartRect::Include(double lat, double lon) {
+  if (std::isnan(lat) || std::isnan(lon)) return;
   m_north = std::max(m_north, lat);
   m_south = std::min(m_south, lat);
   if (m_west > 180.0 && m_east < -180.0) {

@@ -106,6 +106,13 @@ TEST(ChartRect, SpecialRectangles) {
   r = pacific;
   r.Union(alps, r);
   EXPECT_TRUE(r.PtIn(10, -170) && r.PtIn(0, 170) && r.PtIn(48, 12));
+
+  const double nan = std::nan("");
+  EXPECT_FALSE(alps.PtIn(nan, 8) || pacific.PtIn(5, nan) || pacific.AreaIn(nan, nan, 175, 172));
+  r.Empty();
+  for (double lonOrNan : {nan, 8.0, nan}) r.Include(46, lonOrNan);
+  r.Include(nan, 9);
+  EXPECT_TRUE(r == K7ChartRect(46, 46, 8, 8));
 }
 
 TEST(ChartRect, ReadsFourFloats) {

@@ -24,12 +24,14 @@ class K7_API K7ChartRect {
   bool IsEmpty() const { return m_south > m_north; }
   /// Exactly 90, -90, 180, -180.
   bool IsEntireWorld() const;
+  /// False for what is not a number.
   bool PtIn(double lat, double lon) const;
   /// The two share a point: overlap, not containment.
   bool AreaIn(double n, double s, double e, double w) const;
   bool AreaIn(const K7ChartRect& area) const;
 
-  /// Grows by the lesser way to take in a point, across 180 where that is shorter.
+  /// Grows by the lesser way to take in a point, across 180 where that is shorter. A position that is not a
+  /// number changes nothing.
   void Include(double lat, double lon);
   /// The middle latitude and longitude, the longitude within [-180, 180].
   void Center(double& lat, double& lon) const;
