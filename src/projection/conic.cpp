@@ -5,6 +5,7 @@
 
 #include "projection/owned.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 
@@ -185,9 +186,14 @@ void K7AlbersProjection::ComputeCone() {
 }
 
 double K7AlbersProjection::Lat2Rho(double phi) const {
-  return std::sqrt(m_scale - 2 * m_n * std::sin(phi)) / m_n;
+  // Never below 0 but by rounding: at a pole that is a standard parallel.
+  const double square = m_scale - 2 * m_n * std::sin(phi);
+  return std::sqrt(std::max(square, 0.0)) / m_n;
 }
 
 double K7AlbersProjection::Rho2Lat(double rho) const {
-  return std::asin((m_scale - rho * rho * m_n * m_n) / (2 * m_n));
+  const double sine = (m_scale - rho * rho * (m_n * m_n)) / (2 * m_n);
+  // Rounding may carry the poles, not more, just beyond 1.
+  constexpr double LARGEST = 1 + 1e-14;
+  return std::asin(std::fabs(sine) <= LARGEST ? std::clamp(sine, -1.0, 1.0) : sine);
 }

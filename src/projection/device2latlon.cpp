@@ -73,11 +73,15 @@ bool OnFlatMap(const K7Projection& projection, const Vec& p, double& lat, double
   projection.World2LatLon(p.x, p.y, p.z, lat, lon);
   if (!(std::fabs(lat) <= 90.0 + ROUNDING)) return false;
   lat = std::clamp(lat, -90.0, 90.0);
-  Vec again;
-  if (!projection.LatLon2World(lat, lon, again.x, again.y, again.z)) return false;
   constexpr double TOLERANCE = 1e-6;  // the ellipsoidal inverse is a series
   const double allowed = TOLERANCE * (1.0 + std::fabs(p.x) + std::fabs(p.y));
-  return std::fabs(again.x - p.x) <= allowed && std::fabs(again.y - p.y) <= allowed;
+  // On a cone's side the last bit decides on which of the two the forward direction puts it.
+  for (const double turn : {0.0, ROUNDING, -ROUNDING}) {
+    Vec again;
+    if (!projection.LatLon2World(lat, lon + turn, again.x, again.y, again.z)) return false;
+    if (std::fabs(again.x - p.x) <= allowed && std::fabs(again.y - p.y) <= allowed) return true;
+  }
+  return false;
 }
 
 bool FindOnPlane(const K7Projection& projection, double dx, double dy, K7Grfx& g, int width, int height,

@@ -201,6 +201,7 @@ TEST(Projection, Device2WorldPicksTheVisibleSurface) {
     projection->Device2World(500, 300, &g, 0, 0, x, y, z);
     EXPECT_FALSE(projection->CenterOn(nullptr, 45, -90));
     EXPECT_FALSE(projection->SetupMatrix(&g, 0, 0, 0, 100));
+    EXPECT_TRUE(projection->SetupMatrix(&g, std::numeric_limits<int>::min(), 0, WIDTH, HEIGHT));
   }
 }
 
@@ -222,6 +223,34 @@ TEST(Projection, EdgesOfTheDomains) {
   EXPECT_TRUE(miller.LatLon2World(-90, 0, x, y, z));
   EXPECT_FALSE(miller.World2LatLon(x, y, z, lat, lon));
   EXPECT_FALSE(K7GnomonicProjection().World2LatLon(0, 0, 0, lat, lon));
+}
+
+// Where rounding decides: the poles, also as standard parallels, and the meridian on which a cone is cut.
+TEST(Projection, ConesHaveTheirPolesAndSides) {
+  for (int parallel = -60; parallel <= 90; ++parallel) {
+    const K7AlbersProjection polar(parallel, 90, 132, 0), southern(parallel, -40, 132, -30);
+    for (const K7ConicProjection* cone : {&polar, &southern}) {
+      if (cone == &southern && parallel > 20) continue;
+      SoftGrfx g(WIDTH, HEIGHT, 0.8);
+      Show(*cone, g, 0, 132);
+      for (const double pole : {-90, 90}) {
+        double x, y, z, dx, dy, lat = 0, lon = 0;
+        EXPECT_TRUE(cone->LatLon2World(pole, -48, x, y, z) && cone->World2LatLon(x, y, z, lat, lon));
+        EXPECT_NEAR(lat, pole, 1e-5) << parallel;  // an arc sine near 90 degrees
+        ASSERT_TRUE(g.Project(x, y, z, dx, dy));
+        EXPECT_TRUE(cone->Device2LatLon(dx, dy, &g, WIDTH, HEIGHT, lat, lon)) << parallel << ' ' << pole;
+      }
+    }
+  }
+  const K7LambertProjection cone(-20, -40, 135, -30);
+  SoftGrfx g(WIDTH, HEIGHT, 0.8);
+  Show(cone, g, -30, 135);
+  for (int i = -87; i <= 60; ++i) {
+    double x, y, z, dx, dy, lat, lon;
+    cone.LatLon2World(i, -45, x, y, z);
+    ASSERT_TRUE(g.Project(x, y, z, dx, dy));
+    EXPECT_TRUE(cone.Device2LatLon(dx, dy, &g, WIDTH, HEIGHT, lat, lon)) << i;
+  }
 }
 
 TEST(Projection, ParametersAndClones) {
