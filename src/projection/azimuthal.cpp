@@ -94,8 +94,9 @@ bool K7OrthographicProjection::Device2World(double dx, double dy, K7Grfx* g, int
 bool K7OrthographicProjection::SetupMatrix(K7Grfx* g, int x, int y, int width, int height) const {
   if (!g || width == 0 || height == 0) return false;
   const double worldHeight = GLOBE_WIDTH * height / width;
-  const double left = -x * GLOBE_WIDTH / width;
-  const double bottom = -y * worldHeight / height;
+  // Subtracted, because the least int has no negative.
+  const double left = (0.0 - x) * GLOBE_WIDTH / width;
+  const double bottom = (0.0 - y) * worldHeight / height;
   g->Ortho(left, left + GLOBE_WIDTH, bottom, bottom + worldHeight, m_near, m_far);
   return true;
 }

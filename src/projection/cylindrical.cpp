@@ -23,8 +23,9 @@ constexpr double INVERSE_LIMIT = 89.0;                 // degrees
 bool K7CylindricalProjection::SetupMatrix(K7Grfx* g, int x, int y, int width, int height) const {
   if (!g || width == 0 || height == 0) return false;
   const double worldHeight = WORLD_WIDTH * height / width;
-  const double left = -x * WORLD_WIDTH / width;
-  const double bottom = -y * worldHeight / height;
+  // Subtracted, because the least int has no negative.
+  const double left = (0.0 - x) * WORLD_WIDTH / width;
+  const double bottom = (0.0 - y) * worldHeight / height;
   g->Ortho(left, left + WORLD_WIDTH, bottom, bottom + worldHeight, m_near, m_far);
   return true;
 }
