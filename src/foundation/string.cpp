@@ -163,7 +163,8 @@ int K7String::AllocLen() const { return m_text ? static_cast<int>(Capacity(m_tex
 int K7String::Comp(const char* s, int n) const {
   const char* a = *this;
   const char* b = s ? s : "";
-  return n < 0 ? Sign(std::strcmp(a, b)) : std::strncmp(a, b, static_cast<size_t>(n));
+  // A null text on either side gives -1 or 1 whatever `n` is.
+  return n < 0 || !m_text || !s ? Sign(std::strcmp(a, b)) : std::strncmp(a, b, static_cast<size_t>(n));
 }
 
 int K7String::IComp(const char* s, int n) const { return CompareUpper(*this, s ? s : "", n); }

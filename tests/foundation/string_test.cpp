@@ -144,6 +144,7 @@ TEST(K7String, ANullStringIsTheEmptyText) {
   EXPECT_TRUE(s.IsEmpty() && s.Len() == 0 && s[0] == 0 && *static_cast<const char*>(s) == 0);
   EXPECT_TRUE(s.Find('a') == -1 && s.Find("a") == -1 && s.FindAny("a") == -1 && s.ReverseFind('a') == -1);
   EXPECT_TRUE(s == nullptr && s == "" && s < "a" && s.Comp("a") == -1 && K7String("a").Comp(nullptr) == 1);
+  EXPECT_TRUE(s.Comp("abc", 2) == -1 && K7String("abc").Comp(nullptr, 2) == 1 && s.Comp(nullptr, 2) == 0);
   int err = 1;
   EXPECT_TRUE(K7String().Dup(&err) == nullptr && err == 0);
   EXPECT_EQ(K7String("abc").Left(0, &err).AllocLen() + K7String("abc").Mid(3).AllocLen(), 0);

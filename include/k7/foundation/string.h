@@ -58,7 +58,8 @@ class K7_API K7String {
   bool operator<(const K7String& s) const { return Comp(s) < 0; }
   bool operator>(const K7String& s) const { return Comp(s) > 0; }
 
-  /// n >= 0: the first n bytes in the manner of `strncmp`. n < 0: the whole texts, exactly -1, 0 or 1.
+  /// n >= 0: the first n bytes in the manner of `strncmp`. n < 0, or a null text on either side: the whole
+  /// texts, exactly -1, 0 or 1.
   int Comp(const char* s, int n = -1) const;
   /// The same without regard to case, n < 0 meaning without limit; only the sign counts.
   int IComp(const char* s, int n = -1) const;
