@@ -8,7 +8,6 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <fnmatch.h>
 #include <locale.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -37,6 +36,29 @@ struct SplitPattern {
   const char* folder;
   const char* name;
 };
+
+// "*" stands for any bytes, "?" for one, and everything else (a bracket, too) for itself, without regard to
+// case. Only the last "*" met is tried again, so that no pattern takes more than the product of both lengths.
+bool Matches(const char* pattern, const char* name) {
+  const char* star = nullptr;   // behind the last "*"
+  const char* retry = nullptr;  // where in the name the pattern behind it began
+  while (*name) {
+    if (*pattern == '*') {
+      star = ++pattern;
+      retry = name;
+    } else if (*pattern == '?' || K7String::IComp(pattern, name, 1) == 0) {
+      ++pattern;
+      ++name;
+    } else if (star) {
+      pattern = star;
+      name = ++retry;
+    } else {
+      return false;
+    }
+  }
+  while (*pattern == '*') ++pattern;
+  return !*pattern;
+}
 
 bool IsDirectoryEntry(DIR* folder, const dirent& entry) {
   if (entry.d_type == DT_DIR) return true;
@@ -102,7 +124,7 @@ void k7os::ListDir(const char* pattern, bool dirsOnly, K7StrArray& out) {
   const bool every = std::strcmp(split.name, "*.*") == 0;
   K7StrArray names;
   while (const dirent* entry = readdir(folder)) {
-    if (!every && fnmatch(split.name, entry->d_name, FNM_CASEFOLD | FNM_NOESCAPE) != 0) continue;
+    if (!every && !Matches(split.name, entry->d_name)) continue;
     if (dirsOnly && !IsDirectoryEntry(folder, *entry)) continue;
     if (names += entry->d_name) break;
   }

@@ -124,6 +124,10 @@ TEST_F(NativeIO, PatternsMatchTheLastComponentWithoutRegardToCase) {
   EXPECT_EQ(find("?ETA.*"), (Names{"beta.txt"}));
   EXPECT_EQ(find("*.*"), (Names{".", "..", "Alpha.TXT", "beta.txt", "noext", "report.txt", "Sub.txt"}));
   EXPECT_EQ(find("none*"), Names{});
+  EXPECT_EQ(find("**E*.?X?"), (Names{"beta.txt", "report.txt"}));
+  PutFile(dir / "plan[1].dat", "");
+  PutFile(dir / "plan1.dat", "");
+  EXPECT_EQ(find("PLAN[1]*"), (Names{"plan[1].dat"})) << "brackets stand for themselves";
 
   K7StrArray dirs;
   io.FindDirs((dir.Path() + "\\*").c_str(), dirs);
