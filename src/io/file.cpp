@@ -42,11 +42,7 @@ void K7File::ByteSwap64(void* p) { ReverseBytes(p, 8); }
 bool K7File::FilePathExists(const char* path) {
   static K7Mutex mutex;
   const K7LockGuard lock(mutex);
-  if (!path) return false;
-  const k7os::NativePath native(path);
-  // A directory opens for reading on some systems, but holds no bytes.
-  if (!native.Text() || k7os::IsDirectory(native.Text())) return false;
-  std::FILE* const stream = std::fopen(native.Text(), "rb");
+  std::FILE* const stream = k7os::OpenStream(path, "rb");
   if (stream) std::fclose(stream);
   return stream != nullptr;
 }

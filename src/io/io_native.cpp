@@ -23,10 +23,7 @@ bool K7FileK7::IsValid() {
 
 bool K7FileK7::Open(const char* path, const char* mode) {
   const K7LockGuard lock(m_mutex);
-  m_stream = nullptr;
-  if (!path || !mode) return false;
-  const k7os::NativePath native(path);
-  if (native.Text()) m_stream = std::fopen(native.Text(), mode);
+  m_stream = path && mode ? k7os::OpenStream(path, mode) : nullptr;
   return m_stream != nullptr;
 }
 

@@ -134,9 +134,13 @@ void k7os::ListDir(const char* pattern, bool dirsOnly, K7StrArray& out) {
     if (out += names[i]) return;
 }
 
-bool k7os::IsDirectory(const char* path) {
+std::FILE* k7os::OpenStream(const char* path, const char* mode) {
+  const NativePath native(path);
+  std::FILE* const stream = native.Text() ? std::fopen(native.Text(), mode) : nullptr;
   struct stat info;
-  return stat(path, &info) == 0 && S_ISDIR(info.st_mode);
+  if (!stream || fstat(fileno(stream), &info) != 0 || !S_ISDIR(info.st_mode)) return stream;
+  std::fclose(stream);
+  return nullptr;
 }
 
 bool k7os::DeleteFile(const char* path) { return unlink(path) == 0; }

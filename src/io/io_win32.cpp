@@ -84,9 +84,8 @@ void k7os::ListDir(const char* pattern, bool dirsOnly, K7StrArray& out) {
     if (out += names[i]) return;
 }
 
-bool k7os::IsDirectory(const char* path) {
-  const DWORD attributes = GetFileAttributesA(path);
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+std::FILE* k7os::OpenStream(const char* path, const char* mode) {
+  return path ? std::fopen(path, mode) : nullptr;
 }
 
 bool k7os::DeleteFile(const char* path) { return DeleteFileA(path) != 0; }

@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <ctime>
 
 class K7StrArray;
@@ -38,7 +39,8 @@ class NativePath {
   char* m_text;
 };
 
-bool IsDirectory(const char* path);
+/// `fopen`, null also for a directory, which opens for reading on some systems but holds no bytes.
+std::FILE* OpenStream(const char* path, const char* mode);
 bool DeleteFile(const char* path);
 /// Puts a whole file into the place of another in one step, once its bytes are on the disk. A link at `to`
 /// stays and the file behind it is replaced, its permissions kept; what is no file is not replaced.

@@ -104,6 +104,7 @@ TEST_F(NativeIO, FilePathExistsTakesReadableFilesOnly) {
   PutFile(path, "x");
   EXPECT_TRUE(K7File::FilePathExists(path.c_str()));
   EXPECT_FALSE(K7File::FilePathExists(dir.Path().c_str()));
+  EXPECT_FALSE(OpenFile(dir.Path(), "rb")->IsValid()) << "else its checksum would be that of an empty file";
   EXPECT_FALSE(K7File::FilePathExists(nullptr));
   if (geteuid() != 0) {
     std::filesystem::permissions(path, std::filesystem::perms::none);
