@@ -140,19 +140,19 @@ bool K7IOK7::ReadURL(const char* url, const char* localPath) {
   // existing file alone.
   struct Target {
     const char* path;
-    K7FileK7 file;
-    bool Open() { return file.IsValid() || file.Open(path, "wb"); }
+    std::FILE* stream;
+    bool Open() { return stream || (stream = k7os::OpenStream(path, "wb")); }
     static bool Deliver(void* context, const void* data, size_t size) {
       Target& target = *static_cast<Target*>(context);
-      const int n = static_cast<int>(size);
-      return target.Open() && target.file.Write(data, n) == n;
+      return target.Open() && std::fwrite(data, 1, size, target.stream) == size;
     }
-  } target{localPath, {}};
+  } target{localPath, nullptr};
 
-  const bool whole = k7os::FetchURL(m_internet, url, Target::Deliver, &target) && target.Open();
-  const bool begun = target.file.IsValid();
-  target.file.Close();
-  if (begun && !whole) DeleteFileX(localPath);
+  const bool fetched = k7os::FetchURL(m_internet, url, Target::Deliver, &target) && target.Open();
+  if (!target.stream) return false;
+  // A full disk may show itself only here, when the last buffer is written.
+  const bool whole = std::fclose(target.stream) == 0 && fetched;
+  if (!whole) DeleteFileX(localPath);
   return whole;
 }
 

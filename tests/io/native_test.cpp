@@ -210,6 +210,8 @@ TEST_F(NativeIO, UrlsAreDownloadedWholeOrNotAtAll) {
 
   EXPECT_FALSE(io.ReadURL(server.Url("/cut").c_str(), target.c_str()));
   EXPECT_FALSE(std::filesystem::exists(target)) << "half a file";
+  std::filesystem::create_symlink("/dev/full", dir / "full");
+  EXPECT_FALSE(io.ReadURL(server.Url("/missing").c_str(), (dir / "full").c_str())) << "seen on closing only";
   PutFile(target, "kept");
   EXPECT_FALSE(io.ReadURL("http://127.0.0.1:1/", target.c_str()));
   EXPECT_EQ(GetFile(target), "kept");
