@@ -145,6 +145,14 @@ std::FILE* k7os::OpenStream(const char* path, const char* mode) {
 
 bool k7os::DeleteFile(const char* path) { return unlink(path) == 0; }
 
+bool k7os::FollowLinks(const char* path, K7String& target) {
+  const NativePath native(path);
+  char* const real = native.Text() ? realpath(native.Text(), nullptr) : nullptr;
+  const bool made = target.Create(real ? real : path) >= 0;
+  std::free(real);
+  return made;
+}
+
 bool k7os::ReplaceFile(const char* from, const char* to) {
   struct stat info;
   const bool exists = stat(to, &info) == 0;
@@ -155,10 +163,7 @@ bool k7os::ReplaceFile(const char* from, const char* to) {
   if (exists) (void)fchmod(file, info.st_mode & 07777);
   const bool stored = fsync(file) == 0;
   close(file);
-  char* const target = exists ? realpath(to, nullptr) : nullptr;
-  const bool replaced = stored && std::rename(from, target ? target : to) == 0;
-  std::free(target);
-  return replaced;
+  return stored && std::rename(from, to) == 0;
 }
 
 void* k7os::OpenLibrary(const char* file) { return dlopen(file, RTLD_NOW | RTLD_LOCAL); }

@@ -90,6 +90,8 @@ std::FILE* k7os::OpenStream(const char* path, const char* mode) {
 
 bool k7os::DeleteFile(const char* path) { return DeleteFileA(path) != 0; }
 
+bool k7os::FollowLinks(const char* path, K7String& target) { return target.Create(path) >= 0; }
+
 bool k7os::ReplaceFile(const char* from, const char* to) {
   return MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING) != 0;
 }

@@ -9,6 +9,7 @@
 #include <ctime>
 
 class K7StrArray;
+class K7String;
 
 namespace k7os {
 
@@ -42,8 +43,10 @@ class NativePath {
 /// `fopen`, null also for a directory, which opens for reading on some systems but holds no bytes.
 std::FILE* OpenStream(const char* path, const char* mode);
 bool DeleteFile(const char* path);
-/// Puts a whole file into the place of another in one step, once its bytes are on the disk. A link at `to`
-/// stays and the file behind it is replaced, its permissions kept; what is no file is not replaced.
+/// The file that `path` leads to through links, the path itself where there is none. False without memory.
+bool FollowLinks(const char* path, K7String& target);
+/// Puts a whole file into the place of another of the same file system in one step, once its bytes are on the
+/// disk. The permissions of `to` stay; a link there does not. What is no file is not replaced.
 bool ReplaceFile(const char* from, const char* to);
 
 void* OpenLibrary(const char* file);

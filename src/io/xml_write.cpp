@@ -47,6 +47,8 @@ bool Holds(K7IO& io, const char* path, const K7XmlText& text) {
 }
 
 // Only the native file system can put one file into the place of another.
+bool CanReplace(const K7IO& io) { return typeid(io) == typeid(K7IOK7); }
+
 bool MoveOver(const char* from, const char* to) {
   const k7os::NativePath nativeFrom(from);
   const k7os::NativePath nativeTo(to);
@@ -58,7 +60,7 @@ bool WriteWhole(K7IO& io, const char* path, const char* beside, const K7XmlText&
     io.DeleteFileX(beside);
     return false;
   }
-  if (typeid(io) == typeid(K7IOK7)) {
+  if (CanReplace(io)) {
     if (MoveOver(beside, path)) return true;
     io.DeleteFileX(beside);
     return false;
@@ -200,7 +202,11 @@ int K7XmlElem::WriteFile(const char* path) const {
   text.Append(DECLARATION_LINE, DECLARATION_LENGTH);
   if (const int err = Writer(text, 0).Write(*this)) return err;
   K7IO* const io = K7IO::Inst();
-  K7String beside(path);
+  if (!io) return K7_ERR_FILE_IO;
+  // Behind a link the file may be on another file system, where it can only be replaced from.
+  K7String target(path);
+  if (CanReplace(*io) && !k7os::FollowLinks(path, target)) return K7_ERR_MEMORY;
+  K7String beside(target);
   if (beside += ".tmp") return K7_ERR_MEMORY;
-  return io && WriteWhole(*io, path, beside, text) ? 0 : K7_ERR_FILE_IO;
+  return WriteWhole(*io, target, beside, text) ? 0 : K7_ERR_FILE_IO;
 }
