@@ -46,7 +46,7 @@ bool DeleteFile(const char* path);
 /// The file that `path` leads to through links, the path itself where there is none. False without memory.
 bool FollowLinks(const char* path, K7String& target);
 /// Puts a whole file into the place of another of the same file system in one step, once its bytes are on the
-/// disk. The permissions of `to` stay; a link there does not. What is no file is not replaced.
+/// disk. The permissions of `to` stay on POSIX; a link there does not. What is no file is not replaced.
 bool ReplaceFile(const char* from, const char* to);
 
 void* OpenLibrary(const char* file);
