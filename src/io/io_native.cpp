@@ -121,9 +121,11 @@ void K7IOK7::FindDirsRecur(const char* dir, K7StrArray& out, int depth) {
   K7StrArray names;
   FindDirs(K7String(dir) + "*", names);
   for (int i = 0; i < names.Count(); ++i) {
-    const K7FmtString path("%s%s%c", dir, names[i], '\\');
+    const K7FmtString folder("%s%s", dir, names[i]);
+    const K7String path = folder + '\\';
     if (out += path) return;
-    FindDirsRecur(path, out, depth + 1);
+    // A link may lead back up: a few of them would list the tree over and over, level by level.
+    if (!k7os::IsLink(folder)) FindDirsRecur(path, out, depth + 1);
   }
 }
 

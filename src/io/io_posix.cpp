@@ -143,6 +143,12 @@ std::FILE* k7os::OpenStream(const char* path, const char* mode) {
   return nullptr;
 }
 
+bool k7os::IsLink(const char* path) {
+  const NativePath native(path);
+  struct stat info;
+  return native.Text() && lstat(native.Text(), &info) == 0 && S_ISLNK(info.st_mode);
+}
+
 bool k7os::DeleteFile(const char* path) { return unlink(path) == 0; }
 
 bool k7os::FollowLinks(const char* path, K7String& target) {

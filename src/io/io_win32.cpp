@@ -88,6 +88,11 @@ std::FILE* k7os::OpenStream(const char* path, const char* mode) {
   return path ? std::fopen(path, mode) : nullptr;
 }
 
+bool k7os::IsLink(const char* path) {
+  const DWORD attributes = GetFileAttributesA(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
 bool k7os::DeleteFile(const char* path) { return DeleteFileA(path) != 0; }
 
 bool k7os::FollowLinks(const char* path, K7String& target) { return target.Create(path) >= 0; }

@@ -42,6 +42,8 @@ class NativePath {
 
 /// `fopen`, null also for a directory, which opens for reading on some systems but holds no bytes.
 std::FILE* OpenStream(const char* path, const char* mode);
+/// A symbolic link or junction, whatever it leads to; `path` without a separator at its end.
+bool IsLink(const char* path);
 bool DeleteFile(const char* path);
 /// The file that `path` leads to through links, the path itself where there is none. False without memory.
 bool FollowLinks(const char* path, K7String& target);

@@ -50,7 +50,7 @@ class K7_API K7IOK7 : public K7IO {
   /// Appends bare names, "." and ".." left out.
   void FindDirs(const char* pattern, K7StrArray& out) override;
   /// Appends full paths in pre-order, each ending in a backslash, down to 11 levels counted from depth 0.
-  /// `dir` ends with a separator.
+  /// `dir` ends with a separator. A link to a directory is listed, but not what lies behind it.
   void FindDirsRecur(const char* dir, K7StrArray& out, int depth) override;
   bool DeleteFileX(const char* path) override;
   /// http, https and ftp, never from a cache; a server's error page is saved like any body. A transfer that
