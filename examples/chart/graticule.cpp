@@ -20,6 +20,16 @@ double StepFor(double degrees) {
   return STEPS[std::size(STEPS) - 1];
 }
 
+// A degree of longitude at the centre, as a share of one of latitude: not every flat map has the globe's.
+double Convergence(const View& view) {
+  static const double SPAN = 0.01;
+  const GeoPoint centre = view.Centre();
+  if (view.IsTilted()) return std::cos(centre.lat * K7_DEG_TO_RAD);
+  const DevicePoint a = view.ToDevice(GeoPoint{centre.lat, centre.lon - SPAN / 2});
+  const DevicePoint b = view.ToDevice(GeoPoint{centre.lat, centre.lon + SPAN / 2});
+  return std::hypot(a.x / a.w - b.x / b.w, a.y / a.w - b.y / b.w) * view.NMPerPixel() / (60 * SPAN);
+}
+
 }  // namespace
 
 // One side of the window: where it starts, which way it runs, and how labels stand beside it.
@@ -37,9 +47,10 @@ Graticule::Graticule(const View& view) : m_view(view), m_extent(view.Extent()) {
       view.IsTilted() ? 2 * view.Cap().radius * K7_RAD_TO_DEG : shorter * view.NMPerPixel() / 60;
   const double degrees = std::min(across, m_extent.north - m_extent.south);
   m_latStep = StepFor(degrees / WANTED_LINES);
-  // Meridians converge: towards the poles fewer degrees keep lines at the same distance.
-  const double convergence = std::max(std::cos(view.Centre().lat * K7_DEG_TO_RAD), 0.1);
-  m_lonStep = StepFor(degrees / WANTED_LINES / convergence);
+  // Where meridians converge, fewer of them keep the same distance; about a pole it is at the frame that they
+  // do.
+  const double atFrame = std::min(std::sin(degrees / 2 * K7_DEG_TO_RAD), 0.1);
+  m_lonStep = StepFor(degrees / WANTED_LINES / std::max(Convergence(view), atFrame));
 }
 
 void Graticule::DrawLines(double scale) const {
@@ -142,20 +153,25 @@ void Graticule::DrawLabels(double size) const {
       {0, 0, 0, 1, height, -gap, size * 0.35, Align::Right},
       {width * 1.0, 0, 0, 1, height, gap, size * 0.35, Align::Left},
   };
-  int count = 0;
+  bool parallels = false;
+  bool meridians = false;
   // A side that the usual lines do not meet, as near a pole, shows the others.
   for (const Side& side : horizontal) {
-    const int labels = LabelSide(side, Kind::Meridian, size);
-    count += labels > 0 ? labels : LabelSide(side, Kind::Parallel, size);
+    if (LabelSide(side, Kind::Meridian, size) > 0)
+      meridians = true;
+    else
+      parallels |= LabelSide(side, Kind::Parallel, size) > 0;
   }
   for (const Side& side : vertical) {
-    const int labels = LabelSide(side, Kind::Parallel, size);
-    count += labels > 0 ? labels : LabelSide(side, Kind::Meridian, size);
+    if (LabelSide(side, Kind::Parallel, size) > 0)
+      parallels = true;
+    else
+      meridians |= LabelSide(side, Kind::Meridian, size) > 0;
   }
-  if (count == 0) LabelMap(size);
+  LabelMap(!parallels, !meridians, size);
 }
 
-void Graticule::LabelMap(double size) const {
+void Graticule::LabelMap(bool parallels, bool meridians, double size) const {
   cairo_t* const cairo = m_view.Grfx().Cairo();
   const GeoPoint centre = m_view.Centre();
   const double meridian = std::round(centre.lon / m_lonStep) * m_lonStep;
@@ -176,9 +192,9 @@ void Graticule::LabelMap(double size) const {
     placed.push_back(at);
     WriteText(cairo, text, at.x + size * 0.3, at.y - size * 0.3, size, Align::Left, false, true);
   };
-  for (double lat = -90 + m_latStep; lat < 90 - 1e-9; lat += m_latStep)
+  for (double lat = -90 + m_latStep; parallels && lat < 90 - 1e-9; lat += m_latStep)
     place(Kind::Parallel, {lat, meridian});
-  for (double lon = -180; lon < 180; lon += m_lonStep) place(Kind::Meridian, {parallel, lon});
+  for (double lon = -180; meridians && lon < 180; lon += m_lonStep) place(Kind::Meridian, {parallel, lon});
 }
 
 std::string Utf8(const char* latin1) {

@@ -11,8 +11,9 @@ class Graticule {
   explicit Graticule(const View& view);
 
   void DrawLines(double scale) const;
-  /// Labels stand outside the window where a line meets its frame; on a globe that does not reach the frame
-  /// they stand on the map, along the centre's meridian and parallel.
+  /// Labels stand outside the window where a line meets its frame. Parallels or meridians that have none
+  /// there, as on a globe that does not reach the frame, are labelled on the map, along the centre's meridian
+  /// and parallel.
   void DrawLabels(double size) const;
 
  private:
@@ -25,7 +26,7 @@ class Graticule {
 
   std::vector<Crossing> Crossings(const Side& side, Kind kind) const;
   int LabelSide(const Side& side, Kind kind, double size) const;
-  void LabelMap(double size) const;
+  void LabelMap(bool parallels, bool meridians, double size) const;
   std::string Label(Kind kind, double value) const;
   void DrawMeridian(double lon) const;
 
