@@ -72,15 +72,18 @@ void SplitRing(const GlobeLine& ring, const GlobeCap& cap, std::vector<Run>& run
   }
 }
 
-// Even-odd rule in plane latitude and longitude, to either side of 180.
+// Even-odd rule in plane latitude and longitude. Rings may run on across 180, so the point is looked for a
+// turn to either side too.
 bool Contains(const std::vector<GeoLine>& rings, double lat, double lon) {
   bool in = false;
   for (const GeoLine& ring : rings)
     for (size_t i = 0; i + 1 < ring.size(); ++i) {
       const GeoPoint& a = ring[i];
       const GeoPoint& b = ring[i + 1];
-      if ((a.lat > lat) != (b.lat > lat) && lon < a.lon + (b.lon - a.lon) * (lat - a.lat) / (b.lat - a.lat))
-        in = !in;
+      if ((a.lat > lat) == (b.lat > lat)) continue;
+      const double edge = a.lon + (b.lon - a.lon) * (lat - a.lat) / (b.lat - a.lat);
+      for (const double turn : {-360.0, 0.0, 360.0})
+        if (lon + turn < edge) in = !in;
     }
   return in;
 }
@@ -131,21 +134,13 @@ std::vector<GlobeLine> CutArea(const std::vector<GeoLine>& rings, const GlobeCap
     if (ring.size() >= 4) SplitRing(OnGlobe(ring, step), cap, runs, out);
   JoinRuns(runs, cap, step, out);
 
-  // Rings that never meet the cap may still lie all around it.
+  // Rings that never meet the rim leave it all inside the area or all outside. Any point of it tells; one
+  // askew to the compass is least likely to lie in line with a corner.
   if (runs.empty()) {
+    static const double ASKEW = 57;
     double lat, lon;
-    cap.axis.GetLatLon(lat, lon);
-    const bool centreIn = Contains(rings, lat, lon);
-    bool centreInOut = false;
-    for (const GlobeLine& ring : out) {
-      double winding = 0;
-      for (size_t i = 0; i + 1 < ring.size(); ++i) {
-        const double turn = Azimuth(ring[i + 1], cap) - Azimuth(ring[i], cap);
-        winding += turn - 2 * K7_PI * std::round(turn / (2 * K7_PI));
-      }
-      if (std::fabs(winding) > K7_PI) centreInOut = !centreInOut;
-    }
-    if (centreIn != centreInOut) {
+    K7ECEF(cap.axis, ASKEW, cap.radius * K7_EARTH_RADIUS_NM).GetLatLon(lat, lon);
+    if (Contains(rings, lat, lon)) {
       GlobeLine rim;
       AddRim(rim, cap, 0, 2 * K7_PI, step);
       out.push_back(std::move(rim));

@@ -123,6 +123,15 @@ TEST_P(DrawnMap, AreasFillWhatPickingFindsInThem) {
   });
 }
 
+// Airspaces run along whole degrees, and charts are centred on their corners; some run across the seam uncut.
+TEST_P(DrawnMap, AnEdgeThroughTheCentreIsAnEdge) {
+  const double south = std::min(GetParam().centre.lat, 78.0);
+  const double lon = GetParam().centre.lon;
+  ExpectFilled({Box(south, south + 12, lon - 10, lon + 10)}, [&](const GeoPoint& p) {
+    return p.lat > south && p.lat < south + 12 && std::fabs(std::remainder(p.lon - lon, 360)) < 10;
+  });
+}
+
 TEST_P(DrawnMap, LinesStayOnTheirParallel) {
   for (double lat = -75; lat <= 75; lat += 15) {
     cairo_new_path(m_cairo);
