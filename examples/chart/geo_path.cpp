@@ -14,8 +14,8 @@ constexpr double OVERHANG = 64;
 // Off the straight line, in pixels, that a bent edge may run.
 constexpr double FLATNESS = 0.2;
 constexpr int MAX_HALVINGS = 7;
-// Closer to the eye's plane than this nothing is drawn, in world units.
-constexpr double NEAREST = 1e-6;
+// Closer to the eye's plane than this nothing is drawn, in earth radii: a hand above the ground.
+constexpr double NEAREST = 1e-8;
 
 GeoPoint Middle(const GeoPoint& a, const GeoPoint& b) { return {(a.lat + b.lat) / 2, (a.lon + b.lon) / 2}; }
 
@@ -210,6 +210,8 @@ void GeoPath::AddWholeMap() const {
 
 GeoLine Unroll(const GeoLine& line) {
   GeoLine out = line;
-  for (size_t i = 1; i < out.size(); ++i) out[i].lon += 360 * std::round((out[i - 1].lon - out[i].lon) / 360);
+  // An edge of exactly 180 is one already, and stays as it runs: ties go to even, which is no turn.
+  for (size_t i = 1; i < out.size(); ++i)
+    out[i].lon += 360 * std::nearbyint((out[i - 1].lon - out[i].lon) / 360);
   return out;
 }

@@ -161,7 +161,7 @@ std::string PathOf(LayerKind kind, const Options& options) {
   return {};
 }
 
-void FillLayers(Options& options) {
+std::string FillLayers(Options& options) {
   const bool usual = options.layers.empty();
   if (usual)
     for (const NamedLayer& layer : LAYERS) options.layers.push_back({layer.kind, {}});
@@ -171,14 +171,16 @@ void FillLayers(Options& options) {
     // Of the usual layers those are drawn that the data folder has; a layer that was asked for must be there.
     if (!usual || K7File::FilePathExists(layer.path.c_str())) present.push_back(layer);
   }
+  if (present.empty()) return "no map data in the folder " + Quoted(options.data.c_str());
   options.layers = std::move(present);
+  return {};
 }
 
 }  // namespace
 
 std::string ParseOptions(int argc, const char* const* argv, Options& options) {
   const char* const folder = std::getenv("K7CHART_DATA");
-  options.data = folder ? folder : K7CHART_DATA;
+  options.data = folder && *folder ? folder : K7CHART_DATA;
 
   for (int i = 1; i < argc; ++i) {
     const std::string argument = argv[i];
@@ -199,8 +201,10 @@ std::string ParseOptions(int argc, const char* const* argv, Options& options) {
     }
     if (!known) return "unknown option " + Quoted(argv[i]) + " (see k7chart --help)";
   }
-  FillLayers(options);
-  return {};
+  if (options.help) return {};
+  if (options.gallery && !options.chart.params.empty())
+    return "--gallery takes no --param: its projections share none";
+  return FillLayers(options);
 }
 
 const char* HelpText() {
@@ -222,7 +226,8 @@ const char* HelpText() {
          "  --no-graticule      leaves out meridians and parallels\n"
          "  --size WIDTHxHEIGHT of the picture in pixels (default 1600x1000)\n"
          "  --output FILE       the picture: .png (default chart.png), .svg or .pdf\n"
-         "  --data FOLDER       where the named layers are read from\n"
+         "  --data FOLDER       where the named layers are read from (default $K7CHART_DATA, or else\n"
+         "                      the sample data of the source tree)\n"
          "  --help              shows this text\n"
          "\n"
          "Example:\n"

@@ -5,10 +5,13 @@
 #include <k7/foundation/error_string.h>
 #include <k7/io/io.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
 namespace {
+
+bool InDegrees(const GeoPoint& p) { return std::fabs(p.lat) <= 90.0001 && std::fabs(p.lon) <= 540; }
 
 // The parts of a shape in degrees. Points that a layer's coordinates cannot place are left out.
 std::vector<GeoLine> Parts(const K7ShpObj& shape, K7ShpFile& file) {
@@ -19,7 +22,7 @@ std::vector<GeoLine> Parts(const K7ShpObj& shape, K7ShpFile& file) {
     for (; point < end; ++point) {
       GeoPoint p;
       const bool placed = shape.GetPoint(&file, point, p.lat, p.lon) == 0;
-      if (placed && std::fabs(p.lat) <= 90.0001 && std::fabs(p.lon) <= 540) line.push_back(p);
+      if (placed && InDegrees(p)) line.push_back(p);
     }
     if (line.size() > 1) parts.push_back(std::move(line));
   }
@@ -59,14 +62,24 @@ void CoverSeam(std::vector<GeoLine>& rings) {
       if (std::fabs(std::fabs(p.lon) - 180) < 1e-4) p.lon = std::copysign(180 + OVERLAP, p.lon);
 }
 
-// A ring that runs across 180 degrees uncut is carried on there, if it then closes; one that runs around a
-// pole does not, and is meant as it stands. The first ring is an outer one and runs clockwise, its area to
-// the right: files that have it the other way round have all their rings so.
+double Width(const GeoLine& line) {
+  const auto [west, east] = std::minmax_element(
+      line.begin(), line.end(), [](const GeoPoint& a, const GeoPoint& b) { return a.lon < b.lon; });
+  return east->lon - west->lon;
+}
+
+// Rings are closed. One that runs across 180 degrees uncut is carried on there, if it then closes; one that
+// runs around a pole does not, and is meant as it stands, as is a band around the world, of which nothing
+// would be left. The first ring is an outer one and runs clockwise, its area to the right: files that have it
+// the other way round have all their rings so.
 void Straighten(std::vector<GeoLine>& rings) {
   double area = 0;
   for (GeoLine& ring : rings) {
+    if (ring.front().lat != ring.back().lat || ring.front().lon != ring.back().lon)
+      ring.push_back(ring.front());
     GeoLine unrolled = Unroll(ring);
-    if (std::fabs(unrolled.back().lon - unrolled.front().lon) < 1e-6) ring = std::move(unrolled);
+    const bool closes = std::fabs(unrolled.back().lon - unrolled.front().lon) < 1e-6;
+    if (closes && Width(unrolled) > 1e-6) ring = std::move(unrolled);
   }
   const GeoLine& outer = rings.front();
   for (size_t i = 0; i + 1 < outer.size(); ++i)
@@ -84,9 +97,22 @@ bool IsArea(int type) {
 std::string ShapeLayer::Load() {
   m_file.KeepNullShapes(true);
   const int code = m_file.Read(m_path.c_str(), K7IO::Inst());
-  if (code == 0) return {};
   const char* const message = K7ErrorString::ErrorString(code);
+  if (code == 0 && (m_file.StoredCount() == 0 || HasPosition())) return {};
+  if (code == 0) return "the shapefile set '" + m_path + "' has no positions in degrees";
   return "cannot read the shapefile set '" + m_path + "': " + (message ? message : "unknown error");
+}
+
+// Sets in projected coordinates have none, and would draw nothing.
+bool ShapeLayer::HasPosition() {
+  for (int i = 0; i < m_file.StoredCount(); ++i) {
+    const K7ShpObj* const shape = m_file.GetRecord(i)->Obj();
+    for (int k = 0; shape && k < shape->GetPointCount(); ++k) {
+      GeoPoint p;
+      if (shape->GetPoint(&m_file, k, p.lat, p.lon) == 0 && InDegrees(p)) return true;
+    }
+  }
+  return false;
 }
 
 void ShapeLayer::Draw(const View& view, double scale, Progress& progress) const {

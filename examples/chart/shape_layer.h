@@ -22,6 +22,7 @@ class ShapeLayer {
   const std::string& Path() const { return m_path; }
 
  private:
+  bool HasPosition();
   void DrawAreas(const View& view, double scale, Progress& progress) const;
   void DrawLines(const View& view, double scale) const;
   void DrawPoints(const View& view, double scale) const;

@@ -26,6 +26,16 @@ double VisibleAngle(K7Projection& projection) {
   }
 }
 
+// An eye above the ground that a camera can be made of, as the projection states it.
+bool IsPossible(const K7Projection& projection) {
+  if (projection.Type() != K7_PROJ_PERSPECTIVE) return true;
+  static const int ALTITUDE = 0, PITCH = 3, FIELD_OF_VIEW = 4;
+  const double pitch = projection.ParamValue(PITCH);
+  const double fieldOfView = projection.ParamValue(FIELD_OF_VIEW);
+  return projection.ParamValue(ALTITUDE) >= 1 && pitch >= -90 && pitch < 80 && fieldOfView > 0 &&
+         fieldOfView < 90;
+}
+
 // What a world view of a globe projection shows, in degrees from the centre.
 double WorldAngle(K7Projection& projection) {
   switch (projection.Type()) {
@@ -73,6 +83,7 @@ constexpr double HALF_WORLD = 180 - 1e-7;
 
 bool View::LookAt(double lat, double lon, double rangeNM) {
   m_centre = {lat, lon};
+  if (!IsPossible(m_projection)) return false;
   const LatitudeBand band = DrawnBand(m_projection, lat);
   m_window = {lon - HALF_WORLD, lon + HALF_WORLD, band.south, band.north};
   if (!SetZoom(1)) return false;

@@ -44,5 +44,8 @@ refuses "Standard Parallel" --param "Paralel=3"
 refuses "Mercator" --projection mercator --center "N90 E0" --range 300
 refuses "Albers" --projection albers --param "Standard Parallel 1=-30" --param "Standard Parallel 2=30"
 refuses "field of view" --projection perspective --param "Pitch=-40" --range 300
+refuses "out of range" --projection perspective --param "Field of View Y (degs)=180"
+refuses "--gallery takes no" --gallery --param "Standard Parallel 1=49"
+refuses "in the folder" --data "$work"
 refuses "no/such" --output no/such/folder.png
 exit $failed
