@@ -43,7 +43,7 @@ struct Run {
   GlobeLine points;
   double entry = 0;
   double exit = 0;
-  bool used = false;
+  bool joined = false;  // to the run before it
 };
 
 // Splits a closed line into its runs inside the cap. A ring that never leaves comes back as one whole ring.
@@ -90,17 +90,19 @@ bool Contains(const std::vector<GeoLine>& rings, double lat, double lon) {
 
 // Rings keep their area to the right, so that from where one leaves the cap the area's edge follows the rim
 // clockwise to the next entry (K. Weiler and P. Atherton, Hidden Surface Removal Using Polygon Area Sorting,
-// 1977).
+// 1977). No entry is gone on from twice: where a ring overlaps itself across the seam, exits and entries do
+// not alternate, and the nearest entry may be another exit's.
 void JoinRuns(std::vector<Run>& runs, const GlobeCap& cap, double step, std::vector<GlobeLine>& out) {
   for (Run& first : runs) {
-    if (first.used) continue;
+    if (first.joined) continue;
     GlobeLine ring;
-    for (Run* run = &first; !run->used;) {
-      run->used = true;
+    const Run* run = &first;
+    do {
       ring.insert(ring.end(), run->points.begin(), run->points.end());
       Run* next = nullptr;
       double turn = 0;
       for (Run& candidate : runs) {
+        if (candidate.joined) continue;
         double ahead = candidate.entry - run->exit;
         if (ahead <= 0) ahead += 2 * K7_PI;
         if (!next || ahead < turn) {
@@ -108,9 +110,10 @@ void JoinRuns(std::vector<Run>& runs, const GlobeCap& cap, double step, std::vec
           turn = ahead;
         }
       }
+      next->joined = true;
       AddRim(ring, cap, run->exit, run->exit + turn, step);
       run = next;
-    }
+    } while (run != &first);
     out.push_back(std::move(ring));
   }
 }
