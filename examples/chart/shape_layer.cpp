@@ -55,11 +55,12 @@ std::vector<GeoLine> Shores(const std::vector<GeoLine>& rings) {
 }
 
 // Areas that were cut along 180 degrees overlap there by a hair, so that no seam shows between the halves.
-void CoverSeam(std::vector<GeoLine>& rings) {
-  static const double OVERLAP = 0.005;
+// Half a pixel each is enough.
+void CoverSeam(std::vector<GeoLine>& rings, double degreesPerPixel) {
+  const double overlap = std::min(degreesPerPixel / 2, 0.005);
   for (GeoLine& ring : rings)
     for (GeoPoint& p : ring)
-      if (std::fabs(std::fabs(p.lon) - 180) < 1e-4) p.lon = std::copysign(180 + OVERLAP, p.lon);
+      if (std::fabs(std::fabs(p.lon) - 180) < 1e-4) p.lon = std::copysign(180 + overlap, p.lon);
 }
 
 double Width(const GeoLine& line) {
@@ -133,7 +134,7 @@ void ShapeLayer::DrawAreas(const View& view, double scale, Progress& progress) c
     if (rings.empty()) continue;
     Straighten(rings);
     const std::vector<GeoLine> shores = Shores(rings);
-    CoverSeam(rings);
+    CoverSeam(rings, view.NMPerPixel() / 60);
     path.AddArea(rings);
     cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
     SetColor(cairo, style.fill);
