@@ -22,6 +22,14 @@ install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/k7core-config-version.cmake
   DESTINATION ${package_dir})
 
+# Who links a static library links what it needs too.
+if(BUILD_SHARED_LIBS)
+  set(K7_PC_REQUIRES Requires.private)
+  set(K7_PC_LIBS "\nLibs.private:")
+else()
+  set(K7_PC_REQUIRES Requires)
+  set(K7_PC_CFLAGS " -DK7_STATIC")
+endif()
 # The .pc file finds its prefix from where it lies, so that an installation can be moved.
 file(RELATIVE_PATH K7_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(cmake/k7core.pc.in k7core.pc @ONLY)
