@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 
 namespace {
 
@@ -38,12 +39,16 @@ double Azimuth(const K7ECEF& point, const GlobeCap& cap) {
   return angle < 0 ? angle + 2 * K7_PI : angle;
 }
 
+// Radians: azimuths closer than this differ by rounding only.
+constexpr double SAME_PLACE = 1e-9;
+
 // A run of a ring inside the cap, from where it enters to where it leaves.
 struct Run {
   GlobeLine points;
   double entry = 0;
   double exit = 0;
-  bool joined = false;  // to the run before it
+  Run* next = nullptr;  // the one that the area's edge goes on with
+  bool joined = false;
 };
 
 // Splits a closed line into its runs inside the cap. A ring that never leaves comes back as one whole ring.
@@ -67,7 +72,7 @@ void SplitRing(const GlobeLine& ring, const GlobeCap& cap, std::vector<Run>& run
     if (inB) run.push_back(b);
     if (inA && !inB) {
       run.push_back(RimCrossing(a, b, cap));
-      runs.push_back({run, Azimuth(run.front(), cap), Azimuth(run.back(), cap), false});
+      runs.push_back({run, Azimuth(run.front(), cap), Azimuth(run.back(), cap)});
     }
   }
 }
@@ -88,33 +93,59 @@ bool Contains(const std::vector<GeoLine>& rings, double lat, double lon) {
   return in;
 }
 
+// Where a ring leaves or enters the cap, on the rim.
+struct Crossing {
+  double azimuth;
+  Run* run;
+  bool leaves;
+};
+
+// All crossings clockwise, from where the fewest areas cover the rim. Of two at one place, as at a pole on
+// the rim, the one that leaves comes first: else rounding would send the edge once around.
+std::vector<Crossing> Crossings(std::vector<Run>& runs) {
+  std::vector<Crossing> crossings;
+  for (Run& run : runs) {
+    crossings.push_back({run.exit, &run, true});
+    crossings.push_back({std::fmod(run.entry + SAME_PLACE, 2 * K7_PI), &run, false});
+  }
+  std::sort(crossings.begin(), crossings.end(),
+            [](const Crossing& a, const Crossing& b) { return a.azimuth < b.azimuth; });
+  int cover = 0;
+  int least = 0;
+  auto start = crossings.begin();
+  for (auto c = crossings.begin(); c != crossings.end(); ++c) {
+    cover += c->leaves ? 1 : -1;
+    if (cover >= least) continue;
+    least = cover;
+    start = c + 1;
+  }
+  std::rotate(crossings.begin(), start, crossings.end());
+  return crossings;
+}
+
 // Rings keep their area to the right, so that from where one leaves the cap the area's edge follows the rim
-// clockwise to the next entry (K. Weiler and P. Atherton, Hidden Surface Removal Using Polygon Area Sorting,
-// 1977). No entry is gone on from twice: where a ring overlaps itself across the seam, exits and entries do
-// not alternate, and the nearest entry may be another exit's.
+// clockwise to an entry (K. Weiler and P. Atherton, Hidden Surface Removal Using Polygon Area Sorting, 1977).
+// Rings may overlap themselves at the seam: then exits and entries do not alternate, and each exit takes the
+// first entry that no exit before it has taken.
 void JoinRuns(std::vector<Run>& runs, const GlobeCap& cap, double step, std::vector<GlobeLine>& out) {
+  std::deque<Run*> open;
+  for (const Crossing& crossing : Crossings(runs)) {
+    if (crossing.leaves) {
+      open.push_back(crossing.run);
+    } else {
+      open.front()->next = crossing.run;
+      open.pop_front();
+    }
+  }
   for (Run& first : runs) {
-    if (first.joined) continue;
     GlobeLine ring;
-    const Run* run = &first;
-    do {
+    for (Run* run = &first; !run->joined; run = run->next) {
+      run->joined = true;
       ring.insert(ring.end(), run->points.begin(), run->points.end());
-      Run* next = nullptr;
-      double turn = 0;
-      for (Run& candidate : runs) {
-        if (candidate.joined) continue;
-        double ahead = candidate.entry - run->exit;
-        if (ahead <= 0) ahead += 2 * K7_PI;
-        if (!next || ahead < turn) {
-          next = &candidate;
-          turn = ahead;
-        }
-      }
-      next->joined = true;
-      AddRim(ring, cap, run->exit, run->exit + turn, step);
-      run = next;
-    } while (run != &first);
-    out.push_back(std::move(ring));
+      const double turn = run->next->entry - run->exit;
+      AddRim(ring, cap, run->exit, run->exit + (turn < -SAME_PLACE ? turn + 2 * K7_PI : turn), step);
+    }
+    if (!ring.empty()) out.push_back(std::move(ring));
   }
 }
 

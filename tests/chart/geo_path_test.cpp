@@ -2,7 +2,7 @@
 // area, and every point of a line lies on it, in each projection, about centres at the seam, the poles and
 // between.
 
-#include "geo_path.h"
+#include "shape_layer.h"
 
 #include <gtest/gtest.h>
 
@@ -93,6 +93,16 @@ class DrawnMap : public testing::TestWithParam<Case> {
     return offMap || (south <= lat && lat <= north);
   }
 
+  // At a limb, where two pixels may be a continent.
+  bool Squeezed(const DevicePoint& at, const GeoPoint& place) {
+    for (const auto& [dx, dy] : {std::pair{-2.0, 0.0}, {2.0, 0.0}, {0.0, -2.0}, {0.0, 2.0}}) {
+      GeoPoint p;
+      if (!view->FromDevice(at.x + dx, at.y + dy, p)) return true;
+      if (K7LatLon(p.lat, p.lon).Distance(K7LatLon(place.lat, place.lon)) > 500) return true;
+    }
+    return false;
+  }
+
   cairo_surface_t* m_surface = nullptr;
   cairo_t* m_cairo = nullptr;
   std::unique_ptr<CairoGrfx> grfx;
@@ -155,6 +165,47 @@ TEST_P(DrawnMap, LinesStayOnTheirParallel) {
     cairo_path_destroy(path);
     EXPECT_EQ(bad, 0) << "parallel " << lat;
   }
+}
+
+TEST_P(DrawnMap, LandIsLandAndSeaIsSea) {
+  ShapeLayer land(LayerKind::Land, K7_SAMPLE_DATA "/ne_110m_land.shp");
+  ASSERT_EQ(land.Load(), "");
+  Progress progress;
+  land.Draw(*view, 0.1, progress);
+  const auto expect = [&](bool isLand, const std::vector<GeoPoint>& places) {
+    for (const GeoPoint& p : places) {
+      DevicePoint at;
+      if (!view->Shows(p, at) || at.x >= WIDTH || at.y >= HEIGHT || Squeezed(at, p)) continue;
+      EXPECT_EQ(Painted(static_cast<int>(at.x), static_cast<int>(at.y)), isLand) << p.lat << " " << p.lon;
+    }
+  };
+  // The middles of continents, and of oceans.
+  expect(true, {{62, -110},
+                {40, -100},
+                {-10, -55},
+                {5, 20},
+                {25, 5},
+                {55, 40},
+                {62, 100},
+                {35, 95},
+                {-25, 135},
+
+                {-80, 60},
+                {-85, 100},
+                {75, -40}});
+  expect(false, {{0, -150},
+                 {0, 178},
+                 {-40, -120},
+                 {30, -40},
+                 {-30, -15},
+                 {-25, 80},
+                 {35, 170},
+                 {85, 0},
+                 {87, 179},
+                 {-60, -100},
+                 {-60, 90},
+                 {45, -40},
+                 {-15, -110}});
 }
 
 std::vector<Case> Cases() {
