@@ -7,4 +7,7 @@
 #include <k7/projection/conic.h>
 #include <k7/projection/cylindrical.h>
 #include <k7/projection/grfx.h>
+#include <k7/projection/map_features.h>
+#include <k7/projection/map_path.h>
+#include <k7/projection/map_view.h>
 #include <k7/projection/projection.h>

@@ -9,8 +9,6 @@
 
 #include <new>
 
-K7Grfx::~K7Grfx() = default;
-
 K7Projection::~K7Projection() = default;
 
 int K7Projection::ParamCount() const { return 0; }

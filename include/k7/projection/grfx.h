@@ -1,11 +1,15 @@
-// K7Grfx: the host's drawing surface, as far as projections need it.
+// K7Grfx, the host's drawing surface, and K7GrfxK7, the library's own camera.
 #pragma once
 
 #include <k7/export.h>
+#include <k7/geodesy/matrix.h>
+
+#include <cstdint>
 
 /// Abstract graphics context, implemented by the host: a camera, a viewing volume and the way back from the
-/// screen. Projections set it up and pick through it; `K7MatrixStackK7` carries out all that a software
-/// implementation needs.
+/// screen, and behind them what is drawn with. Projections need the first five operations only; a host that
+/// draws nothing leaves the others, which then do nothing. Hosts without a camera of their own derive from
+/// `K7GrfxK7`.
 ///
 /// Device coordinates are pixels, x to the right, y downwards from the top left corner of the window,
 /// fractions allowed. Depth is 0 at the near clip distance and 1 at the far one, in between as a depth buffer
@@ -31,8 +35,75 @@ class K7_API K7Grfx {
   /// when camera and volume cannot be inverted.
   virtual bool UnProject(double dx, double dy, double depth, double& x, double& y, double& z) = 0;
 
+  /// \name Drawing
+  /// A path is made of lines between device points. `Fill` and `Stroke` use it up.
+  /// @{
+  /// Begins a new piece of the path.
+  virtual void MoveTo(double dx, double dy);
+  /// Goes on in a straight line.
+  virtual void LineTo(double dx, double dy);
+  /// Goes back to where the piece began and ends it.
+  virtual void ClosePath();
+  /// Fills what the path encloses an odd number of times.
+  virtual void Fill();
+  /// Draws along the path, with round joins, and round ends where the line has no dashes.
+  virtual void Stroke();
+  /// Components from 0 to 1, straight alpha, 1 opaque; for `Fill` and `Triangles`.
+  virtual void FillColor(double red, double green, double blue, double alpha);
+  /// For `Stroke`.
+  virtual void LineColor(double red, double green, double blue, double alpha);
+  /// Pixels across, above 0. `dashes`: `count` lengths in pixels, in turn drawn and left out; null with 0 for
+  /// a line without gaps.
+  virtual void LineStyle(double width, const double* dashes, int count);
+  /// Fills triangles: six numbers each, x and y of three device points.
+  virtual void Triangles(const double* points, int count);
+  /// Lays an image of width x height pixels over the device rectangle. `pixels`: rows from the top, each
+  /// pixel 0xAARRGGBB with straight alpha; only read during the call.
+  virtual void Image(const uint32_t* pixels, int width, int height, double left, double top, double right,
+                     double bottom);
+  /// @}
+
  protected:
   K7Grfx() = default;
   K7Grfx(const K7Grfx&) = default;
   K7Grfx& operator=(const K7Grfx&) = default;
+};
+
+/// The camera half of a graphics context in memory: the five operations that projections need, and the way
+/// from the world to the device. A host's context derives from it and adds what it draws with. A value
+/// without locks: const operations and `UnProject` may run in several threads.
+class K7_API K7GrfxK7 : public K7Grfx {
+ public:
+  /// A window of `width` by `height` pixels at zoom 1; until the first volume it shows the cube of -1 to 1.
+  K7GrfxK7(int width, int height);
+
+  double GetZoom() override;
+  void LookAt(const double eye[3], const double centre[3], const double up[3]) override;
+  void Ortho(double left, double right, double bottom, double top, double nearClip, double farClip) override;
+  void Frustum(double left, double right, double bottom, double top, double nearClip,
+               double farClip) override;
+  bool UnProject(double dx, double dy, double depth, double& x, double& y, double& z) override;
+
+  void SetZoom(double zoom);
+  int Width() const { return m_width; }
+  int Height() const { return m_height; }
+  /// Device point of a world point in homogeneous coordinates: it falls on (hx / hw, hy / hw), and behind the
+  /// eye when hw <= 0. For parallel volumes hw is 1.
+  void Project(double x, double y, double z, double& hx, double& hy, double& hw) const {
+    hx = m_device[0] * x + m_device[1] * y + m_device[2] * z + m_device[3];
+    hy = m_device[4] * x + m_device[5] * y + m_device[6] * z + m_device[7];
+    hw = m_device[8] * x + m_device[9] * y + m_device[10] * z + m_device[11];
+  }
+
+ private:
+  void Update();
+
+  int m_width;
+  int m_height;
+  double m_zoom = 1;
+  K7Matrix4x4 m_camera;
+  K7Matrix4x4 m_volume;
+  K7Matrix4x4 m_inverse;  // from the volume's cube to the world
+  bool m_invertible = false;
+  double m_device[12];  // rows that give hx, hy and hw
 };

@@ -1,0 +1,227 @@
+#include <k7/projection/map_features.h>
+
+#include <k7/foundation/error_string.h>
+
+#include "projection/feature_store.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+
+namespace {
+
+constexpr double MAX_LAT = 90.0001;
+constexpr double MAX_LON = 540;
+// Data sets were cut along 180 degrees with points up to this far beside it.
+constexpr double EDGE_WIDTH = 1e-3;
+constexpr double SAME_PLACE = 1e-6;
+
+bool OnEarth(double lat, double lon) { return std::fabs(lat) <= MAX_LAT && std::fabs(lon) <= MAX_LON; }
+
+bool OnSeam(double lon) { return std::fabs(std::fabs(lon) - 180) < EDGE_WIDTH; }
+bool OnPole(double lat) { return std::fabs(lat) > 90 - EDGE_WIDTH; }
+
+// The rows of one feature while they are repaired, in place at the end of the store's arrays.
+class Row {
+ public:
+  Row(double* lat, double* lon, int count) : m_lat(lat), m_lon(lon), m_count(count) {}
+
+  // Longitudes carried on across 180. An edge of exactly 180 is one already, and stays as it runs: ties go to
+  // even, which is no turn.
+  void Unroll() {
+    for (int i = 1; i < m_count; ++i) m_lon[i] += 360 * std::nearbyint((m_lon[i - 1] - m_lon[i]) / 360);
+  }
+
+  // A ring that does not close after unrolling runs around a pole. One of which nothing but a line would be
+  // left is a band around the world.
+  bool UnrollsToRing() const {
+    double lon = m_lon[0], west = lon, east = lon;
+    for (int i = 1; i < m_count; ++i) {
+      lon = m_lon[i] + 360 * std::nearbyint((lon - m_lon[i]) / 360);
+      west = std::min(west, lon);
+      east = std::max(east, lon);
+    }
+    return std::fabs(lon - m_lon[0]) < SAME_PLACE && east - west > SAME_PLACE;
+  }
+
+  // Positive for a clockwise ring, whose area lies to the right.
+  double Turning() const {
+    double area = 0;
+    for (int i = 0; i + 1 < m_count; ++i) area += (m_lon[i + 1] - m_lon[i]) * (m_lat[i + 1] + m_lat[i]);
+    return area;
+  }
+  void Reverse() {
+    std::reverse(m_lat, m_lat + m_count);
+    std::reverse(m_lon, m_lon + m_count);
+  }
+
+  // An edge of the data, not of the land.
+  bool IsCut(int i) const { return IsSeamCut(i) || IsPoleCut(i); }
+  void StraightenCuts() {
+    for (int i = 1; i < m_count; ++i) {
+      if (IsSeamCut(i)) m_lon[i - 1] = m_lon[i] = std::copysign(180.0, m_lon[i]);
+      if (IsPoleCut(i)) m_lat[i - 1] = m_lat[i] = std::copysign(90.0, m_lat[i]);
+    }
+  }
+
+  DegreeBox Bounds() const {
+    DegreeBox box;
+    for (int i = 0; i < m_count; ++i) box.Include(m_lat[i], m_lon[i]);
+    return box;
+  }
+
+ private:
+  bool IsSeamCut(int i) const {
+    return OnSeam(m_lon[i - 1]) && OnSeam(m_lon[i]) && std::fabs(m_lon[i] - m_lon[i - 1]) < 1;
+  }
+  bool IsPoleCut(int i) const { return OnPole(m_lat[i - 1]) && OnPole(m_lat[i]); }
+
+  double* m_lat;
+  double* m_lon;
+  int m_count;
+};
+
+// Copies the points of a row that are on the earth behind those that the store has; a ring is closed.
+int CopyRow(K7MapFeatureStore& store, const K7LatLon* points, int count, bool ring) {
+  const int first = store.lat.Count();
+  for (int i = 0; i < count; ++i) {
+    if (!OnEarth(points[i].Lat(), points[i].Lon())) continue;
+    store.lat.Add(std::clamp(points[i].Lat(), -90.0, 90.0));
+    store.lon.Add(points[i].Lon());
+  }
+  const int copied = store.lon.Count() - first;
+  if (store.lat.Failed() || store.lon.Failed() || !ring || copied < 2) return copied;
+  if (store.lat[first] == store.lat.Last() && store.lon[first] == store.lon.Last()) return copied;
+  store.lat.Add(store.lat[first]);
+  store.lon.Add(store.lon[first]);
+  return copied + 1;
+}
+
+void AddPart(K7MapFeatureStore& store, int first, int count) {
+  const Row row(store.lat.Data() + first, store.lon.Data() + first, count);
+  store.parts.Add({first, count, row.Bounds()});
+}
+
+// The stretches of a ring between the edges of the data.
+void AddOutlines(K7MapFeatureStore& store, const FeaturePart& ring) {
+  const Row row(store.lat.Data() + ring.first, store.lon.Data() + ring.first, ring.count);
+  int start = 0;
+  for (int i = 1; i <= ring.count; ++i) {
+    if (i < ring.count && !row.IsCut(i)) continue;
+    if (i - start > 1) AddPart(store, ring.first + start, i - start);
+    start = i;
+  }
+}
+
+}  // namespace
+
+K7MapFeatures::K7MapFeatures() : m_store(new (std::nothrow) K7MapFeatureStore) {}
+K7MapFeatures::~K7MapFeatures() { delete m_store; }
+
+int K7MapFeatures::Add(K7MapFeatureKind kind, const K7LatLon* points, const int* sizes, int parts) {
+  if (parts < 0 || (parts > 0 && (!points || !sizes))) return K7_ERR_BAD_ARGUMENT;
+  for (int i = 0; i < parts; ++i)
+    if (sizes[i] < 0) return K7_ERR_BAD_ARGUMENT;
+  if (!m_store) return K7_ERR_MEMORY;
+  K7MapFeatureStore& s = *m_store;
+  const int pointsBefore = s.lat.Count();
+  const int partsBefore = s.parts.Count();
+  const int featuresBefore = s.features.Count();
+
+  const bool area = kind == K7_MAP_AREA;
+  const int least = area ? 4 : kind == K7_MAP_LINES ? 2 : 1;
+  bool turn = false;
+  for (int part = 0; part < parts; points += sizes[part++]) {
+    const int first = s.lat.Count();
+    const int count = CopyRow(s, points, sizes[part], area);
+    if (s.lat.Failed() || s.lon.Failed()) break;
+    if (count < least) {
+      s.lat.Truncate(first);
+      s.lon.Truncate(first);
+      continue;
+    }
+    Row row(s.lat.Data() + first, s.lon.Data() + first, count);
+    if (kind == K7_MAP_LINES || (area && row.UnrollsToRing())) row.Unroll();
+    if (area) {
+      row.StraightenCuts();
+      if (s.parts.Count() == partsBefore) turn = row.Turning() < 0;
+      if (turn) row.Reverse();
+    }
+    AddPart(s, first, count);
+  }
+  const int ringsEnd = s.parts.Count();
+  if (area)
+    for (int i = partsBefore; i < ringsEnd && !s.parts.Failed(); ++i) AddOutlines(s, FeaturePart(s.parts[i]));
+
+  Feature feature = {kind, partsBefore, ringsEnd - partsBefore, ringsEnd, s.parts.Count() - ringsEnd,
+                     {},   false};
+  for (int i = partsBefore; i < ringsEnd; ++i) feature.box.Include(s.parts[i].box);
+  feature.isHalf = (feature.box.east == 180) != (feature.box.west == -180);
+  s.features.Add(feature);
+  if (!s.lat.Failed() && !s.lon.Failed() && !s.parts.Failed() && !s.features.Failed()) return featuresBefore;
+  s.lat.Truncate(pointsBefore);
+  s.lon.Truncate(pointsBefore);
+  s.parts.Truncate(partsBefore);
+  s.features.Truncate(featuresBefore);
+  return K7_ERR_MEMORY;
+}
+
+void K7MapFeatures::Clear() {
+  if (!m_store) return;
+  m_store->lat.Clear();
+  m_store->lon.Clear();
+  m_store->parts.Clear();
+  m_store->features.Clear();
+}
+
+int K7MapFeatures::Count() const { return m_store ? m_store->features.Count() : 0; }
+
+K7MapFeatureKind K7MapFeatures::Kind(int feature) const {
+  const Feature* const f = m_store ? m_store->At(feature) : nullptr;
+  return f ? f->kind : K7_MAP_POINTS;
+}
+
+K7ChartRect K7MapFeatures::Bounds(int feature) const {
+  const Feature* const f = m_store ? m_store->At(feature) : nullptr;
+  if (!f || f->box.IsEmpty()) return {};
+  if (f->box.east - f->box.west >= 360) return {f->box.north, f->box.south, 180, -180};
+  return {f->box.north, f->box.south, std::remainder(f->box.east, 360), std::remainder(f->box.west, 360)};
+}
+
+int K7MapFeatures::PointCount(int feature) const {
+  const Feature* const f = m_store ? m_store->At(feature) : nullptr;
+  int count = 0;
+  for (int i = 0; f && i < f->partCount; ++i) count += m_store->parts[f->firstPart + i].count;
+  return count;
+}
+
+K7LatLon K7MapFeatures::Point(int feature, int i) const {
+  // The parts of a feature lie end to end.
+  if (i < 0 || i >= PointCount(feature)) return {};
+  const int at = m_store->parts[m_store->At(feature)->firstPart].first + i;
+  return {m_store->lat[at], m_store->lon[at]};
+}
+
+bool RingsContain(const PointSpan& ring, double lat, double lon) {
+  bool in = false;
+  for (int i = 0; i + 1 < ring.count; ++i) {
+    const double aLat = ring.lat[i], bLat = ring.lat[i + 1];
+    if ((aLat > lat) == (bLat > lat)) continue;
+    const double edge = ring.lon[i] + (ring.lon[i + 1] - ring.lon[i]) * (lat - aLat) / (bLat - aLat);
+    for (const double turn : {-360.0, 0.0, 360.0})
+      if (lon + turn < edge) in = !in;
+  }
+  return in;
+}
+
+bool K7MapFeatures::Contains(int feature, double lat, double lon) const {
+  const Feature* const f = m_store ? m_store->At(feature) : nullptr;
+  if (!f || f->kind != K7_MAP_AREA) return false;
+  bool in = false;
+  for (int i = 0; i < f->partCount; ++i) {
+    const FeaturePart& ring = m_store->parts[f->firstPart + i];
+    if (lat < ring.box.south || lat > ring.box.north) continue;
+    if (RingsContain(m_store->Points(ring), lat, lon)) in = !in;
+  }
+  return in;
+}

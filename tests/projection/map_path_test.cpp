@@ -1,0 +1,302 @@
+// Paths against picking: a pixel is enclosed exactly when the position under it lies in the area, and every
+// point of a line lies on it, in each projection, about centres at the seam, the poles and between.
+#include <k7/geometry/shp_file.h>
+#include <k7/io/io.h>
+#include <k7/projection.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+
+#include "projection/path_recorder.h"
+
+namespace {
+
+constexpr int WIDTH = 241;
+constexpr int HEIGHT = 160;
+
+struct Case {
+  K7ProjType type;
+  double lat, lon;
+  double range;
+  double pitch = -90;  // of the general perspective
+};
+
+using Ring = std::vector<K7LatLon>;
+
+class DrawnMap : public testing::TestWithParam<Case> {
+ protected:
+  void SetUp() override {
+    const Case& c = GetParam();
+    projection.reset(K7MapView::CreateProjection(c.type, c.lat, c.lon, c.range, nullptr));
+    if (c.pitch != -90) {
+      const double params[] = {3e6, 30, 10, c.pitch};  // altitude, heading, bank, pitch
+      for (int i = 0; i < 4; ++i) projection->ParamValue(i, params[i]);
+    }
+    view = std::make_unique<K7MapView>(projection.get(), WIDTH, HEIGHT);
+    ASSERT_EQ(view->LookAt(c.lat, c.lon, c.range), 0);
+  }
+
+  // Whether the pixel's corners and middle agree on lying in an area, and how.
+  template <class Inside>
+  bool Clear(int x, int y, Inside inside, bool& in) {
+    int hits = 0;
+    for (const auto& [dx, dy] : {std::pair{0.5, 0.5}, {-0.6, -0.6}, {1.6, -0.6}, {-0.6, 1.6}, {1.6, 1.6}}) {
+      double lat, lon;
+      hits += view->FromDevice(x + dx, y + dy, lat, lon) && inside(lat, lon);
+    }
+    in = hits == 5;
+    return hits == 0 || hits == 5;
+  }
+
+  template <class Inside>
+  int WrongPixels(Inside inside) {
+    int wrong = 0;
+    for (int y = 0; y < HEIGHT; y += 5)
+      for (int x = 0; x < WIDTH; x += 5) {
+        bool in = false;
+        if (Clear(x, y, inside, in)) wrong += recorder.Encloses(x + 0.5, y + 0.5) != in;
+      }
+    return wrong;
+  }
+
+  template <class Inside>
+  void ExpectFilled(const std::vector<Ring>& rings, Inside inside) {
+    Ring points;
+    std::vector<int> sizes;
+    for (const Ring& ring : rings) {
+      points.insert(points.end(), ring.begin(), ring.end());
+      sizes.push_back(static_cast<int>(ring.size()));
+    }
+    recorder.Clear();
+    const int count =
+        K7MapPath(*view).Area(&recorder, points.data(), sizes.data(), static_cast<int>(sizes.size()));
+    EXPECT_EQ(count, recorder.PointCount());
+    // One on each side may lie in a sliver thinner than itself.
+    EXPECT_LE(WrongPixels(inside), 2);
+  }
+
+  // Within a pixel: the parallel runs between the pixel's neighbours. On a limb one side of it is off the
+  // map.
+  bool OnParallel(double x, double y, double parallel) {
+    double south = 90, north = -90;
+    bool offMap = false;
+    for (const auto& [dx, dy] : {std::pair{-1.0, -1.0}, {1.0, -1.0}, {-1.0, 1.0}, {1.0, 1.0}}) {
+      double lat, lon;
+      if (!view->FromDevice(x + dx, y + dy, lat, lon)) {
+        offMap = true;
+        continue;
+      }
+      south = std::min(south, lat);
+      north = std::max(north, lat);
+    }
+    return offMap || (south <= parallel && parallel <= north);
+  }
+
+  // At a limb, where two pixels may be a continent.
+  bool Squeezed(double x, double y, const K7LatLon& place) {
+    for (const auto& [dx, dy] : {std::pair{-2.0, 0.0}, {2.0, 0.0}, {0.0, -2.0}, {0.0, 2.0}}) {
+      double lat, lon;
+      if (!view->FromDevice(x + dx, y + dy, lat, lon)) return true;
+      if (K7LatLon(lat, lon).Distance(place) > 500) return true;
+    }
+    return false;
+  }
+
+  PathRecorder recorder;
+  std::unique_ptr<K7Projection> projection;
+  std::unique_ptr<K7MapView> view;
+};
+
+// A box of latitude and longitude as a clockwise ring. An edge of half the world's width or more would be
+// taken for one across 180.
+Ring Box(double south, double north, double west, double east) {
+  static const int PIECES = 3;
+  Ring ring;
+  for (int i = 0; i <= PIECES; ++i) ring.emplace_back(north, west + (east - west) * i / PIECES);
+  for (int i = PIECES; i >= 0; --i) ring.emplace_back(south, west + (east - west) * i / PIECES);
+  ring.push_back(ring.front());
+  return ring;
+}
+
+TEST_P(DrawnMap, AreasFillWhatPickingFindsInThem) {
+  const auto box = [](double south, double north, double west, double east) {
+    return [=](double lat, double lon) { return lat > south && lat < north && lon > west && lon < east; };
+  };
+  ExpectFilled({Box(20, 70, -170, -60)}, box(20, 70, -170, -60));
+  // Up to the seam on both sides, as data sets are cut there.
+  ExpectFilled({Box(-50, 65, 120, 180)}, box(-50, 65, 120, 180.1));
+  ExpectFilled({Box(-50, 65, -180, -150)}, box(-50, 65, -180.1, -150));
+  // Around a pole, closed along it.
+  ExpectFilled({Box(-90, -62, -180, 180)}, box(-91, -62, -181, 181));
+  // With a hole, which may hold all that shows; and with all rings the other way around.
+  Ring outer = Box(-80, 89, -179, 179);
+  Ring hole = Box(-40, 88, -175, 175);
+  std::reverse(hole.begin(), hole.end());
+  const auto frame = [&](double lat, double lon) {
+    return box(-80, 89, -179, 179)(lat, lon) && !box(-40, 88, -175, 175)(lat, lon);
+  };
+  ExpectFilled({outer, hole}, frame);
+  std::reverse(outer.begin(), outer.end());
+  std::reverse(hole.begin(), hole.end());
+  ExpectFilled({outer, hole}, frame);
+}
+
+// Airspaces run along whole degrees, and charts are centred on their corners; some run across the seam uncut.
+TEST_P(DrawnMap, AnEdgeThroughTheCentreIsAnEdge) {
+  const double south = std::min(GetParam().lat, 78.0);
+  const double lon = GetParam().lon;
+  ExpectFilled({Box(south, south + 12, lon - 10, lon + 10)}, [&](double pLat, double pLon) {
+    return pLat > south && pLat < south + 12 && std::fabs(std::remainder(pLon - lon, 360)) < 10;
+  });
+}
+
+TEST_P(DrawnMap, LinesStayOnTheirParallel) {
+  for (double lat = -75; lat <= 75; lat += 15) {
+    recorder.Clear();
+    const K7LatLon line[] = {{lat, -180}, {lat, 0}, {lat, 180}};
+    K7MapPath(*view).Line(&recorder, line, 3);
+    int bad = 0;
+    const auto check = [&](double x, double y) {
+      const bool inWindow = x > 2 && x < WIDTH - 2 && y > 2 && y < HEIGHT - 2;
+      bad += inWindow && !OnParallel(x, y, lat);
+    };
+    for (const PathRecorder::Piece& piece : recorder.pieces)
+      for (size_t i = 0; i < piece.points.size(); ++i) {
+        const PathRecorder::Point& p = piece.points[i];
+        check(p.x, p.y);
+        // Half way along a segment the line is still there.
+        if (i > 0) check((p.x + piece.points[i - 1].x) / 2, (p.y + piece.points[i - 1].y) / 2);
+      }
+    EXPECT_EQ(bad, 0) << "parallel " << lat;
+  }
+  EXPECT_EQ(recorder.strayLines, 0);
+}
+
+// Every place of a route that is seen lies on its line, and the line nowhere else.
+TEST_P(DrawnMap, RoutesRunAlongGreatCircles) {
+  const K7LatLon from(GetParam().lat > 89 ? 80 : GetParam().lat, GetParam().lon - 20);
+  for (const K7LatLon& to : {K7LatLon(35, 140), K7LatLon(-34, 151), K7LatLon(64, -21), K7LatLon(-10, 20)}) {
+    const K7LatLon route[] = {from, to};
+    recorder.Clear();
+    K7MapPath(*view).GreatCircle(&recorder, route, 2);
+    int missed = 0;
+    const double course = from.InitCourse(to), length = from.Distance(to);
+    for (int i = 1; i < 200; ++i) {
+      K7LatLon place;
+      place.EndPoint(from, course, length * i / 200);
+      double x, y;
+      if (!view->ToDevice(place.Lat(), place.Lon(), x, y) || Squeezed(x, y, place)) continue;
+      missed += recorder.Distance(x, y) > 1;
+    }
+    EXPECT_EQ(missed, 0) << to.Lat() << " " << to.Lon();
+  }
+}
+
+TEST_P(DrawnMap, TheWholeMapIsWherePickingFindsOne) {
+  K7MapPath(*view).WholeMap(&recorder);
+  const double south = GetParam().type == K7_PROJ_MERCATOR ? -89.9 : -90.1;
+  const auto drawn = [&](double lat, double) {
+    if (GetParam().type != K7_PROJ_LAMBERT) return lat > south && lat < -south;
+    return GetParam().lat < 0 ? lat < 79.9 : lat > -79.9;
+  };
+  // Stereographic and gnomonic maps end where a picture makes no more sense.
+  EXPECT_LE(WrongPixels(drawn), GetParam().type == K7_PROJ_STEREOGRAPHIC ? 60 : 1);
+}
+
+class Land : public DrawnMap {
+ protected:
+  static void SetUpTestSuite() {
+    K7ShpFile file;
+    file.KeepNullShapes(true);
+    ASSERT_EQ(file.Read(K7_SAMPLE_DATA "/ne_110m_land.shp", K7IO::Inst()), 0);
+    for (int i = 0; i < file.StoredCount(); ++i) {
+      const K7ShpObj& shape = *file.GetRecord(i)->Obj();
+      Ring points;
+      std::vector<int> sizes;
+      for (int k = 0; k < shape.GetPointCount(); ++k)
+        points.emplace_back(shape.Points()[k].y, shape.Points()[k].x);
+      for (int k = 0; k < shape.GetPolyCount(); ++k) sizes.push_back(shape.GetPolySize(k));
+      ASSERT_EQ(land.Add(K7_MAP_AREA, points.data(), sizes.data(), shape.GetPolyCount()), i);
+    }
+  }
+
+  void ExpectAt(bool isLand, const Ring& places) {
+    for (const K7LatLon& p : places) {
+      double x, y;
+      if (!view->ToDevice(p.Lat(), p.Lon(), x, y) || Squeezed(x, y, p)) continue;
+      EXPECT_EQ(recorder.Encloses(x, y), isLand) << p.Lat() << " " << p.Lon();
+    }
+  }
+
+  static K7MapFeatures land;
+};
+K7MapFeatures Land::land;
+
+TEST_P(Land, IsLandAndSeaIsSea) {
+  K7MapPath path(*view);
+  for (int i = 0; i < land.Count(); ++i) path.Area(&recorder, land, i);
+  // The middles of continents, and of oceans.
+  ExpectAt(true, {{62, -110},
+                  {40, -100},
+                  {-10, -55},
+                  {5, 20},
+                  {25, 5},
+                  {55, 40},
+                  {62, 100},
+                  {35, 95},
+                  {-25, 135},
+                  {-80, 60},
+                  {-85, 100},
+                  {75, -40}});
+  ExpectAt(false, {{0, -150},
+                   {0, 178},
+                   {-40, -120},
+                   {30, -40},
+                   {-30, -15},
+                   {-25, 80},
+                   {35, 170},
+                   {85, 0},
+                   {87, 179},
+                   {-60, -100},
+                   {-60, 90},
+                   {45, -40},
+                   {-15, -110}});
+}
+
+// A coast is drawn where the area's edge is, and not where the data were cut.
+TEST_P(Land, HasCoastsButNoSeams) {
+  K7MapPath path(*view);
+  for (int i = 0; i < land.Count(); ++i) path.Outline(&recorder, land, i);
+  const auto near = [&](double lat, double lon) {
+    double x, y;
+    const bool shows = view->ToDevice(lat, lon, x, y) && !Squeezed(x, y, {lat, lon});
+    return shows ? recorder.Distance(x, y) : NAN;
+  };
+  // Chukotka at 180, far from its shores at this scale, and the edge along the south pole.
+  if (GetParam().range > 0) {
+    EXPECT_FALSE(near(66.9, 180) < 2);
+  }
+  for (double lon = -170; lon < 180; lon += 40) EXPECT_FALSE(near(-89.5, lon) < 1) << lon;
+  const K7LatLon corner = land.Point(0, 0);
+  EXPECT_FALSE(near(corner.Lat(), corner.Lon()) > 0.5);
+}
+
+std::vector<Case> Cases() {
+  std::vector<Case> cases;
+  for (int type = K7_PROJ_LAMBERT; type <= K7_PROJ_GNOMONIC; ++type)
+    for (const auto& [lat, lon] :
+         {std::pair{48.5, -123.5}, {0.0, 180.0}, {-12.0, -179.0}, {89.9, 0.0}, {-90.0, 40.0}})
+      for (const double range : {0.0, 1500.0}) {
+        const bool mercatorPole = type == K7_PROJ_MERCATOR && std::fabs(lat) > 85;
+        if (!mercatorPole) cases.push_back({static_cast<K7ProjType>(type), lat, lon, range});
+      }
+  for (const double pitch : {-60.0, -25.0}) cases.push_back({K7_PROJ_PERSPECTIVE, 48.5, -123.5, 0, pitch});
+  return cases;
+}
+
+INSTANTIATE_TEST_SUITE_P(AllProjections, DrawnMap, testing::ValuesIn(Cases()));
+INSTANTIATE_TEST_SUITE_P(AllProjections, Land, testing::ValuesIn(Cases()));
+
+}  // namespace
