@@ -2,7 +2,7 @@
 // area, and every point of a line lies on it, in each projection, about centres at the seam, the poles and
 // between.
 
-#include "shape_layer.h"
+#include "layers/shape_layer.h"
 
 #include <gtest/gtest.h>
 
@@ -18,6 +18,11 @@ struct Case {
   GeoPoint centre;
   double rangeNM;
   double pitch = -90;  // of the general perspective
+};
+
+struct Quiet : Progress {
+  void Step(const std::string&) override {}
+  void Within(double) override {}
 };
 
 class DrawnMap : public testing::TestWithParam<Case> {
@@ -170,7 +175,7 @@ TEST_P(DrawnMap, LinesStayOnTheirParallel) {
 TEST_P(DrawnMap, LandIsLandAndSeaIsSea) {
   ShapeLayer land(LayerKind::Land, K7_SAMPLE_DATA "/ne_110m_land.shp");
   ASSERT_EQ(land.Load(), "");
-  Progress progress;
+  Quiet progress;
   land.Draw(*view, 0.1, progress);
   const auto expect = [&](bool isLand, const std::vector<GeoPoint>& places) {
     for (const GeoPoint& p : places) {

@@ -1,7 +1,7 @@
 // The command line of k7chart.
 #pragma once
 
-#include "world_chart.h"
+#include "sheet/world_chart.h"
 
 #include <string>
 #include <vector>

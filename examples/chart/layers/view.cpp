@@ -1,4 +1,4 @@
-#include "view.h"
+#include "layers/view.h"
 
 #include <k7/geodesy/constants.h>
 #include <k7/projection/azimuthal.h>

@@ -1,6 +1,4 @@
-#include "shape_layer.h"
-
-#include "style.h"
+#include "layers/shape_layer.h"
 
 #include <k7/foundation/error_string.h>
 #include <k7/io/io.h>

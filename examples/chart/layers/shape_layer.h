@@ -1,15 +1,14 @@
 // A layer of the chart: one shapefile set and the way it is drawn.
 #pragma once
 
-#include "geo_path.h"
-#include "progress.h"
+#include "ink/progress.h"
+#include "ink/style.h"
+#include "layers/geo_path.h"
 
 #include <k7/geometry/shp_file.h>
 
 #include <memory>
 #include <string>
-
-enum class LayerKind { Land, Lakes, Rivers, Borders, Other };
 
 class ShapeLayer {
  public:

@@ -1,6 +1,6 @@
-#include "scale_bar.h"
+#include "sheet/scale_bar.h"
 
-#include "style.h"
+#include "ink/style.h"
 
 #include <k7/foundation/string.h>
 

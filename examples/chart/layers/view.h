@@ -1,7 +1,7 @@
 // A view of the world: a projection, a graphics context, and what of the world shows.
 #pragma once
 
-#include "cairo_grfx.h"
+#include "ink/cairo_grfx.h"
 
 #include <k7/geodesy/ecef.h>
 #include <k7/geodesy/latlon.h>

@@ -1,4 +1,4 @@
-#include "cairo_grfx.h"
+#include "ink/cairo_grfx.h"
 
 CairoGrfx::CairoGrfx(cairo_t* cairo, int width, int height)
     : m_cairo(cairo), m_width(width), m_height(height) {

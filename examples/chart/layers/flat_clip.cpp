@@ -1,6 +1,6 @@
 // Cutting on the unrolled map, where latitude and longitude are plane coordinates.
 
-#include "geo_clip.h"
+#include "layers/geo_clip.h"
 
 #include <algorithm>
 #include <cmath>

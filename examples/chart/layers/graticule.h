@@ -1,7 +1,7 @@
 // Meridians and parallels, and their labels at the frame.
 #pragma once
 
-#include "geo_path.h"
+#include "layers/geo_path.h"
 
 #include <string>
 

@@ -1,11 +1,12 @@
-// k7chart: draws charts of the real world with k7core. The page to read when writing a host: options.cpp
-// reads what is wanted, view.cpp sets a projection up on the graphics context of cairo_grfx.cpp, geo_path.cpp
-// turns positions into paths, world_chart.cpp puts the chart together.
+// k7chart: draws charts of the real world with k7core. The page to read when writing a host: app/ reads what
+// is wanted, layers/ sets a projection up on the graphics context of ink/ and turns positions into paths,
+// sheet/ puts chart and page together.
 
-#include "gallery.h"
-#include "options.h"
-#include "page.h"
-#include "style.h"
+#include "app/options.h"
+#include "app/progress_line.h"
+#include "ink/style.h"
+#include "sheet/gallery.h"
+#include "sheet/page.h"
 
 #include <k7/io/io.h>
 
@@ -37,11 +38,10 @@ std::string DrawPage(const Options& options) {
 
   std::string problem;
   {
-    Progress progress;
+    ProgressLine progress(static_cast<int>(drawn.size()) * (options.gallery ? GALLERY_CHARTS : 1));
     if (options.gallery) {
-      problem = DrawGallery(page.Cairo(), options, drawn, progress);
+      problem = DrawGallery(page.Cairo(), options.chart, options.width, options.height, drawn, progress);
     } else {
-      progress.SetTotal(static_cast<int>(drawn.size()));
       const double size = std::max(9.0, std::min(options.width, options.height) / 80.0);
       WorldChart chart(options.chart, drawn, progress);
       problem = chart.Draw(page.Cairo(), {0, 0, options.width * 1.0, options.height * 1.0, size});

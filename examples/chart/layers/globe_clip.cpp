@@ -1,6 +1,6 @@
 // Cutting on the globe: what lies within an angle of one point.
 
-#include "geo_clip.h"
+#include "layers/geo_clip.h"
 
 #include <k7/geodesy/constants.h>
 

@@ -1,4 +1,4 @@
-#include "gallery.h"
+#include "sheet/gallery.h"
 
 #include <algorithm>
 
@@ -11,20 +11,20 @@ constexpr K7ProjType ORDER[] = {
 };
 constexpr int COLUMNS = 3;
 constexpr int ROWS = 3;
+static_assert(COLUMNS * ROWS == GALLERY_CHARTS && std::size(ORDER) == GALLERY_CHARTS);
 
 // Mercator's poles lie at infinity: a sheet about a pole shows what is nearest to it there.
 constexpr double MERCATOR_LIMIT = 80;
 
 }  // namespace
 
-std::string DrawGallery(cairo_t* cairo, const Options& options, const std::vector<const ShapeLayer*>& layers,
-                        Progress& progress) {
-  progress.SetTotal(static_cast<int>(layers.size()) * COLUMNS * ROWS);
-  const double width = static_cast<double>(options.width) / COLUMNS;
-  const double height = static_cast<double>(options.height) / ROWS;
+std::string DrawGallery(cairo_t* cairo, const ChartRequest& common, int sheetWidth, int sheetHeight,
+                        const std::vector<const ShapeLayer*>& layers, Progress& progress) {
+  const double width = static_cast<double>(sheetWidth) / COLUMNS;
+  const double height = static_cast<double>(sheetHeight) / ROWS;
   const double size = std::max(6.5, std::min(width, height) / 40);
   for (int i = 0; i < COLUMNS * ROWS; ++i) {
-    ChartRequest request = options.chart;
+    ChartRequest request = common;
     request.type = ORDER[i];
     if (request.type == K7_PROJ_MERCATOR)
       request.centre.lat = std::clamp(request.centre.lat, -MERCATOR_LIMIT, MERCATOR_LIMIT);

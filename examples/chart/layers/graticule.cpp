@@ -1,6 +1,6 @@
-#include "graticule.h"
+#include "layers/graticule.h"
 
-#include "style.h"
+#include "ink/style.h"
 
 #include <k7/geodesy/constants.h>
 

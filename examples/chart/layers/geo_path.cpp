@@ -1,6 +1,6 @@
-#include "geo_path.h"
+#include "layers/geo_path.h"
 
-#include "geo_clip.h"
+#include "layers/geo_clip.h"
 
 #include <k7/geodesy/constants.h>
 

@@ -1,6 +1,4 @@
-#include "style.h"
-
-#include "shape_layer.h"
+#include "ink/style.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "page.h"
+#include "sheet/page.h"
 
 #include <k7/foundation/string.h>
 #include <k7/io/file.h>

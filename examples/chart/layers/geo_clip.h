@@ -1,7 +1,7 @@
 // Cuts lines and areas to what a projection can show: a window of the unrolled map, or a cap of the globe.
 #pragma once
 
-#include "geo_path.h"
+#include "layers/geo_path.h"
 
 /// A run of surface points as unit vectors.
 using GlobeLine = std::vector<K7ECEF>;

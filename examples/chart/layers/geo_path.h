@@ -1,7 +1,7 @@
 // Geographic lines and areas as device paths: cut where the projection cuts the world, bent where it bends.
 #pragma once
 
-#include "view.h"
+#include "layers/view.h"
 
 #include <vector>
 

@@ -1,8 +1,8 @@
 // One chart: a projection's view of the world with its layers, in a frame with labels and a margin.
 #pragma once
 
-#include "progress.h"
-#include "shape_layer.h"
+#include "ink/progress.h"
+#include "layers/shape_layer.h"
 
 #include <k7/projection/chart.h>
 

@@ -1,6 +1,6 @@
-#include "options.h"
+#include "app/options.h"
 
-#include "page.h"
+#include "sheet/page.h"
 
 #include <k7/io/file.h>
 

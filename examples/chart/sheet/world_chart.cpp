@@ -1,13 +1,14 @@
-#include "world_chart.h"
+#include "sheet/world_chart.h"
 
-#include "graticule.h"
-#include "scale_bar.h"
-#include "style.h"
+#include "ink/style.h"
+#include "layers/graticule.h"
+#include "sheet/scale_bar.h"
 
 #include <k7/foundation/error_string.h>
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 
 namespace {
 
@@ -117,7 +118,8 @@ int WorldChart::Render(K7Grfx* g) {
   SetColor(cairo, SEA);
   cairo_fill(cairo);
   for (const ShapeLayer* layer : m_layers) {
-    m_progress.Step(m_projection->Name(), layer->Path());
+    m_progress.Step(std::string(m_projection->Name()) + ", " +
+                    std::filesystem::path(layer->Path()).stem().string());
     layer->Draw(*m_view, m_scale, m_progress);
   }
   if (m_request.graticule) Graticule(*m_view).DrawLines(m_scale);

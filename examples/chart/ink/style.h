@@ -5,7 +5,7 @@
 
 #include <string>
 
-enum class LayerKind;
+enum class LayerKind { Land, Lakes, Rivers, Borders, Other };
 
 struct Color {
   double red, green, blue, alpha;

@@ -1,0 +1,28 @@
+// A progress line on the terminal, for whatever takes longer than a second.
+#pragma once
+
+#include "ink/progress.h"
+
+#include <chrono>
+
+class ProgressLine : public Progress {
+ public:
+  explicit ProgressLine(int steps);
+  /// Wipes the line.
+  ~ProgressLine() override;
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+
+  void Step(const std::string& what) override;
+  void Within(double share) override;
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  Clock::time_point m_next;  // when the line is written again
+  std::string m_step;
+  bool m_terminal;
+  bool m_shown = false;
+  int m_steps;
+  int m_done = 0;
+};

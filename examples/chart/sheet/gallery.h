@@ -1,0 +1,11 @@
+// All nine projections on one sheet.
+#pragma once
+
+#include "sheet/world_chart.h"
+
+inline constexpr int GALLERY_CHARTS = 9;
+
+/// Draws each projection about the same centre, each with its own idea of the whole world unless a range is
+/// given. Empty, or what went wrong.
+std::string DrawGallery(cairo_t* cairo, const ChartRequest& request, int width, int height,
+                        const std::vector<const ShapeLayer*>& layers, Progress& progress);
