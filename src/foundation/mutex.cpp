@@ -39,6 +39,7 @@ K7Mutex::K7Mutex() : m_state(NewState()) {}
 
 K7Mutex::K7Mutex(const K7Mutex& other) noexcept : m_state(other.m_state) { Acquire(m_state); }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): what is acquired first survives the release
 K7Mutex& K7Mutex::operator=(const K7Mutex& other) noexcept {
   Acquire(other.m_state);
   Release(m_state);

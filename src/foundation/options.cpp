@@ -154,6 +154,7 @@ int K7Options::SetOption(const char* key, double value, const char* group) {
 int K7Options::SetOption(const char* key, int value, const char* group) {
   if (!key) return K7_ERR_BAD_ARGUMENT;
   K7String text;
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
   const char* const address = reinterpret_cast<const char*>(static_cast<intptr_t>(value));
   const int length = text.Format("%s", address);
   return length < 0 ? length : SetOption(key, text, group);

@@ -114,7 +114,8 @@ class Fields {
     m_decimalMinutes = (m_decimalDegrees - m_degrees) * 60;
     m_minutes = static_cast<int>(m_decimalMinutes);
     m_decimalSeconds = (m_decimalMinutes - m_minutes) * 60;
-    m_seconds = static_cast<int>(m_decimalSeconds + 0.5);
+    m_seconds =
+        static_cast<int>(m_decimalSeconds + 0.5);  // NOLINT(bugprone-incorrect-roundings): never negative
   }
 
   // Learns what the template prints. The size of the text at most; 0 when the template is wrong.

@@ -272,9 +272,12 @@ bool K7LatLon::ParseLat(const char*, const char*) { return false; }
 
 bool K7LatLon::ParseLon(const char*, const char*) { return false; }
 
+// Taken by value, as the interface has it.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 bool K7LatLon::ParseLatLon424Format(K7String text) { return ReadQuadrantForm(Whole(text), m_lat, m_lon); }
 
 bool K7LatLon::ParseLatLonFmsFormat(K7String text) { return ReadFmsForm(Whole(text), m_lat, m_lon); }
+// NOLINTEND(performance-unnecessary-value-param)
 
 int K7LatLon::ParseLatLon(const char* text) {
   if (!text) return 0;

@@ -35,6 +35,7 @@ bool GetRange(const double* values, double& min, double& max) {
 }
 
 bool Ascending(const int32_t* starts, int count, int points) {
+  // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): null only with no parts
   if (count > 0 && (starts[0] < 0 || starts[count - 1] > points)) return false;
   return std::is_sorted(starts, starts + count);
 }
@@ -141,6 +142,7 @@ int K7ShpPoly::GetPolyCount() const { return m_partCount; }
 int K7ShpPoly::GetPolySize(int i) const {
   if (i < 0 || i >= m_partCount) return K7_ERR_OUT_OF_RANGE;
   const int32_t* const starts = PartStarts();
+  // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): there is a part
   return (i + 1 < m_partCount ? starts[i + 1] : m_pointCount) - starts[i];
 }
 

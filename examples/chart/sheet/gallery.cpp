@@ -29,7 +29,8 @@ std::string DrawGallery(cairo_t* cairo, const ChartRequest& common, int sheetWid
     if (request.type == K7_PROJ_MERCATOR)
       request.centre.lat = std::clamp(request.centre.lat, -MERCATOR_LIMIT, MERCATOR_LIMIT);
     WorldChart chart(std::move(request), layers, progress);
-    const ChartBox box = {width * (i % COLUMNS), height * (i / COLUMNS), width, height, size};
+    const int row = i / COLUMNS;
+    const ChartBox box = {width * (i % COLUMNS), height * row, width, height, size};
     if (std::string problem = chart.Draw(cairo, box); !problem.empty()) return problem;
   }
   return {};

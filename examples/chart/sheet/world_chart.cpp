@@ -91,8 +91,10 @@ std::string WorldChart::SetParams() {
       ++index;
     if (index == m_projection->ParamCount()) {
       std::string known;
-      for (int i = 0; i < index; ++i)
-        known += std::string(i ? ", " : "; it has ") + m_projection->ParamName(i);
+      for (int i = 0; i < index; ++i) {
+        known += i ? ", " : "; it has ";
+        known += m_projection->ParamName(i);
+      }
       return std::string(m_projection->Name()) + " has no parameter '" + name + "'" + known;
     }
     m_projection->ParamValue(index, value);
