@@ -174,8 +174,8 @@ TEST_P(DrawnMap, LinesStayOnTheirParallel) {
 
 TEST_P(DrawnMap, LandIsLandAndSeaIsSea) {
   ShapeLayer land(LayerKind::Land, K7_SAMPLE_DATA "/ne_110m_land.shp");
-  ASSERT_EQ(land.Load(), "");
   Quiet progress;
+  ASSERT_EQ(land.Load(progress), "");
   land.Draw(*view, 0.1, progress);
   const auto expect = [&](bool isLand, const std::vector<GeoPoint>& places) {
     for (const GeoPoint& p : places) {

@@ -2,64 +2,76 @@
 // is wanted, layers/ sets a projection up on the graphics context of ink/ and turns positions into paths,
 // sheet/ puts chart and page together.
 
-#include "app/options.h"
-#include "app/progress_line.h"
-#include "ink/style.h"
-#include "sheet/gallery.h"
-#include "sheet/page.h"
+#include "app/verb.h"
 
 #include <k7/io/io.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
-#include <memory>
+#include <cstring>
 
 namespace {
 
-int Fail(const std::string& problem) {
-  std::fprintf(stderr, "k7chart: %s\n", problem.c_str());
-  return 1;
+// An option that another verb has would be ignored by this one; one that is called like a verb is meant as
+// that.
+std::string UnknownOption(const VerbRow& row, const std::string& argument) {
+  const std::string name = argument.substr(0, argument.find('='));
+  const std::string see = std::string(" (see k7chart ") + row.name + " --help)";
+  if (name.compare(0, 2, "--") == 0 && FindVerb(name.substr(2)))
+    return "unknown option " + Quoted(name) + ": say 'k7chart " + name.substr(2) + "'";
+  for (const VerbRow& other : Verbs()) {
+    OptionTable options;
+    const std::unique_ptr<Verb> verb = other.make();
+    verb->AddOptions(options);
+    if (options.Has(name)) return std::string(row.name) + " takes no " + name + see;
+  }
+  return "unknown option " + Quoted(name) + see;
 }
 
-std::string DrawPage(const Options& options) {
-  std::vector<std::unique_ptr<ShapeLayer>> layers;
-  std::vector<const ShapeLayer*> drawn;
-  for (const LayerRequest& request : options.layers) {
-    layers.push_back(std::make_unique<ShapeLayer>(request.kind, request.path));
-    if (std::string problem = layers.back()->Load(); !problem.empty()) return problem;
-    drawn.push_back(layers.back().get());
-  }
-
-  PageFormat format{};
-  PageFormatOf(options.output, format);
-  Page page(format, options.width, options.height);
-  if (!page.IsValid()) return "out of memory";
-  SetColor(page.Cairo(), PAPER);
-  cairo_paint(page.Cairo());
-
+std::string RunVerb(const VerbRow& row, const std::vector<std::string>& arguments) {
+  const std::unique_ptr<Verb> verb = row.make();
+  OptionTable options;
+  verb->AddOptions(options);
   std::string problem;
-  {
-    ProgressLine progress(static_cast<int>(drawn.size()) * (options.gallery ? GALLERY_CHARTS : 1));
-    if (options.gallery) {
-      problem = DrawGallery(page.Cairo(), options.chart, options.width, options.height, drawn, progress);
-    } else {
-      const double size = std::max(9.0, std::min(options.width, options.height) / 80.0);
-      WorldChart chart(options.chart, drawn, progress);
-      problem = chart.Draw(page.Cairo(), {0, 0, options.width * 1.0, options.height * 1.0, size});
+  for (size_t i = 0; i < arguments.size() && problem.empty(); ++i) {
+    const std::string& argument = arguments[i];
+    if (argument == "--help" || argument == "-h") {
+      std::fputs(VerbHelp(row).c_str(), stdout);
+      return {};
     }
+    if (argument.empty() || argument[0] != '-')
+      problem = verb->TakeArgument(argument);
+    else
+      problem = options.Has(argument) ? options.Take(arguments, i) : UnknownOption(row, argument);
   }
-  return problem.empty() ? page.Save(options.output) : problem;
+  return problem.empty() ? verb->Run() : problem;
+}
+
+std::string RunCommand(std::vector<std::string> arguments) {
+  const std::string first = arguments.empty() ? std::string() : arguments[0];
+  if (first == "--help" || first == "-h") return RunVerb(*FindVerb("help"), {});
+  if (first == "--version") {
+    std::puts("k7chart " K7CHART_VERSION);
+    return {};
+  }
+  const VerbRow* row = FindVerb("draw");
+  if (!arguments.empty() && (first.empty() || first[0] != '-')) {
+    row = FindVerb(first);
+    if (!row) return "there is no verb " + Quoted(first) + " (see k7chart --help)";
+    arguments.erase(arguments.begin());
+  }
+  return RunVerb(*row, arguments);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  Options options;
-  if (const std::string problem = ParseOptions(argc, argv, options); !problem.empty()) return Fail(problem);
-  if (options.help) {
-    std::fputs(HelpText(), stdout);
-    return 0;
-  }
-  const std::string problem = DrawPage(options);
+  std::string problem = RunCommand({argv + std::min(argc, 1), argv + argc});
+  if (problem.empty() && std::fflush(stdout) != 0)
+    problem = std::string("cannot write to the standard output: ") + std::strerror(errno);
   K7IO::Destroy();
-  return problem.empty() ? 0 : Fail(problem);
+  if (problem.empty()) return 0;
+  std::fprintf(stderr, "k7chart: %s\n", problem.c_str());
+  return 1;
 }

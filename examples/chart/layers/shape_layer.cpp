@@ -4,8 +4,11 @@
 #include <k7/io/io.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
+#include <filesystem>
 
 namespace {
 
@@ -91,15 +94,42 @@ bool IsArea(int type) {
   return type == K7_SHP_POLYGON || type == K7_SHP_POLYGON_Z || type == K7_SHP_POLYGON_M;
 }
 
+// A set is three files. Empty when all of them open, else which does not and why.
+std::string MissingFile(const std::filesystem::path& set) {
+  for (const char* const ending : {".shp", ".dbf", ".shx"}) {
+    const std::filesystem::path path = std::filesystem::path(set).replace_extension(ending);
+    const bool main = K7String::IComp(set.extension().string().c_str(), ending) == 0;
+    std::FILE* const file = std::fopen((main ? set : path).string().c_str(), "rb");
+    if (file) {
+      std::fclose(file);
+      continue;
+    }
+    const std::string why = std::strerror(errno);
+    if (main) return "cannot read '" + set.string() + "': " + why;
+    return "cannot read '" + path.string() + "', which belongs to the shapefile set '" + set.string() +
+           "': " + why;
+  }
+  return {};
+}
+
 }  // namespace
 
-std::string ShapeLayer::Load() {
+std::string ShapeLayer::Load(Progress& progress) {
+  progress.Step("reading " + std::filesystem::path(m_path).stem().string());
+  if (std::string missing = MissingFile(m_path); !missing.empty()) return missing;
+  m_file.progress = &progress;
   m_file.KeepNullShapes(true);
   const int code = m_file.Read(m_path.c_str(), K7IO::Inst());
+  m_file.progress = nullptr;
   const char* const message = K7ErrorString::ErrorString(code);
   if (code == 0 && (m_file.StoredCount() == 0 || HasPosition())) return {};
   if (code == 0) return "the shapefile set '" + m_path + "' has no positions in degrees";
   return "cannot read the shapefile set '" + m_path + "': " + (message ? message : "unknown error");
+}
+
+K7ShpRecord* ShapeLayer::File::NextRecord() {
+  if (progress && RecordCount() > 0) progress->Within(static_cast<double>(StoredCount()) / RecordCount());
+  return K7ShpFile::NextRecord();
 }
 
 // Sets in projected coordinates have none, and would draw nothing.

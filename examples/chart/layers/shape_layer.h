@@ -15,7 +15,7 @@ class ShapeLayer {
   ShapeLayer(LayerKind kind, std::string path) : m_kind(kind), m_path(std::move(path)) {}
 
   /// Reads the whole set. Empty, or what went wrong.
-  std::string Load();
+  std::string Load(Progress& progress);
   /// `scale` widens lines and points on larger sheets.
   void Draw(const View& view, double scale, Progress& progress) const;
   const std::string& Path() const { return m_path; }
@@ -26,8 +26,15 @@ class ShapeLayer {
   void DrawLines(const View& view, double scale) const;
   void DrawPoints(const View& view, double scale) const;
 
+  // Reports how far the reading has come.
+  class File : public K7ShpFile {
+   public:
+    K7ShpRecord* NextRecord() override;
+    Progress* progress = nullptr;
+  };
+
   LayerKind m_kind;
   std::string m_path;
   // The readers' hooks are not const: shapes answer through the file.
-  mutable K7ShpFile m_file;
+  mutable File m_file;
 };

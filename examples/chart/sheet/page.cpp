@@ -72,7 +72,8 @@ cairo_status_t Page::Collect(void* page, const unsigned char* data, unsigned len
   return CAIRO_STATUS_SUCCESS;
 }
 
-std::string Page::Save(const std::string& path) {
+std::string Page::Save(const std::string& path, Progress& progress) {
+  progress.Step("writing " + std::filesystem::path(path).filename().string());
   cairo_status_t status = cairo_status(m_cairo);
   if (status == CAIRO_STATUS_SUCCESS && m_format == PageFormat::PNG)
     status = cairo_surface_write_to_png_stream(m_surface, Collect, this);

@@ -1,6 +1,8 @@
 // The sheet that is drawn on and the file that it becomes.
 #pragma once
 
+#include "ink/progress.h"
+
 #include <cairo.h>
 
 #include <string>
@@ -23,7 +25,7 @@ class Page {
   cairo_t* Cairo() const { return m_cairo; }
   /// Finishes the sheet and puts it into the place of `path` in one step, so that no half-written picture is
   /// ever seen there. Empty, or what went wrong.
-  std::string Save(const std::string& path);
+  std::string Save(const std::string& path, Progress& progress);
 
  private:
   static cairo_status_t Collect(void* page, const unsigned char* data, unsigned length);

@@ -72,34 +72,31 @@ std::string WorldChart::SetUp(CairoGrfx& grfx) {
   const GeoPoint c = m_request.centre;
   m_projection = MakeProjection(m_request.type, c.lat, c.lon, m_request.rangeNM);
   if (!m_projection) return "out of memory";
-  if (std::string problem = SetParams(); !problem.empty()) return problem;
+  if (std::string problem = SetParams(*m_projection, m_request.params); !problem.empty()) return problem;
   m_view = std::make_unique<View>(*m_projection, grfx);
   if (m_view->IsTilted() && m_request.rangeNM > 0)
     return "a tilted view shows what its field of view holds: it takes no --range";
-  if (m_view->LookAt(c.lat, c.lon, m_request.rangeNM)) return {};
+  if (m_view->LookAt(c.lat, c.lon, m_request.rangeNM))
+    return !m_view->IsTilted() || ShowsEarth()
+               ? std::string()
+               : "the eye sees nothing but sky: the chart needs a lower Pitch, a lower Altitude (ft) or a "
+                 "wider Field of View Y (degs)";
   m_view.reset();
   const char* const cause = K7ErrorString::ErrorString(K7_ERR_PROJECTION_RANGE);
   return std::string("this centre, range and parameters give no ") + m_projection->Name() +
          " chart: " + cause;
 }
 
-std::string WorldChart::SetParams() {
-  for (const auto& [name, value] : m_request.params) {
-    int index = 0;
-    while (index < m_projection->ParamCount() &&
-           K7String::IComp(name.c_str(), m_projection->ParamName(index)) != 0)
-      ++index;
-    if (index == m_projection->ParamCount()) {
-      std::string known;
-      for (int i = 0; i < index; ++i) {
-        known += i ? ", " : "; it has ";
-        known += m_projection->ParamName(i);
-      }
-      return std::string(m_projection->Name()) + " has no parameter '" + name + "'" + known;
-    }
-    m_projection->ParamValue(index, value);
-  }
-  return {};
+// A tilted eye may look past the earth.
+bool WorldChart::ShowsEarth() const {
+  static const int STEPS = 50;
+  GeoPoint point;
+  for (int row = 0; row <= STEPS; ++row)
+    for (int column = 0; column <= STEPS; ++column)
+      if (m_view->FromDevice(1.0 * m_view->Grfx().Width() * column / STEPS,
+                             1.0 * m_view->Grfx().Height() * row / STEPS, point))
+        return true;
+  return false;
 }
 
 K7ChartRect WorldChart::GetExtent() const {

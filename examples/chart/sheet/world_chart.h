@@ -3,6 +3,7 @@
 
 #include "ink/progress.h"
 #include "layers/shape_layer.h"
+#include "sheet/projection_params.h"
 
 #include <k7/projection/chart.h>
 
@@ -16,7 +17,7 @@ struct ChartRequest {
   GeoPoint centre{48.5, -123.5};
   double rangeNM = 0;  // from the centre to the nearer edge; 0: all that the projection can show
   bool graticule = true;
-  std::vector<std::pair<std::string, double>> params;  // by the names that the projection gives them
+  ProjectionParams params;
 };
 
 /// Where a chart stands on the sheet, in pixels, and how large its lettering is.
@@ -40,7 +41,7 @@ class WorldChart : public K7Chart {
 
  private:
   std::string SetUp(CairoGrfx& grfx);
-  std::string SetParams();
+  bool ShowsEarth() const;
   void DrawMargin(cairo_t* cairo, const ChartBox& window) const;
   std::string Params() const;
   std::string CentreText() const;

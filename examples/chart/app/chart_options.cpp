@@ -1,0 +1,119 @@
+#include "app/chart_options.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr double MAX_RANGE_NM = 10800;  // half way around the earth
+
+constexpr NamedProjection PROJECTIONS[] = {
+    {"lambert", K7_PROJ_LAMBERT},
+    {"mercator", K7_PROJ_MERCATOR},
+    {"orthographic", K7_PROJ_ORTHOGRAPHIC},
+    {"rectangular", K7_PROJ_RECTANGULAR},
+    {"miller", K7_PROJ_MILLER},
+    {"albers", K7_PROJ_ALBERS},
+    {"perspective", K7_PROJ_PERSPECTIVE},
+    {"stereographic", K7_PROJ_STEREOGRAPHIC},
+    {"gnomonic", K7_PROJ_GNOMONIC},
+};
+
+std::string ProjectionNames() {
+  std::string names;
+  for (const NamedProjection& projection : PROJECTIONS) {
+    names += names.empty() ? "" : ", ";
+    names += projection.name;
+  }
+  return names;
+}
+
+std::string SetProjection(const char* text, ChartRequest& request) {
+  for (const NamedProjection& projection : PROJECTIONS) {
+    if (K7String::IComp(text, projection.name) != 0) continue;
+    request.type = projection.type;
+    return {};
+  }
+  return "unknown projection " + Quoted(text) + " (" + ProjectionNames() + ")";
+}
+
+std::string AddParam(const char* text, ChartRequest& request) {
+  const char* const equals = std::strrchr(text, '=');
+  double value = 0;
+  if (!equals || equals == text || !ReadNumber(equals + 1, value))
+    return "a parameter is \"NAME=NUMBER\", not " + Quoted(text);
+  const std::string name(text, equals);
+  for (const auto& [known, number] : request.params)
+    if (K7String::IComp(known.c_str(), name.c_str()) == 0)
+      return "the parameter " + Quoted(name) + " is set twice";
+  request.params.emplace_back(name, value);
+  return {};
+}
+
+// A latitude with its letter and a longitude without one, or the other way round, is half a position that
+// reads as a whole one: "N48 30.0" would lie at N48 E30. Signs and commas tell the halves apart as well, and
+// the quadrant form ("50N40") has one letter for both.
+std::string MissingHalf(const char* text) {
+  K7LatLon quadrant;
+  if (quadrant.ParseLatLon424Format(text) || std::strpbrk(text, "+-,;")) return {};
+  const bool latitude = std::strpbrk(text, "NSns");
+  const bool longitude = std::strpbrk(text, "EWew");
+  if (latitude == longitude) return {};
+  return latitude ? "no longitude: there is no E or W" : "no latitude: there is no N or S";
+}
+
+std::string SetCentre(const char* text, ChartRequest& request) {
+  static const char* const EXAMPLE = " (write it as \"N48 30.0 W123 30.0\")";
+  const std::string missing = MissingHalf(text);
+  if (!missing.empty()) return "the position " + Quoted(text) + " has " + missing + EXAMPLE;
+  K7LatLon centre;
+  if (centre.ParsePosition(text) == 0) return "cannot read the position " + Quoted(text) + EXAMPLE;
+  request.centre = {centre.Lat(), centre.Lon()};
+  return {};
+}
+
+std::string SetRange(const char* text, ChartRequest& request) {
+  double range = 0;
+  if (!ReadNumber(text, range) || range < 1 || range > MAX_RANGE_NM)
+    return "the range is nautical miles from 1 to 10800, not " + Quoted(text);
+  request.rangeNM = range;
+  return {};
+}
+
+constexpr OptionRow<ChartRequest> PROJECTION_OPTIONS[] = {
+    {"--projection", "NAME", "one of ", SetProjection, false,
+     [](const ChartRequest&) { return ProjectionNames() + " (default lambert)"; }},
+    {"--param", "NAME=VALUE",
+     "sets a parameter of the projection, as \"Standard Parallel 1=49\"; may be repeated; 'k7chart "
+     "projections' lists them",
+     AddParam, true},
+};
+
+constexpr OptionRow<ChartRequest> PLACE_OPTIONS[] = {
+    {"--center", "POSITION",
+     "where the chart lies, as \"N48 30.0 W123 30.0\" (default), \"48.5, -123.5\" and other usual ways of "
+     "writing it",
+     SetCentre},
+    {"--range", "NM",
+     "nautical miles from the centre to the nearer edge of the chart, 1 to 10800, at the scale that the "
+     "centre "
+     "has along its meridian: where the scale changes outwards, the edge lies nearer or farther than that. "
+     "Without it the chart shows all that the projection can; a tilted perspective always shows what its "
+     "field "
+     "of view holds and takes none",
+     SetRange},
+    {"--no-graticule", nullptr, "leaves out meridians and parallels",
+     [](const char*, ChartRequest& request) {
+       request.graticule = false;
+       return std::string();
+     }},
+};
+
+}  // namespace
+
+std::span<const NamedProjection> Projections() { return PROJECTIONS; }
+
+void AddProjectionOptions(OptionTable& table, ChartRequest& request) {
+  table.Add(PROJECTION_OPTIONS, request);
+}
+
+void AddPlaceOptions(OptionTable& table, ChartRequest& request) { table.Add(PLACE_OPTIONS, request); }

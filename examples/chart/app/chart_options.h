@@ -1,0 +1,20 @@
+// What a chart shows: the options that its request is filled in by.
+#pragma once
+
+#include "app/option_table.h"
+#include "sheet/world_chart.h"
+
+#include <span>
+
+/// What the command line calls a projection.
+struct NamedProjection {
+  const char* name;
+  K7ProjType type;
+};
+
+std::span<const NamedProjection> Projections();
+
+/// --projection and --param.
+void AddProjectionOptions(OptionTable& table, ChartRequest& request);
+/// --center, --range, --no-graticule.
+void AddPlaceOptions(OptionTable& table, ChartRequest& request);

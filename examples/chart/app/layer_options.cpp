@@ -1,0 +1,90 @@
+#include "app/layer_options.h"
+
+#include <k7/foundation/string.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+namespace {
+
+bool IsShapefile(const std::string& name) {
+  return K7String::IComp(std::filesystem::path(name).extension().string().c_str(), ".shp") == 0;
+}
+
+std::string WhatIsThere(const std::string& folder) {
+  const std::string layers = LayersIn(folder);
+  return "the folder " + Quoted(folder) + " has " + (layers.empty() ? "no layers" : layers);
+}
+
+std::string AddLayer(const char* text, LayerOptions& options) {
+  options.names.emplace_back(text);
+  return {};
+}
+
+std::string SetData(const char* text, LayerOptions& options) {
+  options.folder = text;
+  return {};
+}
+
+std::string DataFiles(const LayerOptions&) {
+  std::string files;
+  for (const LayerRow& layer : Layers()) {
+    files += files.empty() ? " " : ", ";
+    files += SetName(layer, DataScale::Coarse) + ".shp";
+  }
+  return files + ", the same with ne_50m_, and to each its .dbf and .shx; all are optional";
+}
+
+constexpr OptionRow<LayerOptions> LAYER_OPTIONS[] = {
+    {"--layer", "LAYER",
+     "one that 'k7chart layers' lists as present, or a shapefile set FILE.shp; may be repeated; without it "
+     "all "
+     "that the data folder has are drawn",
+     AddLayer, true},
+};
+
+constexpr OptionRow<LayerOptions> DATA_OPTIONS[] = {
+    {"--data", "FOLDER",
+     "where the layers are read from (default $K7CHART_DATA, or else the sample data of the source tree):",
+     SetData, false, DataFiles},
+};
+
+// Empty, or what is wrong.
+std::string Find(const std::string& name, const std::string& folder, DataScale scale, LayerRequest& request) {
+  if (const LayerRow* const row = FindLayer(name.c_str())) {
+    request = {row->kind, FindAnySet(folder, *row, scale)};
+    return request.path.empty() ? "no data for the layer " + Quoted(name) + ": " + WhatIsThere(folder)
+                                : std::string();
+  }
+  request = {LayerKind::Other, name};
+  if (IsShapefile(name)) return {};
+  return "unknown layer " + Quoted(name) + ": " + WhatIsThere(folder) + "; a file of your own ends in .shp";
+}
+
+}  // namespace
+
+LayerOptions::LayerOptions() {
+  const char* const given = std::getenv("K7CHART_DATA");
+  folder = given && *given ? given : K7CHART_DATA;
+}
+
+void AddLayerOptions(OptionTable& table, LayerOptions& options) { table.Add(LAYER_OPTIONS, options); }
+
+void AddDataOptions(OptionTable& table, LayerOptions& options) { table.Add(DATA_OPTIONS, options); }
+
+std::string FindLayers(const LayerOptions& options, DataScale scale, std::vector<LayerRequest>& layers) {
+  for (const std::string& name : options.names) {
+    LayerRequest request;
+    if (std::string problem = Find(name, options.folder, scale, request); !problem.empty()) return problem;
+    const bool twice = std::any_of(layers.begin(), layers.end(),
+                                   [&](const LayerRequest& other) { return other.path == request.path; });
+    if (!twice) layers.push_back(std::move(request));
+  }
+  if (!options.names.empty()) return {};
+  for (const LayerRow& row : Layers()) {
+    const std::string path = FindAnySet(options.folder, row, scale);
+    if (!path.empty()) layers.push_back({row.kind, path});
+  }
+  return layers.empty() ? "no map data in the folder " + Quoted(options.folder) : std::string();
+}

@@ -1,0 +1,41 @@
+// k7chart layers: what can be drawn from a data folder.
+
+#include "app/layer_options.h"
+#include "app/verb.h"
+
+#include <cstdio>
+
+namespace {
+
+class LayersVerb : public Verb {
+ public:
+  void AddOptions(OptionTable& table) override { AddDataOptions(table, m_options); }
+
+  std::string Run() override {
+    std::printf("Layers in %s\n\n  %-9s%-11s%-14s%s\n", m_options.folder.c_str(), "layer", "theme", "present",
+                "sets");
+    for (const LayerRow& layer : Layers()) {
+      std::string scales, sets;
+      for (const DataScale scale : DATA_SCALES) {
+        sets += (sets.empty() ? "" : ", ") + SetName(layer, scale);
+        if (FindSet(m_options.folder, layer, scale).empty()) continue;
+        scales += scales.empty() ? "" : " ";
+        scales += ScaleName(scale);
+      }
+      std::printf("  %-9s%-11s%-14s%s\n", layer.name, "", scales.empty() ? "no" : scales.c_str(),
+                  sets.c_str());
+    }
+    std::printf(
+        "\nThe coarse set serves beyond %.0f NM of range, the fine one nearer, either alone where the\n"
+        "other is missing. '--layer FILE.shp' draws any other set.\n",
+        COARSE_FROM_NM);
+    return {};
+  }
+
+ private:
+  LayerOptions m_options;
+};
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeLayers() { return std::make_unique<LayersVerb>(); }

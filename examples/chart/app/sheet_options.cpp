@@ -1,0 +1,39 @@
+#include "app/sheet_options.h"
+
+#include "sheet/page.h"
+
+#include <charconv>
+#include <cstring>
+
+namespace {
+
+constexpr int MIN_PIXELS = 200;
+constexpr int MAX_PIXELS = 16000;
+
+std::string SetSize(const char* text, SheetOptions& options) {
+  const char* const end = text + std::strlen(text);
+  const auto [cross, widthError] = std::from_chars(text, end, options.width);
+  const bool crossed = widthError == std::errc() && (*cross == 'x' || *cross == 'X');
+  const auto [stop, heightError] = std::from_chars(crossed ? cross + 1 : end, end, options.height);
+  const auto fits = [](int pixels) { return pixels >= MIN_PIXELS && pixels <= MAX_PIXELS; };
+  if (!crossed || heightError != std::errc() || stop != end || !fits(options.width) || !fits(options.height))
+    return "the size is WIDTHxHEIGHT in pixels from 200 to 16000, not " + Quoted(text);
+  return {};
+}
+
+std::string SetOutput(const char* text, SheetOptions& options) {
+  PageFormat format;
+  if (!PageFormatOf(text, format)) return "the output ends in .png, .svg or .pdf, unlike " + Quoted(text);
+  options.output = text;
+  return {};
+}
+
+constexpr OptionRow<SheetOptions> SHEET_OPTIONS[] = {
+    {"--size", "WIDTHxHEIGHT", "of the picture in pixels (default 1600x1000)", SetSize},
+    {"--output", "FILE", "the picture: .png, .svg or .pdf (default ", SetOutput, false,
+     [](const SheetOptions& options) { return options.output + ")"; }},
+};
+
+}  // namespace
+
+void AddSheetOptions(OptionTable& table, SheetOptions& options) { table.Add(SHEET_OPTIONS, options); }

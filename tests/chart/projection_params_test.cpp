@@ -1,0 +1,53 @@
+// Parameters that k7chart sets for its user.
+
+#include "sheet/projection_params.h"
+
+#include <k7/projection/conic.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+
+namespace {
+
+// Equal parallels are the cone that touches the globe along one circle (Snyder, USGS Professional Paper 1395,
+// equations 15-1 to 15-4 with n = sin phi1). A pixel of a chart 100 NM across is about 3e-5 earth radii.
+TEST(ProjectionParams, EqualParallelsAreTheTangentCone) {
+  const double radian = std::acos(-1.0) / 180;
+  for (const double parallel : {-80.0, -30.0, 0.5, 44.9, 45.1, 60.0, 89.0}) {
+    K7LambertProjection projection(50, 30, -100, parallel);
+    ASSERT_EQ(SetParams(projection, {{"Standard Parallel 2", parallel}, {"Standard Parallel 1", parallel}}),
+              "");
+    const double phi = parallel * radian;
+    const double n = std::sin(phi);
+    const auto rho = [&](double lat) {
+      return std::cos(phi) / n *
+             std::pow(std::tan(radian * 45 + phi / 2) / std::tan(radian * (45 + lat / 2)), n);
+    };
+    for (const double lat : {parallel - 0.9, parallel, parallel + 0.9})
+      for (const double lon : {-120.0, -100.5, -100.0, -60.0}) {
+        double x, y, z;
+        projection.LatLon2World(lat, lon, x, y, z);
+        EXPECT_NEAR(x, rho(lat) * std::sin(n * (lon + 100) * radian), 1e-6) << parallel << " " << lat;
+        EXPECT_NEAR(y, rho(parallel) - rho(lat) * std::cos(n * (lon + 100) * radian), 1e-6) << parallel;
+      }
+  }
+}
+
+// One that is refused is named, and every default is among the values that are said to work.
+TEST(ProjectionParams, SaidRangesHoldTheDefaults) {
+  for (int type = K7_PROJ_LAMBERT; type <= K7_PROJ_GNOMONIC; ++type) {
+    const std::unique_ptr<K7Projection> projection(
+        K7Projection::Create(static_cast<K7ProjType>(type), nullptr));
+    for (int i = 0; i < projection->ParamCount(); ++i) {
+      const std::string name = projection->ParamName(i);
+      EXPECT_EQ(SetParams(*projection, {{name, projection->ParamValue(i)}}), "");
+      const std::string problem = SetParams(*projection, {{name, 1e10}});
+      EXPECT_NE(problem.find("'" + name + "' is " + ParamRange(*projection, i)), std::string::npos)
+          << problem;
+    }
+  }
+}
+
+}  // namespace
