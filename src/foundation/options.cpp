@@ -113,6 +113,11 @@ int K7Options::Write(const char* path) {
   return err == 0 || err == K7_ERR_MEMORY ? err : K7_ERR_INVALID_DATA;
 }
 
+K7KeyValue* K7Options::GetKeyValueByIndex(int index) {
+  const K7LockGuard lock(m_mutex);
+  return index >= 0 && index < m_settings.Count() ? At(m_settings, index) : nullptr;
+}
+
 K7KeyValue* K7Options::GetKeyValueByName(const char* key, const char* group) {
   const K7LockGuard lock(m_mutex);
   for (int i = 0; key && i < m_settings.Count(); ++i) {

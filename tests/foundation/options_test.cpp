@@ -46,6 +46,10 @@ TEST_F(OptionsTest, SettingsSurviveTheFile) {
   EXPECT_STREQ(m_options.GetValueByKey("Size"), "128");
   EXPECT_STREQ(m_options.GetValueByKey("Size", "a \"b\" & <c>"), "3");
   EXPECT_STREQ(m_options.GetValueByKey("Size", ""), "7");
+  EXPECT_STREQ(m_options.GetKeyValueByIndex(1)->value, "3");
+  EXPECT_STREQ(m_options.GetKeyValueByIndex(4)->value, "7");
+  EXPECT_EQ(m_options.GetKeyValueByIndex(5), nullptr);
+  EXPECT_EQ(m_options.GetKeyValueByIndex(-1), nullptr);
   EXPECT_EQ(m_options.GetValueByKey("size"), nullptr);
   EXPECT_EQ(m_options.GetValueByKey(nullptr), nullptr);
   K7PtrArray found;

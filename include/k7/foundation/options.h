@@ -36,6 +36,8 @@ class K7_API K7Options {
   /// (it holds whitespace or one of "<>/", or starts with "?" or "!"): the file could not be read again.
   int Write(const char* path);
 
+  /// The setting at a place in file order, from 0; null behind the last. For whoever checks a whole file.
+  K7KeyValue* GetKeyValueByIndex(int index);
   /// The first such setting; null when absent.
   K7KeyValue* GetKeyValueByName(const char* key, const char* group = nullptr);
   const char* GetValueByKey(const char* key, const char* group = nullptr);
