@@ -18,6 +18,13 @@ constexpr double SAME_PLACE = 1e-6;
 
 bool OnEarth(double lat, double lon) { return std::fabs(lat) <= MAX_LAT && std::fabs(lon) <= MAX_LON; }
 
+// The longitude, carried on across 180 to within half a turn of the one before. An edge of exactly 180 is one
+// already, and stays as it runs: ties go to even, which is no turn.
+double CarriedOn(double before, double lon) {
+  const double step = before - lon;
+  return std::fabs(step) > 180 ? lon + 360 * std::nearbyint(step / 360) : lon;
+}
+
 bool OnSeam(double lon) { return std::fabs(std::fabs(lon) - 180) < EDGE_WIDTH; }
 bool OnPole(double lat) { return std::fabs(lat) > 90 - EDGE_WIDTH; }
 
@@ -26,10 +33,8 @@ class Row {
  public:
   Row(double* lat, double* lon, int count) : m_lat(lat), m_lon(lon), m_count(count) {}
 
-  // Longitudes carried on across 180. An edge of exactly 180 is one already, and stays as it runs: ties go to
-  // even, which is no turn.
   void Unroll() {
-    for (int i = 1; i < m_count; ++i) m_lon[i] += 360 * std::nearbyint((m_lon[i - 1] - m_lon[i]) / 360);
+    for (int i = 1; i < m_count; ++i) m_lon[i] = CarriedOn(m_lon[i - 1], m_lon[i]);
   }
 
   // A ring that does not close after unrolling runs around a pole. One of which nothing but a line would be
@@ -37,7 +42,7 @@ class Row {
   bool UnrollsToRing() const {
     double lon = m_lon[0], west = lon, east = lon;
     for (int i = 1; i < m_count; ++i) {
-      lon = m_lon[i] + 360 * std::nearbyint((lon - m_lon[i]) / 360);
+      lon = CarriedOn(lon, m_lon[i]);
       west = std::min(west, lon);
       east = std::max(east, lon);
     }

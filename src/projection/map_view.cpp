@@ -63,7 +63,7 @@ int K7MapView::LookAt(double lat, double lon, double range) {
   const double half = std::min(Width(), Height()) / 2.0;
   const double zoom = IsTilted() ? 1 : range > 0 ? half / (range * PixelsPerNM(range)) : ZoomToFit();
   if (!SetZoom(zoom)) return K7_ERR_PROJECTION_RANGE;
-  m_nmPerPixel = 1 / PixelsPerNM(range);
+  m_nmPerPixel = IsTilted() ? NearestNMPerPixel() : 1 / PixelsPerNM(range);
   m_isSet = FindLimits();
   return m_isSet ? K7_OK : K7_ERR_PROJECTION_RANGE;
 }
@@ -72,7 +72,7 @@ int K7MapView::LookAtZoom(double lat, double lon, double zoom) {
   m_isSet = false;
   if (const int code = Place(lat, lon, zoom)) return code;
   static const double LITTLE = 4;  // nautical miles over which the scale is taken
-  m_nmPerPixel = 1 / PixelsPerNM(LITTLE);
+  m_nmPerPixel = IsTilted() ? NearestNMPerPixel() : 1 / PixelsPerNM(LITTLE);
   m_isSet = FindLimits();
   return m_isSet ? K7_OK : K7_ERR_PROJECTION_RANGE;
 }
@@ -187,6 +187,19 @@ double K7MapView::PixelsPerNM(double range) const {
   ToDevice(north, m_lon, ax, ay);
   ToDevice(south, m_lon, bx, by);
   return std::hypot(ax - bx, ay - by) / ((north - south) * K7_DEG_TO_RAD * K7_EARTH_RADIUS_NM);
+}
+
+// Across the picture at the lowest pixel of its middle column that shows ground: below a level eye there is
+// no centre to be seen.
+double K7MapView::NearestNMPerPixel() const {
+  static const int STEPS = 64;
+  for (int i = STEPS; i >= 0; --i) {
+    const double dy = Height() * 1.0 * i / STEPS;
+    double aLat, aLon, bLat, bLon;
+    if (FromDevice(Width() / 2.0, dy, aLat, aLon) && FromDevice(Width() / 2.0 + 1, dy, bLat, bLon))
+      return K7LatLon(aLat, aLon).Distance(K7LatLon(bLat, bLon));
+  }
+  return NAN;
 }
 
 // The outline of what a view of the whole world shows, as far as it lies before the eye.

@@ -18,6 +18,8 @@ done
 "$chart" draw --range 300 --output verb.png && cmp chart.png verb.png || fail "draw is what k7chart does without a verb"
 "$chart" draw --range 300 --layer land --layer LAND --output twice.png || fail "a layer twice"
 "$chart" draw --range 300 --layer land --output once.png && cmp once.png twice.png || fail "a layer drawn twice"
+"$chart" draw --range 300 --theme night --output night.png && ! cmp -s chart.png night.png || fail "the night theme"
+"$chart" draw --range 300 --theme Day --output day.png && cmp chart.png day.png || fail "the day theme"
 "$chart" gallery --size 900x600 && test -s gallery.png || fail "gallery"
 
 # What the tables say is what the helps list.
@@ -32,7 +34,7 @@ says --projection help draw
 says gallery.png gallery -h
 says ne_110m_land.shp help draw
 says '^k7chart [0-9]*\.[0-9]*\.[0-9]*$' --version
-says 'rivers .*1:110m 1:50m  *ne_110m_rivers_lake_centerlines' layers
+says 'rivers  *Rivers .*1:110m 1:50m  *ne_110m_rivers_lake_centerlines' layers
 says 'lakes .* no ' layers
 says 'Altitude (ft)  *6277693' projections
 [ "$("$chart" projections | grep -c '^[a-z]')" = 9 ] || fail "nine projections"
@@ -52,6 +54,7 @@ rm -f chart.png gallery.png
 printf 'no shapes' >broken.shp
 printf 'no table' >broken.dbf
 : >broken.shx
+echo '<Options><Fill Group="Sea">blue</Fill></Options>' >theme.xml
 mkdir half
 cp "$here"/../../data/sample/ne_110m_land.{shp,shx} half
 refuses "no verb 'paint'" paint
@@ -64,6 +67,8 @@ refuses "unexpected argument 'chart.svg'" draw chart.svg
 refuses "--range is given twice" --range 3 --range 4
 refuses "--no-graticule takes no value" --no-graticule=yes
 refuses "--range needs a value" --range
+refuses "unknown theme 'dusk' (day, night" --theme dusk
+refuses "theme.xml': Fill of Sea is #RRGGBB" --theme theme.xml
 refuses mollweide --projection mollweide
 refuses "N95" --center "N95 W10"
 refuses "no longitude" --center "N48 30.0"

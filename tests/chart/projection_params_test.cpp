@@ -1,6 +1,6 @@
 // Parameters that k7chart sets for its user.
 
-#include "sheet/projection_params.h"
+#include "layers/projection_params.h"
 
 #include <k7/projection/conic.h>
 

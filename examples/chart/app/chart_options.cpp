@@ -67,7 +67,7 @@ std::string SetCentre(const char* text, ChartRequest& request) {
   if (!missing.empty()) return "the position " + Quoted(text) + " has " + missing + EXAMPLE;
   K7LatLon centre;
   if (centre.ParsePosition(text) == 0) return "cannot read the position " + Quoted(text) + EXAMPLE;
-  request.centre = {centre.Lat(), centre.Lon()};
+  request.center = centre;
   return {};
 }
 
@@ -77,6 +77,15 @@ std::string SetRange(const char* text, ChartRequest& request) {
     return "the range is nautical miles from 1 to 10800, not " + Quoted(text);
   request.rangeNM = range;
   return {};
+}
+
+std::string SetTheme(const char* text, LookOptions& look) {
+  for (const char* const shipped : {"day", "night"})
+    if (K7String::IComp(text, shipped) == 0)
+      return look.theme.Read(std::string(K7CHART_THEMES) + "/" + shipped + ".xml");
+  const std::string path = text;
+  if (path.size() > 4 && K7String::IComp(text + path.size() - 4, ".xml") == 0) return look.theme.Read(path);
+  return "unknown theme " + Quoted(text) + " (day, night, or a file that ends in .xml)";
 }
 
 constexpr OptionRow<ChartRequest> PROJECTION_OPTIONS[] = {
@@ -101,9 +110,15 @@ constexpr OptionRow<ChartRequest> PLACE_OPTIONS[] = {
      "field "
      "of view holds and takes none",
      SetRange},
+};
+
+constexpr OptionRow<LookOptions> LOOK_OPTIONS[] = {
+    {"--theme", "THEME",
+     "day (default), night, or FILE.xml with colours and lines of your own, as data/themes/day.xml",
+     SetTheme},
     {"--no-graticule", nullptr, "leaves out meridians and parallels",
-     [](const char*, ChartRequest& request) {
-       request.graticule = false;
+     [](const char*, LookOptions& look) {
+       look.graticule = false;
        return std::string();
      }},
 };
@@ -117,3 +132,5 @@ void AddProjectionOptions(OptionTable& table, ChartRequest& request) {
 }
 
 void AddPlaceOptions(OptionTable& table, ChartRequest& request) { table.Add(PLACE_OPTIONS, request); }
+
+void AddLookOptions(OptionTable& table, LookOptions& look) { table.Add(LOOK_OPTIONS, look); }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/option_table.h"
-#include "sheet/world_chart.h"
+#include "layers/chart.h"
 
 #include <span>
 
@@ -16,5 +16,14 @@ std::span<const NamedProjection> Projections();
 
 /// --projection and --param.
 void AddProjectionOptions(OptionTable& table, ChartRequest& request);
-/// --center, --range, --no-graticule.
+/// --center, --range.
 void AddPlaceOptions(OptionTable& table, ChartRequest& request);
+
+/// How a chart looks.
+struct LookOptions {
+  Theme theme;
+  bool graticule = true;
+};
+
+/// --theme, --no-graticule.
+void AddLookOptions(OptionTable& table, LookOptions& look);

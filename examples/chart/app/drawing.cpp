@@ -1,28 +1,48 @@
 #include "app/drawing.h"
 
-#include "ink/style.h"
+#include "app/progress_line.h"
+#include "ink/pen.h"
+#include "layers/earth_layer.h"
+#include "layers/graticule_layer.h"
+#include "layers/shape_layer.h"
 #include "sheet/page.h"
 
-std::string DrawSheet(const LayerOptions& options, DataScale scale, const SheetOptions& sheet, int charts,
-                      const std::function<std::string(cairo_t*, const LayerList&, Progress&)>& draw) {
+std::string LayerStack::Load(const LayerOptions& options, const DataScale& scale, bool graticule,
+                             Progress& progress) {
   std::vector<LayerRequest> requests;
   if (std::string problem = FindLayers(options, scale, requests); !problem.empty()) return problem;
-  // A step each for reading a layer, for drawing it in each chart, and for writing the picture.
-  ProgressLine progress(static_cast<int>(requests.size()) * (1 + charts) + 1);
-  std::vector<std::unique_ptr<ShapeLayer>> layers;
-  LayerList drawn;
+  m_layers.push_back(std::make_unique<EarthLayer>());
   for (const LayerRequest& request : requests) {
-    layers.push_back(std::make_unique<ShapeLayer>(request.kind, request.path));
-    if (std::string problem = layers.back()->Load(progress); !problem.empty()) return problem;
-    drawn.push_back(layers.back().get());
+    auto layer = std::make_unique<ShapeLayer>(request.item, request.path);
+    if (std::string problem = layer->Load(progress); !problem.empty()) return problem;
+    m_layers.push_back(std::move(layer));
   }
+  if (graticule) m_layers.push_back(std::make_unique<GraticuleLayer>());
+  return {};
+}
 
+std::vector<Layer*> LayerStack::Layers() const {
+  std::vector<Layer*> layers;
+  for (const std::unique_ptr<Layer>& layer : m_layers) layers.push_back(layer.get());
+  return layers;
+}
+
+std::string DrawSheet(const LayerOptions& options, const DataScale& scale, const SheetOptions& sheet,
+                      const LookOptions& look, int charts,
+                      const std::function<std::string(cairo_t*, Chart&)>& draw) {
+  ProgressLine progress;
+  LayerStack stack;
+  if (std::string problem = stack.Load(options, scale, look.graticule, progress); !problem.empty())
+    return problem;
   PageFormat format{};
   PageFormatOf(sheet.output, format);
   Page page(format, sheet.width, sheet.height);
   if (!page.IsValid()) return "out of memory";
-  SetColor(page.Cairo(), PAPER);
+  SetColor(page.Cairo(), look.theme[ThemeItem::Paper].fill);
   cairo_paint(page.Cairo());
-  if (std::string problem = draw(page.Cairo(), drawn, progress); !problem.empty()) return problem;
+  // In each chart every layer is drawn twice, areas and lines; then the picture is written.
+  progress.Expect(2 * charts * static_cast<int>(stack.Layers().size()) + 1);
+  Chart chart(stack.Layers(), look.theme, progress);
+  if (std::string problem = draw(page.Cairo(), chart); !problem.empty()) return problem;
   return page.Save(sheet.output, progress);
 }

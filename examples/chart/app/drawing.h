@@ -1,18 +1,28 @@
 // From options to a picture: what the verbs that draw have in common.
 #pragma once
 
+#include "app/chart_options.h"
 #include "app/layer_options.h"
-#include "app/progress_line.h"
 #include "app/sheet_options.h"
-#include "layers/shape_layer.h"
 
 #include <cairo.h>
 
 #include <functional>
+#include <memory>
 
-using LayerList = std::vector<const ShapeLayer*>;
+/// The layers of a chart with their data, from the ground up.
+class LayerStack {
+ public:
+  /// Reads the sets for a chart of that scale. Empty, or what went wrong.
+  std::string Load(const LayerOptions& options, const DataScale& scale, bool graticule, Progress& progress);
+  std::vector<Layer*> Layers() const;
+
+ private:
+  std::vector<std::unique_ptr<Layer>> m_layers;
+};
 
 /// Loads the layers of a chart of that scale, has `draw` fill the sheet in `charts` charts, and writes it.
 /// Empty, or what went wrong.
-std::string DrawSheet(const LayerOptions& layers, DataScale scale, const SheetOptions& sheet, int charts,
-                      const std::function<std::string(cairo_t*, const LayerList&, Progress&)>& draw);
+std::string DrawSheet(const LayerOptions& options, const DataScale& scale, const SheetOptions& sheet,
+                      const LookOptions& look, int charts,
+                      const std::function<std::string(cairo_t*, Chart&)>& draw);

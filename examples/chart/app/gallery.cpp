@@ -14,19 +14,21 @@ class Gallery : public Verb {
     AddPlaceOptions(table, m_request);
     AddLayerOptions(table, m_layers);
     AddDataOptions(table, m_layers);
+    AddLookOptions(table, m_look);
     AddSheetOptions(table, m_sheet);
   }
 
   std::string Run() override {
-    const bool coarse = m_request.rangeNM == 0 || m_request.rangeNM > COARSE_FROM_NM;
-    return DrawSheet(m_layers, coarse ? DataScale::Coarse : DataScale::Fine, m_sheet, GALLERY_CHARTS,
-                     [&](cairo_t* cairo, const LayerList& layers, Progress& progress) {
-                       return DrawGallery(cairo, m_request, m_sheet.width, m_sheet.height, layers, progress);
+    return DrawSheet(m_layers, ScaleFor(m_request.rangeNM), m_sheet, m_look, GALLERY_CHARTS,
+                     [&](cairo_t* cairo, Chart& chart) {
+                       return DrawGallery(cairo, m_request, m_sheet.width, m_sheet.height, m_look.theme,
+                                          chart);
                      });
   }
 
  private:
   ChartRequest m_request;
+  LookOptions m_look;
   LayerOptions m_layers;
   SheetOptions m_sheet{.output = "gallery.png"};
 };

@@ -31,9 +31,9 @@ std::string DataFiles(const LayerOptions&) {
   std::string files;
   for (const LayerRow& layer : Layers()) {
     files += files.empty() ? " " : ", ";
-    files += SetName(layer, DataScale::Coarse) + ".shp";
+    files += SetName(layer, DATA_SCALES[0]) + ".shp";
   }
-  return files + ", the same with ne_50m_, and to each its .dbf and .shx; all are optional";
+  return files + ", the same with ne_50m_ and ne_10m_, and to each its .dbf and .shx; all are optional";
 }
 
 constexpr OptionRow<LayerOptions> LAYER_OPTIONS[] = {
@@ -51,13 +51,14 @@ constexpr OptionRow<LayerOptions> DATA_OPTIONS[] = {
 };
 
 // Empty, or what is wrong.
-std::string Find(const std::string& name, const std::string& folder, DataScale scale, LayerRequest& request) {
+std::string Find(const std::string& name, const std::string& folder, const DataScale& scale,
+                 LayerRequest& request) {
   if (const LayerRow* const row = FindLayer(name.c_str())) {
-    request = {row->kind, FindAnySet(folder, *row, scale)};
+    request = {row->item, FindAnySet(folder, *row, scale)};
     return request.path.empty() ? "no data for the layer " + Quoted(name) + ": " + WhatIsThere(folder)
                                 : std::string();
   }
-  request = {LayerKind::Other, name};
+  request = {ThemeItem::Other, name};
   if (IsShapefile(name)) return {};
   return "unknown layer " + Quoted(name) + ": " + WhatIsThere(folder) + "; a file of your own ends in .shp";
 }
@@ -73,7 +74,8 @@ void AddLayerOptions(OptionTable& table, LayerOptions& options) { table.Add(LAYE
 
 void AddDataOptions(OptionTable& table, LayerOptions& options) { table.Add(DATA_OPTIONS, options); }
 
-std::string FindLayers(const LayerOptions& options, DataScale scale, std::vector<LayerRequest>& layers) {
+std::string FindLayers(const LayerOptions& options, const DataScale& scale,
+                       std::vector<LayerRequest>& layers) {
   for (const std::string& name : options.names) {
     LayerRequest request;
     if (std::string problem = Find(name, options.folder, scale, request); !problem.empty()) return problem;
@@ -84,7 +86,7 @@ std::string FindLayers(const LayerOptions& options, DataScale scale, std::vector
   if (!options.names.empty()) return {};
   for (const LayerRow& row : Layers()) {
     const std::string path = FindAnySet(options.folder, row, scale);
-    if (!path.empty()) layers.push_back({row.kind, path});
+    if (!path.empty()) layers.push_back({row.item, path});
   }
   return layers.empty() ? "no map data in the folder " + Quoted(options.folder) : std::string();
 }

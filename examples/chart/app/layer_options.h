@@ -16,7 +16,7 @@ struct LayerOptions {
 
 /// A layer with its data.
 struct LayerRequest {
-  LayerKind kind;
+  ThemeItem item;
   std::string path;
 };
 
@@ -26,4 +26,5 @@ void AddLayerOptions(OptionTable& table, LayerOptions& options);
 void AddDataOptions(OptionTable& table, LayerOptions& options);
 
 /// The sets that a chart of that scale is drawn from, each once. Empty, or what is wrong.
-std::string FindLayers(const LayerOptions& options, DataScale scale, std::vector<LayerRequest>& layers);
+std::string FindLayers(const LayerOptions& options, const DataScale& scale,
+                       std::vector<LayerRequest>& layers);

@@ -4,6 +4,7 @@
 #include "app/verb.h"
 
 #include <cstdio>
+#include <iterator>
 
 namespace {
 
@@ -16,19 +17,23 @@ class LayersVerb : public Verb {
                 "sets");
     for (const LayerRow& layer : Layers()) {
       std::string scales, sets;
-      for (const DataScale scale : DATA_SCALES) {
+      for (const DataScale& scale : DATA_SCALES) {
         sets += (sets.empty() ? "" : ", ") + SetName(layer, scale);
         if (FindSet(m_options.folder, layer, scale).empty()) continue;
         scales += scales.empty() ? "" : " ";
         scales += ScaleName(scale);
       }
-      std::printf("  %-9s%-11s%-14s%s\n", layer.name, "", scales.empty() ? "no" : scales.c_str(),
-                  sets.c_str());
+      std::printf("  %-9s%-11s%-14s%s\n", layer.name, ThemeItemName(layer.item),
+                  scales.empty() ? "no" : scales.c_str(), sets.c_str());
     }
-    std::printf(
-        "\nThe coarse set serves beyond %.0f NM of range, the fine one nearer, either alone where the\n"
-        "other is missing. '--layer FILE.shp' draws any other set.\n",
-        COARSE_FROM_NM);
+    std::puts("");
+    for (size_t i = 0; i + 1 < std::size(DATA_SCALES); ++i)
+      std::printf("%s serves beyond %.0f NM of range.\n", ScaleName(DATA_SCALES[i]).c_str(),
+                  DATA_SCALES[i].fromNM);
+    std::puts(
+        "Where a set is missing, the next finer one is taken, or else a coarser. '--layer FILE.shp' draws "
+        "any\n"
+        "other set.");
     return {};
   }
 

@@ -10,10 +10,8 @@
 #include <unistd.h>
 #endif
 
-ProgressLine::ProgressLine(int steps)
-    : m_next(Clock::now() + std::chrono::seconds(1)),
-      m_terminal(isatty(fileno(stderr)) != 0),
-      m_steps(steps) {}
+ProgressLine::ProgressLine()
+    : m_next(Clock::now() + std::chrono::seconds(1)), m_terminal(isatty(fileno(stderr)) != 0) {}
 
 ProgressLine::~ProgressLine() {
   if (m_shown) std::fputs("\r\033[K", stderr);
@@ -28,7 +26,9 @@ void ProgressLine::Step(const std::string& what) {
 void ProgressLine::Within(double share) {
   if (!m_terminal || Clock::now() < m_next) return;
   m_next = Clock::now() + std::chrono::milliseconds(100);
-  std::fprintf(stderr, "\r\033[Kk7chart: %d of %d: %s", m_done, m_steps, m_step.c_str());
+  std::fputs("\r\033[Kk7chart: ", stderr);
+  if (m_steps > 0) std::fprintf(stderr, "%d of %d: ", m_done, m_steps);
+  std::fputs(m_step.c_str(), stderr);
   if (share > 0) std::fprintf(stderr, " %d%%", static_cast<int>(share * 100));
   std::fflush(stderr);
   m_shown = true;

@@ -7,12 +7,14 @@
 
 class ProgressLine : public Progress {
  public:
-  explicit ProgressLine(int steps);
+  ProgressLine();
   /// Wipes the line.
   ~ProgressLine() override;
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
 
+  /// So many steps more than have been begun.
+  void Expect(int steps) { m_steps = m_done + steps; }
   void Step(const std::string& what) override;
   void Within(double share) override;
 
@@ -23,6 +25,6 @@ class ProgressLine : public Progress {
   std::string m_step;
   bool m_terminal;
   bool m_shown = false;
-  int m_steps;
+  int m_steps = 0;  // 0: not known
   int m_done = 0;
 };

@@ -2,7 +2,7 @@
 
 #include "app/chart_options.h"
 #include "app/verb.h"
-#include "sheet/projection_params.h"
+#include "layers/projection_params.h"
 
 #include <k7/foundation/string.h>
 

@@ -1,55 +1,81 @@
 #include "ink/cairo_grfx.h"
 
-CairoGrfx::CairoGrfx(cairo_t* cairo, int width, int height)
-    : m_cairo(cairo), m_width(width), m_height(height) {
-  KeepMatrix();
+#include <memory>
+#include <vector>
+
+namespace {
+
+// Joins of thinner lines cannot be told apart, and round ones cost many points.
+constexpr double ROUND_FROM = 1.5;
+
+// Straight alpha to Cairo's, which is multiplied in.
+uint32_t Premultiplied(uint32_t pixel) {
+  const uint32_t alpha = pixel >> 24;
+  uint32_t out = alpha << 24;
+  for (int shift = 0; shift < 24; shift += 8) out |= ((pixel >> shift & 0xFF) * alpha + 127) / 255 << shift;
+  return out;
 }
 
-void CairoGrfx::LookAt(const double eye[3], const double centre[3], const double up[3]) {
-  double from[3] = {eye[0], eye[1], eye[2]};
-  double to[3] = {centre[0], centre[1], centre[2]};
-  double upwards[3] = {up[0], up[1], up[2]};
-  m_stack.MatrixMode(K7_MATRIX_MODELVIEW);
-  m_stack.Identity();
-  m_stack.LookAt(from, to, upwards);
-  KeepMatrix();
+}  // namespace
+
+void CairoGrfx::Use(const Rgba& color) {
+  cairo_set_source_rgba(m_cairo, color.red, color.green, color.blue, color.alpha);
 }
 
-// The zoom scales what the viewing volume has put on the device, so it stands left of it.
-void CairoGrfx::StartVolume() {
-  m_stack.MatrixMode(K7_MATRIX_PROJECTION);
-  m_stack.Identity();
-  m_stack.Scale(m_zoom, m_zoom, 1);
+void CairoGrfx::MoveTo(double dx, double dy) { cairo_move_to(m_cairo, dx, dy); }
+void CairoGrfx::LineTo(double dx, double dy) { cairo_line_to(m_cairo, dx, dy); }
+void CairoGrfx::ClosePath() { cairo_close_path(m_cairo); }
+
+void CairoGrfx::Fill() {
+  Use(m_fill);
+  cairo_set_fill_rule(m_cairo, CAIRO_FILL_RULE_EVEN_ODD);
+  cairo_fill(m_cairo);
 }
 
-void CairoGrfx::Ortho(double left, double right, double bottom, double top, double nearClip, double farClip) {
-  StartVolume();
-  m_stack.Ortho(left, right, bottom, top, nearClip, farClip);
-  KeepMatrix();
+void CairoGrfx::Stroke() {
+  Use(m_line);
+  cairo_stroke(m_cairo);
 }
 
-void CairoGrfx::Frustum(double left, double right, double bottom, double top, double nearClip,
-                        double farClip) {
-  StartVolume();
-  m_stack.Frustum(left, right, bottom, top, nearClip, farClip);
-  KeepMatrix();
+void CairoGrfx::FillColor(double red, double green, double blue, double alpha) {
+  m_fill = {red, green, blue, alpha};
 }
 
-void CairoGrfx::KeepMatrix() {
-  const double* const product = m_stack.GetModelviewProjectionMatrix();
-  for (int column = 0; column < 4; ++column)
-    for (int row = 0; row < 4; ++row) m_matrix.SetValue(row, column, product[4 * column + row]);
+void CairoGrfx::LineColor(double red, double green, double blue, double alpha) {
+  m_line = {red, green, blue, alpha};
 }
 
-bool CairoGrfx::UnProject(double dx, double dy, double depth, double& x, double& y, double& z) {
-  const int viewport[4] = {0, 0, m_width, m_height};
-  return m_matrix.UnProject(dx, m_height - dy, depth, viewport, x, y, z) == 0;
+void CairoGrfx::LineStyle(double width, const double* dashes, int count) {
+  cairo_set_dash(m_cairo, dashes, count, 0);
+  cairo_set_line_width(m_cairo, width);
+  cairo_set_line_join(m_cairo, width < ROUND_FROM ? CAIRO_LINE_JOIN_BEVEL : CAIRO_LINE_JOIN_ROUND);
+  cairo_set_line_cap(m_cairo, count > 0 ? CAIRO_LINE_CAP_BUTT : CAIRO_LINE_CAP_ROUND);
 }
 
-DevicePoint CairoGrfx::Project(double x, double y, double z) const {
-  const double* const m = m_matrix.ToArray();
-  const double cx = m[0] * x + m[4] * y + m[8] * z + m[12];
-  const double cy = m[1] * x + m[5] * y + m[9] * z + m[13];
-  const double cw = m[3] * x + m[7] * y + m[11] * z + m[15];
-  return {(cw + cx) * 0.5 * m_width, (cw - cy) * 0.5 * m_height, cw};
+void CairoGrfx::Triangles(const double* points, int count) {
+  for (int i = 0; i < count; ++i, points += 6) {
+    MoveTo(points[0], points[1]);
+    LineTo(points[2], points[3]);
+    LineTo(points[4], points[5]);
+    ClosePath();
+  }
+  // Neighbours run either way around, and none is to undo another.
+  Use(m_fill);
+  cairo_set_fill_rule(m_cairo, CAIRO_FILL_RULE_WINDING);
+  cairo_fill(m_cairo);
+}
+
+void CairoGrfx::Image(const uint32_t* pixels, int width, int height, double left, double top, double right,
+                      double bottom) {
+  std::vector<uint32_t> rows(pixels, pixels + static_cast<size_t>(width) * static_cast<size_t>(height));
+  for (uint32_t& pixel : rows) pixel = Premultiplied(pixel);
+  cairo_surface_t* const image = cairo_image_surface_create_for_data(
+      reinterpret_cast<unsigned char*>(rows.data()), CAIRO_FORMAT_ARGB32, width, height, width * 4);
+  cairo_save(m_cairo);
+  cairo_translate(m_cairo, left, top);
+  cairo_scale(m_cairo, (right - left) / width, (bottom - top) / height);
+  cairo_set_source_surface(m_cairo, image, 0, 0);
+  cairo_paint(m_cairo);
+  cairo_restore(m_cairo);
+  cairo_surface_destroy(image);
 }

@@ -1,45 +1,34 @@
-// The graphics context of k7chart: cameras and viewing volumes on the library's matrix stack, ink by Cairo.
+// The graphics context of k7chart: the library's camera, ink by Cairo.
 #pragma once
 
-#include <k7/geodesy/matrix_stack.h>
 #include <k7/projection/grfx.h>
 
 #include <cairo.h>
 
-/// A point in homogeneous pixels: (x / w, y / w) on the device, behind the eye when w <= 0.
-struct DevicePoint {
-  double x, y, w;
-};
-
-/// One window on a Cairo surface. Device coordinates are the window's own pixels, y downwards from its top
-/// left corner. The zoom scales the picture about the window's centre.
-class CairoGrfx : public K7Grfx {
+/// One window on a Cairo surface. Device coordinates are the window's own pixels: whoever draws has moved
+/// the surface's origin to the window's top left corner.
+class CairoGrfx : public K7GrfxK7 {
  public:
-  CairoGrfx(cairo_t* cairo, int width, int height);
+  CairoGrfx(cairo_t* cairo, int width, int height) : K7GrfxK7(width, height), m_cairo(cairo) {}
 
-  double GetZoom() override { return m_zoom; }
-  void LookAt(const double eye[3], const double centre[3], const double up[3]) override;
-  void Ortho(double left, double right, double bottom, double top, double nearClip, double farClip) override;
-  void Frustum(double left, double right, double bottom, double top, double nearClip,
-               double farClip) override;
-  bool UnProject(double dx, double dy, double depth, double& x, double& y, double& z) override;
-
-  /// Takes effect with the next viewing volume.
-  void SetZoom(double zoom) { m_zoom = zoom; }
-  DevicePoint Project(double x, double y, double z) const;
-
-  cairo_t* Cairo() const { return m_cairo; }
-  int Width() const { return m_width; }
-  int Height() const { return m_height; }
+  void MoveTo(double dx, double dy) override;
+  void LineTo(double dx, double dy) override;
+  void ClosePath() override;
+  void Fill() override;
+  void Stroke() override;
+  void FillColor(double red, double green, double blue, double alpha) override;
+  void LineColor(double red, double green, double blue, double alpha) override;
+  void LineStyle(double width, const double* dashes, int count) override;
+  void Triangles(const double* points, int count) override;
+  void Image(const uint32_t* pixels, int width, int height, double left, double top, double right,
+             double bottom) override;
 
  private:
-  void StartVolume();
-  void KeepMatrix();
+  struct Rgba {
+    double red = 0, green = 0, blue = 0, alpha = 1;
+  };
+  void Use(const Rgba& color);
 
   cairo_t* m_cairo;
-  int m_width;
-  int m_height;
-  double m_zoom = 1;
-  K7MatrixStackK7 m_stack;
-  K7Matrix4x4 m_matrix;  // projection x model-view
+  Rgba m_fill, m_line;
 };

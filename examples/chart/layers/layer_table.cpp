@@ -3,14 +3,16 @@
 #include <k7/foundation/string.h>
 #include <k7/io/file.h>
 
+#include <iterator>
+
 namespace {
 
 // As the sets of Natural Earth are called.
 constexpr LayerRow LAYERS[] = {
-    {"land", "land", LayerKind::Land},
-    {"lakes", "lakes", LayerKind::Lakes},
-    {"rivers", "rivers_lake_centerlines", LayerKind::Rivers},
-    {"borders", "admin_0_boundary_lines_land", LayerKind::Borders},
+    {"land", "land", ThemeItem::Land},
+    {"lakes", "lakes", ThemeItem::Lakes},
+    {"rivers", "rivers_lake_centerlines", ThemeItem::Rivers},
+    {"borders", "admin_0_boundary_lines_land", ThemeItem::Borders},
 };
 
 }  // namespace
@@ -23,27 +25,38 @@ const LayerRow* FindLayer(const char* name) {
   return nullptr;
 }
 
-const char* ScaleName(DataScale scale) { return scale == DataScale::Coarse ? "1:110m" : "1:50m"; }
-
-std::string SetName(const LayerRow& layer, DataScale scale) {
-  return (scale == DataScale::Coarse ? "ne_110m_" : "ne_50m_") + std::string(layer.set);
+const DataScale& ScaleFor(double rangeNM) {
+  for (const DataScale& scale : DATA_SCALES)
+    if (rangeNM == 0 || rangeNM > scale.fromNM) return scale;
+  return DATA_SCALES[std::size(DATA_SCALES) - 1];
 }
 
-std::string FindSet(const std::string& folder, const LayerRow& layer, DataScale scale) {
+std::string ScaleName(const DataScale& scale) { return "1:" + std::to_string(scale.millions) + "m"; }
+
+std::string SetName(const LayerRow& layer, const DataScale& scale) {
+  return "ne_" + std::to_string(scale.millions) + "m_" + layer.set;
+}
+
+std::string FindSet(const std::string& folder, const LayerRow& layer, const DataScale& scale) {
   std::string path = folder + "/" + SetName(layer, scale) + ".shp";
   return K7File::FilePathExists(path.c_str()) ? path : std::string();
 }
 
-std::string FindAnySet(const std::string& folder, const LayerRow& layer, DataScale wanted) {
-  std::string path = FindSet(folder, layer, wanted);
-  if (!path.empty()) return path;
-  return FindSet(folder, layer, wanted == DataScale::Coarse ? DataScale::Fine : DataScale::Coarse);
+std::string FindAnySet(const std::string& folder, const LayerRow& layer, const DataScale& wanted) {
+  std::string coarser;
+  for (const DataScale& scale : DATA_SCALES) {
+    std::string path = FindSet(folder, layer, scale);
+    if (path.empty()) continue;
+    if (scale.millions <= wanted.millions) return path;
+    coarser = std::move(path);
+  }
+  return coarser;
 }
 
 std::string LayersIn(const std::string& folder) {
   std::string names;
   for (const LayerRow& layer : LAYERS) {
-    if (FindAnySet(folder, layer, DataScale::Coarse).empty()) continue;
+    if (FindAnySet(folder, layer, DATA_SCALES[0]).empty()) continue;
     names += names.empty() ? "" : ", ";
     names += layer.name;
   }

@@ -1,7 +1,7 @@
 // The layers that have a name, and the sets of a data folder that they are read from.
 #pragma once
 
-#include "ink/style.h"
+#include "ink/theme.h"
 
 #include <span>
 #include <string>
@@ -10,24 +10,31 @@
 struct LayerRow {
   const char* name;
   const char* set;  ///< of the data folder, behind the scale
-  LayerKind kind;
+  ThemeItem item;   ///< how it looks
 };
 
 std::span<const LayerRow> Layers();
 /// Null when there is none of that name, regardless of case.
 const LayerRow* FindLayer(const char* name);
 
-/// The sets of a layer at two scales. Beyond COARSE_FROM_NM the coarse one shows all that a picture can.
-enum class DataScale { Coarse, Fine };
-inline constexpr DataScale DATA_SCALES[] = {DataScale::Coarse, DataScale::Fine};
-inline constexpr double COARSE_FROM_NM = 2500;
-const char* ScaleName(DataScale scale);
+/// The scales at which sets are made, the coarsest first, and the range of a chart, in nautical miles, from
+/// which on a set shows all that a picture can.
+struct DataScale {
+  int millions;  ///< 110 for 1:110,000,000
+  double fromNM;
+};
+inline constexpr DataScale DATA_SCALES[] = {{110, 2500}, {50, 400}, {10, 0}};
+
+/// For a chart of that range; 0 is the whole world.
+const DataScale& ScaleFor(double rangeNM);
+/// "1:110m"
+std::string ScaleName(const DataScale& scale);
 
 /// "ne_110m_land"
-std::string SetName(const LayerRow& layer, DataScale scale);
+std::string SetName(const LayerRow& layer, const DataScale& scale);
 /// The main file of a layer's set; empty when the folder does not have it.
-std::string FindSet(const std::string& folder, const LayerRow& layer, DataScale scale);
-/// The set at the wanted scale, or at the other one when the folder has only that; empty when it has neither.
-std::string FindAnySet(const std::string& folder, const LayerRow& layer, DataScale wanted);
+std::string FindSet(const std::string& folder, const LayerRow& layer, const DataScale& scale);
+/// The set at the wanted scale, or else the next finer one, or the next coarser; empty when there is none.
+std::string FindAnySet(const std::string& folder, const LayerRow& layer, const DataScale& wanted);
 /// "land, rivers": what a data folder has; empty for nothing.
 std::string LayersIn(const std::string& folder);

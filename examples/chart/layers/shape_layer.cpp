@@ -1,9 +1,10 @@
 #include "layers/shape_layer.h"
 
+#include "layers/pick_grfx.h"
+
 #include <k7/foundation/error_string.h>
 #include <k7/io/io.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -12,86 +13,19 @@
 
 namespace {
 
-bool InDegrees(const GeoPoint& p) { return std::fabs(p.lat) <= 90.0001 && std::fabs(p.lon) <= 540; }
+constexpr double POINT_SIZE = 3.2;  // pixels across
+// A line is under a pixel that is at most this far from it.
+constexpr double PICK_REACH = 4;
 
-// The parts of a shape in degrees. Points that a layer's coordinates cannot place are left out.
-std::vector<GeoLine> Parts(const K7ShpObj& shape, K7ShpFile& file) {
-  std::vector<GeoLine> parts;
-  for (int part = 0, point = 0; part < shape.GetPolyCount(); ++part) {
-    GeoLine line;
-    const int end = point + shape.GetPolySize(part);
-    for (; point < end; ++point) {
-      GeoPoint p;
-      const bool placed = shape.GetPoint(&file, point, p.lat, p.lon) == 0;
-      if (placed && InDegrees(p)) line.push_back(p);
-    }
-    if (line.size() > 1) parts.push_back(std::move(line));
+K7MapFeatureKind KindOf(const K7ShpObj& shape) {
+  switch (shape.Type()) {
+    case K7_SHP_POLYGON:
+    case K7_SHP_POLYGON_Z:
+    case K7_SHP_POLYGON_M:
+      return K7_MAP_AREA;
+    default:
+      return shape.GetPolyCount() > 0 ? K7_MAP_LINES : K7_MAP_POINTS;
   }
-  return parts;
-}
-
-// Where a data set was cut along 180 degrees or closed along a pole: an edge of the data, not of the land.
-bool OnDataEdge(const GeoPoint& a, const GeoPoint& b) {
-  static const double NEAR = 1e-4;
-  const auto onSeam = [](const GeoPoint& p) { return std::fabs(std::fabs(p.lon) - 180) < NEAR; };
-  const auto onPole = [](const GeoPoint& p) { return std::fabs(p.lat) > 90 - NEAR; };
-  return (onSeam(a) && onSeam(b)) || (onPole(a) && onPole(b));
-}
-
-// The outlines of rings without the edges of the data.
-std::vector<GeoLine> Shores(const std::vector<GeoLine>& rings) {
-  std::vector<GeoLine> shores;
-  for (const GeoLine& ring : rings) {
-    GeoLine shore(1, ring.front());
-    for (size_t i = 1; i < ring.size(); ++i) {
-      if (OnDataEdge(ring[i - 1], ring[i])) {
-        if (shore.size() > 1) shores.push_back(std::move(shore));
-        shore.clear();
-      }
-      shore.push_back(ring[i]);
-    }
-    if (shore.size() > 1) shores.push_back(std::move(shore));
-  }
-  return shores;
-}
-
-// Areas that were cut along 180 degrees overlap there by a hair, so that no seam shows between the halves.
-// Half a pixel each is enough.
-void CoverSeam(std::vector<GeoLine>& rings, double degreesPerPixel) {
-  const double overlap = std::min(degreesPerPixel / 2, 0.005);
-  for (GeoLine& ring : rings)
-    for (GeoPoint& p : ring)
-      if (std::fabs(std::fabs(p.lon) - 180) < 1e-4) p.lon = std::copysign(180 + overlap, p.lon);
-}
-
-double Width(const GeoLine& line) {
-  const auto [west, east] = std::minmax_element(
-      line.begin(), line.end(), [](const GeoPoint& a, const GeoPoint& b) { return a.lon < b.lon; });
-  return east->lon - west->lon;
-}
-
-// Rings are closed. One that runs across 180 degrees uncut is carried on there, if it then closes; one that
-// runs around a pole does not, and is meant as it stands, as is a band around the world, of which nothing
-// would be left. The first ring is an outer one and runs clockwise, its area to the right: files that have it
-// the other way round have all their rings so.
-void Straighten(std::vector<GeoLine>& rings) {
-  double area = 0;
-  for (GeoLine& ring : rings) {
-    if (ring.front().lat != ring.back().lat || ring.front().lon != ring.back().lon)
-      ring.push_back(ring.front());
-    GeoLine unrolled = Unroll(ring);
-    const bool closes = std::fabs(unrolled.back().lon - unrolled.front().lon) < 1e-6;
-    if (closes && Width(unrolled) > 1e-6) ring = std::move(unrolled);
-  }
-  const GeoLine& outer = rings.front();
-  for (size_t i = 0; i + 1 < outer.size(); ++i)
-    area += (outer[i + 1].lon - outer[i].lon) * (outer[i + 1].lat + outer[i].lat);
-  if (area < 0)
-    for (GeoLine& ring : rings) ring = GeoLine(ring.rbegin(), ring.rend());
-}
-
-bool IsArea(int type) {
-  return type == K7_SHP_POLYGON || type == K7_SHP_POLYGON_Z || type == K7_SHP_POLYGON_M;
 }
 
 // A set is three files. Empty when all of them open, else which does not and why.
@@ -114,96 +48,129 @@ std::string MissingFile(const std::filesystem::path& set) {
 
 }  // namespace
 
-std::string ShapeLayer::Load(Progress& progress) {
-  progress.Step("reading " + std::filesystem::path(m_path).stem().string());
-  if (std::string missing = MissingFile(m_path); !missing.empty()) return missing;
-  m_file.progress = &progress;
-  m_file.KeepNullShapes(true);
-  const int code = m_file.Read(m_path.c_str(), K7IO::Inst());
-  m_file.progress = nullptr;
-  const char* const message = K7ErrorString::ErrorString(code);
-  if (code == 0 && (m_file.StoredCount() == 0 || HasPosition())) return {};
-  if (code == 0) return "the shapefile set '" + m_path + "' has no positions in degrees";
-  return "cannot read the shapefile set '" + m_path + "': " + (message ? message : "unknown error");
-}
+std::string ShapeLayer::Name() const { return std::filesystem::path(m_path).stem().string(); }
 
 K7ShpRecord* ShapeLayer::File::NextRecord() {
   if (progress && RecordCount() > 0) progress->Within(static_cast<double>(StoredCount()) / RecordCount());
   return K7ShpFile::NextRecord();
 }
 
-// Sets in projected coordinates have none, and would draw nothing.
-bool ShapeLayer::HasPosition() {
-  for (int i = 0; i < m_file.StoredCount(); ++i) {
-    const K7ShpObj* const shape = m_file.GetRecord(i)->Obj();
-    for (int k = 0; shape && k < shape->GetPointCount(); ++k) {
-      GeoPoint p;
-      if (shape->GetPoint(&m_file, k, p.lat, p.lon) == 0 && InDegrees(p)) return true;
-    }
-  }
-  return false;
-}
+std::string ShapeLayer::Load(Progress& progress) {
+  progress.Step("reading " + Name());
+  if (std::string missing = MissingFile(m_path); !missing.empty()) return missing;
+  m_file.progress = &progress;
+  m_file.KeepNullShapes(true);
+  const int code = m_file.Read(m_path.c_str(), K7IO::Inst());
+  m_file.progress = nullptr;
+  const char* const message = K7ErrorString::ErrorString(code);
+  if (code != 0)
+    return "cannot read the shapefile set '" + m_path + "': " + (message ? message : "unknown error");
 
-void ShapeLayer::Draw(const View& view, double scale, Progress& progress) const {
-  DrawAreas(view, scale, progress);
-  DrawLines(view, scale);
-  DrawPoints(view, scale);
-}
-
-void ShapeLayer::DrawAreas(const View& view, double scale, Progress& progress) const {
-  cairo_t* const cairo = view.Grfx().Cairo();
-  const LayerStyle& style = StyleOf(m_kind);
-  const GeoPath path(view);
-  for (int i = 0; i < m_file.StoredCount(); ++i) {
-    progress.Within(static_cast<double>(i) / m_file.StoredCount());
-    const K7ShpObj* const shape = m_file.GetRecord(i)->Obj();
-    if (!shape || !IsArea(shape->Type())) continue;
-    std::vector<GeoLine> rings = Parts(*shape, m_file);
-    if (rings.empty()) continue;
-    Straighten(rings);
-    const std::vector<GeoLine> shores = Shores(rings);
-    CoverSeam(rings, view.NMPerPixel() / 60);
-    path.AddArea(rings);
-    cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
-    SetColor(cairo, style.fill);
-    cairo_fill(cairo);
-    for (const GeoLine& shore : shores) path.AddLine(shore);
-    Stroke(cairo, style.line, scale);
-  }
-}
-
-void ShapeLayer::DrawLines(const View& view, double scale) const {
-  cairo_t* const cairo = view.Grfx().Cairo();
-  const GeoPath path(view);
   const int featureClass = m_file.FindField("featurecla");
-  // Lake centre lines first, as broad water under the rivers that run into them.
-  for (const bool lakes : {true, false}) {
-    for (int i = 0; i < m_file.StoredCount(); ++i) {
-      const K7ShpRecord& record = *m_file.GetRecord(i);
-      const K7ShpObj* const shape = record.Obj();
-      if (!shape || IsArea(shape->Type()) || shape->GetPolyCount() == 0) continue;
-      const bool isLake =
-          m_kind == LayerKind::Rivers && std::strncmp(record.Text(featureClass), "Lake", 4) == 0;
-      if (isLake != lakes) continue;
-      for (const GeoLine& part : Parts(*shape, m_file)) path.AddLine(Unroll(part));
-    }
-    Stroke(cairo, lakes ? LAKE_LINE : StyleOf(m_kind).line, scale);
+  bool hasPosition = m_file.StoredCount() == 0;
+  for (int i = 0; i < m_file.StoredCount(); ++i) {
+    const K7ShpRecord& record = *m_file.GetRecord(i);
+    static const int NO_SIZES[] = {0};
+    const bool added =
+        record.Obj() ? AddFeature(*record.Obj()) : m_features.Add(K7_MAP_POINTS, nullptr, NO_SIZES, 0) >= 0;
+    if (!added) return "out of memory";
+    hasPosition = hasPosition || m_features.PointCount(i) > 0;
+    m_isLakeLine.push_back(std::strncmp(record.Text(featureClass), "Lake", 4) == 0);
+  }
+  // Sets in projected coordinates have none, and would draw nothing.
+  return hasPosition ? std::string() : "the shapefile set '" + m_path + "' has no positions in degrees";
+}
+
+bool ShapeLayer::AddFeature(const K7ShpObj& shape) {
+  const K7ShpXY* const xy = shape.Points();
+  m_points.clear();
+  m_sizes.clear();
+  for (int i = 0; xy && i < shape.GetPointCount(); ++i) m_points.emplace_back(xy[i].y, xy[i].x);
+  for (int i = 0; i < shape.GetPolyCount(); ++i) m_sizes.push_back(shape.GetPolySize(i));
+  if (shape.GetPolyCount() == 0) m_sizes.push_back(static_cast<int>(m_points.size()));
+  return m_features.Add(KindOf(shape), m_points.data(), m_sizes.data(), static_cast<int>(m_sizes.size())) >=
+         0;
+}
+
+void ShapeLayer::DrawAreas(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
+  UseFill(g, context.theme[m_item]);
+  UseLine(g, context.theme[ThemeItem::LakeLines], context.scale);
+  for (int i = 0; i < m_features.Count(); ++i) {
+    context.progress.Within(static_cast<double>(i) / m_features.Count());
+    if (m_features.Kind(i) == K7_MAP_AREA && path.Area(&g, m_features, i) > 0) g.Fill();
+    // A lake that the data hold as its centre line only is water as broad as a line; drawn before the coasts
+    // and in the water's colour, it vanishes where the lake is there as an area.
+    if (m_item == ThemeItem::Rivers && IsLakeLine(i) && path.Outline(&g, m_features, i) > 0) g.Stroke();
   }
 }
 
-void ShapeLayer::DrawPoints(const View& view, double scale) const {
-  cairo_t* const cairo = view.Grfx().Cairo();
-  for (int i = 0; i < m_file.StoredCount(); ++i) {
-    const K7ShpObj* const shape = m_file.GetRecord(i)->Obj();
-    if (!shape || shape->GetPolyCount() > 0) continue;
-    for (int k = 0; k < shape->GetPointCount(); ++k) {
-      GeoPoint p;
-      DevicePoint at;
-      if (shape->GetPoint(&m_file, k, p.lat, p.lon) != 0 || !view.Shows(p, at)) continue;
-      cairo_new_sub_path(cairo);
-      cairo_arc(cairo, at.x, at.y, 1.6 * scale, 0, 6.2832);
-    }
+void ShapeLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
+  UseLine(g, context.theme[m_item], context.scale);
+  for (int i = 0; i < m_features.Count(); ++i) {
+    context.progress.Within(static_cast<double>(i) / m_features.Count());
+    if (m_item == ThemeItem::Rivers && IsLakeLine(i)) continue;
+    if (path.Outline(&g, m_features, i) > 0) g.Stroke();
   }
-  SetColor(cairo, StyleOf(m_kind).line.color);
-  cairo_fill(cairo);
+  // A line without length is a dot.
+  g.LineStyle(POINT_SIZE * context.scale, nullptr, 0);
+  VisitPoints(context, [&](int, double dx, double dy) {
+    g.MoveTo(dx, dy);
+    g.LineTo(dx, dy);
+    g.Stroke();
+  });
+}
+
+template <class Visit>
+void ShapeLayer::VisitPoints(const LayerContext& context, Visit visit) const {
+  for (int i = 0; i < m_features.Count(); ++i)
+    for (int k = 0; m_features.Kind(i) == K7_MAP_POINTS && k < m_features.PointCount(i); ++k) {
+      const K7LatLon p = m_features.Point(i, k);
+      double dx, dy;
+      if (context.view.ToDevice(p.Lat(), p.Lon(), dx, dy)) visit(i, dx, dy);
+    }
+}
+
+void ShapeLayer::OfferLabels(const LayerContext& context, K7MapPath&, double, LabelPlan& plan) {
+  const double half = POINT_SIZE * context.scale / 2;
+  VisitPoints(context, [&](int, double dx, double dy) {
+    plan.Keep({dx - half, dy - half, dx + half, dy + half});
+  });
+}
+
+// The first field that says something; what kind of thing it is behind it.
+std::string ShapeLayer::Describe(int feature) const {
+  const K7ShpRecord& record = *m_file.GetRecord(feature);
+  std::string text;
+  for (const char* const field : {"name", "featurecla"}) {
+    const std::string value = record.Text(m_file.FindField(field));
+    if (!value.empty()) text += (text.empty() ? ": " : ", ") + value;
+  }
+  return Name() + text;
+}
+
+void ShapeLayer::Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
+                      std::vector<std::string>& found) {
+  PickGrfx picker(dx, dy);
+  for (int i = 0; i < m_features.Count(); ++i) {
+    picker.Clear();
+    bool hit = false;
+    if (m_features.Kind(i) == K7_MAP_AREA) {
+      path.Area(&picker, m_features, i);
+      hit = picker.Encloses();
+    } else {
+      path.Outline(&picker, m_features, i);
+      hit = picker.Distance() <= PICK_REACH * context.scale;
+    }
+    if (hit) found.push_back(Describe(i));
+  }
+  VisitPoints(context, [&](int feature, double x, double y) {
+    if (std::hypot(x - dx, y - dy) <= PICK_REACH * context.scale) found.push_back(Describe(feature));
+  });
+}
+
+// The sets of Natural Earth carry it in their name.
+double ShapeLayer::DataScale() const {
+  const std::string name = Name();
+  int millions = 0;
+  return std::sscanf(name.c_str(), "ne_%dm_", &millions) == 1 && millions > 0 ? millions * 1e6 : 0;
 }

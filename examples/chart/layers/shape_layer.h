@@ -1,31 +1,28 @@
-// A layer of the chart: one shapefile set and the way it is drawn.
+// A layer over one shapefile set: areas, lines and points.
 #pragma once
 
-#include "ink/progress.h"
-#include "ink/style.h"
-#include "layers/geo_path.h"
+#include "layers/layer.h"
 
 #include <k7/geometry/shp_file.h>
+#include <k7/projection/map_features.h>
 
-#include <memory>
-#include <string>
-
-class ShapeLayer {
+class ShapeLayer : public Layer {
  public:
-  ShapeLayer(LayerKind kind, std::string path) : m_kind(kind), m_path(std::move(path)) {}
+  ShapeLayer(ThemeItem item, std::string path) : m_item(item), m_path(std::move(path)) {}
 
   /// Reads the whole set. Empty, or what went wrong.
   std::string Load(Progress& progress);
-  /// `scale` widens lines and points on larger sheets.
-  void Draw(const View& view, double scale, Progress& progress) const;
-  const std::string& Path() const { return m_path; }
+
+  std::string Name() const override;
+  ThemeItem Item() const override { return m_item; }
+  void DrawAreas(const LayerContext& context, K7MapPath& path, K7Grfx& g) override;
+  void DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) override;
+  void OfferLabels(const LayerContext& context, K7MapPath& path, double size, LabelPlan& plan) override;
+  void Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
+            std::vector<std::string>& found) override;
+  double DataScale() const override;
 
  private:
-  bool HasPosition();
-  void DrawAreas(const View& view, double scale, Progress& progress) const;
-  void DrawLines(const View& view, double scale) const;
-  void DrawPoints(const View& view, double scale) const;
-
   // Reports how far the reading has come.
   class File : public K7ShpFile {
    public:
@@ -33,8 +30,17 @@ class ShapeLayer {
     Progress* progress = nullptr;
   };
 
-  LayerKind m_kind;
+  bool AddFeature(const K7ShpObj& shape);
+  bool IsLakeLine(int feature) const { return m_isLakeLine[static_cast<size_t>(feature)] != 0; }
+  template <class Visit>
+  void VisitPoints(const LayerContext& context, Visit visit) const;
+  std::string Describe(int feature) const;
+
+  ThemeItem m_item;
   std::string m_path;
-  // The readers' hooks are not const: shapes answer through the file.
-  mutable File m_file;
+  File m_file;
+  K7MapFeatures m_features;  // one a record
+  std::vector<char> m_isLakeLine;
+  std::vector<K7LatLon> m_points;  // of the record that is being added
+  std::vector<int> m_sizes;
 };

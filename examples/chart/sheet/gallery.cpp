@@ -1,5 +1,7 @@
 #include "sheet/gallery.h"
 
+#include "sheet/chart_sheet.h"
+
 #include <algorithm>
 
 namespace {
@@ -19,7 +21,7 @@ constexpr double MERCATOR_LIMIT = 80;
 }  // namespace
 
 std::string DrawGallery(cairo_t* cairo, const ChartRequest& common, int sheetWidth, int sheetHeight,
-                        const std::vector<const ShapeLayer*>& layers, Progress& progress) {
+                        const Theme& theme, Chart& chart) {
   const double width = static_cast<double>(sheetWidth) / COLUMNS;
   const double height = static_cast<double>(sheetHeight) / ROWS;
   const double size = std::max(6.5, std::min(width, height) / 40);
@@ -27,11 +29,11 @@ std::string DrawGallery(cairo_t* cairo, const ChartRequest& common, int sheetWid
     ChartRequest request = common;
     request.type = ORDER[i];
     if (request.type == K7_PROJ_MERCATOR)
-      request.centre.lat = std::clamp(request.centre.lat, -MERCATOR_LIMIT, MERCATOR_LIMIT);
-    WorldChart chart(std::move(request), layers, progress);
+      request.center.Init(std::clamp(common.center.Lat(), -MERCATOR_LIMIT, MERCATOR_LIMIT),
+                          common.center.Lon());
     const int row = i / COLUMNS;
     const ChartBox box = {width * (i % COLUMNS), height * row, width, height, size};
-    if (std::string problem = chart.Draw(cairo, box); !problem.empty()) return problem;
+    if (std::string problem = DrawChart(cairo, box, request, theme, chart); !problem.empty()) return problem;
   }
   return {};
 }

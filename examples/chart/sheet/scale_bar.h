@@ -1,8 +1,19 @@
-// The scale in a chart's margin: a bar of nautical miles and the representative fraction.
+// The scale of a chart at the foot of its sheet.
 #pragma once
 
-#include <cairo.h>
+#include "ink/label_plan.h"
 
-/// Draws it with its right end at `right` and the bar's foot at `y`, at most `room` pixels long. True at the
-/// chart's centre, at 96 pixels an inch.
-void DrawScaleBar(cairo_t* cairo, double nmPerPixel, double right, double y, double size, double room);
+#include <k7/projection/map_view.h>
+
+/// Draws a bar of a round length, right-aligned at `right`, and the representative fraction under it. Where a
+/// mile to the north and one to the east differ by more than 2 % at the centre, there is a bar for each;
+/// where they do only further out, the margin says by how much. `room`: pixels that the bar may take.
+void DrawScaleBar(cairo_t* cairo, const Theme& theme, const K7MapView& view, double right, double top,
+                  double size, double room, LabelPlan& plan);
+
+/// "2,400,000": the denominator of the scale, to two digits.
+std::string Denominator(double scale);
+/// Of a scale of so many nautical miles a pixel.
+double ScaleDenominator(double nmPerPixel);
+/// By how much a mile to the north and a mile to the east differ within the window, at most: 0.02 for 2 %.
+double DirectionDifference(const K7MapView& view);

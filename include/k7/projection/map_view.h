@@ -44,7 +44,8 @@ class K7_API K7MapView {
   double CenterLat() const { return m_lat; }
   double CenterLon() const { return m_lon; }
   double Zoom() const { return m_zoom; }
-  /// Nautical miles that a pixel spans along the meridian at the centre.
+  /// Nautical miles that a pixel spans along the meridian at the centre; for a tilted eye, across the picture
+  /// where the ground is nearest.
   double NMPerPixel() const { return m_nmPerPixel; }
   /// The projection works on the globe in the round; else the world is a plane.
   bool IsGlobe() const { return m_projection->IsAzimuthal(); }
@@ -100,6 +101,7 @@ class K7_API K7MapView {
   bool SetZoom(double zoom);
   bool CenterMap();
   double PixelsPerNM(double range) const;
+  double NearestNMPerPixel() const;
   double ZoomToFit() const;
   template <class Visit>
   void VisitOutline(Visit visit) const;

@@ -1,4 +1,4 @@
-#include "sheet/projection_params.h"
+#include "layers/projection_params.h"
 
 #include <k7/foundation/string.h>
 

@@ -1,0 +1,54 @@
+#include "ink/text.h"
+
+#include "ink/pen.h"
+
+namespace {
+
+void SelectFont(cairo_t* cairo, double size, bool bold) {
+  cairo_select_font_face(cairo, "DejaVu Sans", CAIRO_FONT_SLANT_NORMAL,
+                         bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
+  cairo_set_font_size(cairo, size);
+}
+
+}  // namespace
+
+double TextWidth(cairo_t* cairo, const std::string& text, double size, bool bold) {
+  SelectFont(cairo, size, bold);
+  cairo_text_extents_t extents;
+  cairo_text_extents(cairo, text.c_str(), &extents);
+  return extents.x_advance;
+}
+
+void WriteText(cairo_t* cairo, const Theme& theme, const std::string& text, double x, double y,
+               const Lettering& lettering) {
+  const double width = TextWidth(cairo, text, lettering.size, lettering.bold);
+  const double share = lettering.align == Align::Left ? 0 : lettering.align == Align::Centre ? 0.5 : 1;
+  cairo_move_to(cairo, x - width * share, y);
+  if (lettering.halo) {
+    cairo_text_path(cairo, text.c_str());
+    cairo_set_line_width(cairo, lettering.size / 4);
+    cairo_set_dash(cairo, nullptr, 0, 0);
+    SetColor(cairo, theme[ThemeItem::Halo].fill);
+    cairo_stroke_preserve(cairo);
+    SetColor(cairo, theme[ThemeItem::Text].fill);
+    cairo_fill(cairo);
+    return;
+  }
+  SetColor(cairo, theme[ThemeItem::Text].fill);
+  cairo_show_text(cairo, text.c_str());
+  cairo_new_path(cairo);
+}
+
+std::string Utf8(const char* latin1) {
+  std::string out;
+  for (; *latin1; ++latin1) {
+    const unsigned char c = static_cast<unsigned char>(*latin1);
+    if (c < 0x80) {
+      out += static_cast<char>(c);
+    } else {
+      out += static_cast<char>(0xC0 | (c >> 6));
+      out += static_cast<char>(0x80 | (c & 0x3F));
+    }
+  }
+  return out;
+}

@@ -1,0 +1,227 @@
+#include "ink/theme.h"
+
+#include "ink/readable.h"
+
+#include <k7/foundation/error_string.h>
+#include <k7/foundation/options.h>
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <iterator>
+
+namespace {
+
+// Keys of an entry.
+constexpr unsigned FILL = 1, LINE = 2, WIDTH = 4, DASH = 8, MIN_SCALE = 16, MAX_SCALE = 32;
+constexpr unsigned STROKE = LINE | WIDTH | DASH;
+constexpr unsigned SCALES = MIN_SCALE | MAX_SCALE;
+
+struct Row {
+  const char* name;
+  unsigned keys;
+  ThemeEntry day;
+};
+
+constexpr Color INK = {33, 46, 61, 255};
+constexpr Color SEA = {207, 227, 237, 255};
+constexpr Color RIVER = {107, 161, 199, 255};
+
+// In the order of ThemeItem.
+constexpr Row ROWS[] = {
+    {"Paper", FILL, {{253, 252, 250, 255}}},
+    {"Sea", FILL, {SEA}},
+    {"Sky", FILL, {{233, 241, 247, 255}}},
+    {"Land", FILL | STROKE | SCALES, {{244, 239, 220, 255}, {69, 107, 133, 255}, 0.9}},
+    {"Lakes", FILL | STROKE | SCALES, {SEA, RIVER, 0.8}},
+    {"Rivers", FILL | STROKE | SCALES, {SEA, RIVER, 0.8}},
+    {"LakeLines", STROKE, {{}, {156, 197, 222, 255}, 3.2}},
+    {"Borders", STROKE | SCALES, {{}, {153, 77, 107, 204}, 0.9, {7, 2.5, 1.5, 2.5}}},
+    {"Other", FILL | STROKE | SCALES, {{140, 51, 140, 38}, {140, 51, 140, 230}, 1}},
+    {"Graticule", STROKE, {{}, {64, 89, 115, 89}, 0.6}},
+    {"Limb", STROKE, {{}, {89, 122, 148, 255}, 1.2}},
+    {"Frame", STROKE, {{}, INK, 2.5}},
+    {"Neatline", STROKE, {{}, INK, 1}},
+    {"Text", FILL, {INK}},
+    {"Halo", FILL, {{255, 255, 255, 179}}},
+};
+static_assert(std::size(ROWS) == THEME_ITEMS);
+
+constexpr double THINNEST = 0.1, WIDEST = 40;
+constexpr double LONGEST_DASH = 200;
+
+bool ReadNumber(const char*& text, double& value) {
+  while (*text == ' ') ++text;
+  const auto [stop, error] = std::from_chars(text, text + std::strlen(text), value);
+  text = stop;
+  return error == std::errc() && std::isfinite(value);
+}
+
+bool ReadLast(const char* text, double& value) { return ReadNumber(text, value) && *text == 0; }
+
+std::string Written(double value) {
+  char text[32];
+  return {text, std::to_chars(text, text + sizeof text, value).ptr};
+}
+
+bool ReadColor(const char* text, Color& color) {
+  const size_t length = std::strlen(text);
+  if (text[0] != '#' || (length != 7 && length != 9)) return false;
+  uint8_t* const bytes[] = {&color.red, &color.green, &color.blue, &color.alpha};
+  color.alpha = 255;
+  for (size_t i = 1; i < length; i += 2) {
+    const auto [stop, error] = std::from_chars(text + i, text + i + 2, *bytes[i / 2], 16);
+    if (error != std::errc() || stop != text + i + 2) return false;
+  }
+  return true;
+}
+
+std::string Written(const Color& color) {
+  K7String text;
+  text.Format("#%02X%02X%02X", color.red, color.green, color.blue);
+  if (color.alpha != 255) text += K7FmtString("%02X", color.alpha);
+  return std::string(text);
+}
+
+bool ReadDash(const char* text, std::array<double, 4>& dash) {
+  dash = {};
+  if (std::strcmp(text, "none") == 0) return true;
+  size_t count = 0;
+  for (; *text && count < dash.size(); ++count)
+    if (!ReadNumber(text, dash[count]) || !(dash[count] >= THINNEST && dash[count] <= LONGEST_DASH))
+      return false;
+  return count > 0 && *text == 0;
+}
+
+std::string Written(const std::array<double, 4>& dash) {
+  std::string text;
+  for (size_t i = 0; i < dash.size() && dash[i] > 0; ++i) text += (i ? " " : "") + Written(dash[i]);
+  return text.empty() ? "none" : text;
+}
+
+bool ReadScale(const char* text, double none, double& scale) {
+  if (std::strcmp(text, "none") != 0) return ReadLast(text, scale) && scale >= 0;
+  scale = none;
+  return true;
+}
+
+std::string WrittenScale(double scale, double none) { return scale == none ? "none" : Written(scale); }
+
+constexpr ThemeEntry BARE;
+
+struct Key {
+  const char* name;
+  unsigned bit;
+  const char* values;
+  bool (*read)(const char* text, ThemeEntry& entry);
+  std::string (*write)(const ThemeEntry& entry);
+};
+
+constexpr Key KEYS[] = {
+    {"Fill", FILL, "#RRGGBB or #RRGGBBAA",
+     [](const char* text, ThemeEntry& entry) { return ReadColor(text, entry.fill); },
+     [](const ThemeEntry& entry) { return Written(entry.fill); }},
+    {"Line", LINE, "#RRGGBB or #RRGGBBAA",
+     [](const char* text, ThemeEntry& entry) { return ReadColor(text, entry.line); },
+     [](const ThemeEntry& entry) { return Written(entry.line); }},
+    {"Width", WIDTH, "0.1 to 40 pixels",
+     [](const char* text, ThemeEntry& entry) {
+       return ReadLast(text, entry.width) && entry.width >= THINNEST && entry.width <= WIDEST;
+     },
+     [](const ThemeEntry& entry) { return Written(entry.width); }},
+    {"Dash", DASH, "one to four lengths from 0.1 to 200 pixels, or none",
+     [](const char* text, ThemeEntry& entry) { return ReadDash(text, entry.dash); },
+     [](const ThemeEntry& entry) { return Written(entry.dash); }},
+    {"MinNMPerPixel", MIN_SCALE, "nautical miles a pixel, or none",
+     [](const char* text, ThemeEntry& entry) {
+       return ReadScale(text, BARE.minNMPerPixel, entry.minNMPerPixel);
+     },
+     [](const ThemeEntry& entry) { return WrittenScale(entry.minNMPerPixel, BARE.minNMPerPixel); }},
+    {"MaxNMPerPixel", MAX_SCALE, "nautical miles a pixel, or none",
+     [](const char* text, ThemeEntry& entry) {
+       return ReadScale(text, BARE.maxNMPerPixel, entry.maxNMPerPixel);
+     },
+     [](const ThemeEntry& entry) { return WrittenScale(entry.maxNMPerPixel, BARE.maxNMPerPixel); }},
+};
+
+// A table of its own: a theme leaves the settings of the process alone.
+class ThemeFile : public K7Options {};
+
+template <class Table, class Wanted>
+std::string Names(const Table& table, Wanted wanted) {
+  std::string names;
+  for (const auto& row : table) {
+    if (!wanted(row)) continue;
+    names += names.empty() ? "" : ", ";
+    names += row.name;
+  }
+  return names;
+}
+
+// Empty, or what is wrong with a setting.
+std::string Take(const K7KeyValue& setting, Theme& theme) {
+  const std::string group(setting.group), name(setting.key), value(setting.value);
+  int item = 0;
+  while (item < THEME_ITEMS && group != ROWS[item].name) ++item;
+  if (item == THEME_ITEMS)
+    return "it sets '" + name + "' of '" + group + "', but the groups are " +
+           Names(ROWS, [](const Row&) { return true; });
+  for (const Key& key : KEYS) {
+    if (name != key.name || !(ROWS[item].keys & key.bit)) continue;
+    if (key.read(value.c_str(), theme[static_cast<ThemeItem>(item)])) return {};
+    return name + " of " + group + " is " + key.values + ", not '" + value + "'";
+  }
+  return group + " has no '" + name + "'; it has " +
+         Names(KEYS, [item](const Key& key) { return (ROWS[item].keys & key.bit) != 0; });
+}
+
+std::string TakeAll(ThemeFile& file, Theme& theme) {
+  int i = 0;
+  for (const K7KeyValue* setting; (setting = file.GetKeyValueByIndex(i)); ++i) {
+    if (file.GetKeyValueByName(setting->key, setting->group) != setting)
+      return "it sets " + std::string(setting->key) + " of " + std::string(setting->group) + " twice";
+    if (std::string problem = Take(*setting, theme); !problem.empty()) return problem;
+  }
+  if (i == 0) return "it sets nothing";
+  for (int item = 0; item < THEME_ITEMS; ++item) {
+    const ThemeEntry& entry = theme[static_cast<ThemeItem>(item)];
+    if (entry.minNMPerPixel > entry.maxNMPerPixel)
+      return "MinNMPerPixel of " + std::string(ROWS[item].name) + " is above its MaxNMPerPixel";
+  }
+  return {};
+}
+
+}  // namespace
+
+Theme::Theme() {
+  for (size_t i = 0; i < m_entries.size(); ++i) m_entries[i] = ROWS[i].day;
+}
+
+std::string Theme::Read(const std::string& path) {
+  const std::string why = WhyUnreadable(path);
+  if (!why.empty()) return "cannot read the theme '" + path + "': " + why;
+  ThemeFile file;
+  if (const int code = file.Read(path.c_str()); code != 0)
+    return "cannot read the theme '" + path + "': " +
+           (code == K7_ERR_XML_MISMATCHED_TAG ? "it is no whole XML document"
+                                              : K7ErrorString::ErrorString(code));
+  Theme theme;
+  if (const std::string problem = TakeAll(file, theme); !problem.empty())
+    return "the theme '" + path + "': " + problem;
+  *this = theme;
+  return {};
+}
+
+std::string Theme::Save(const std::string& path) const {
+  ThemeFile file;
+  int code = 0;
+  for (size_t i = 0; i < m_entries.size(); ++i)
+    for (const Key& key : KEYS)
+      if (code == 0 && (ROWS[i].keys & key.bit))
+        code = file.SetOption(key.name, key.write(m_entries[i]).c_str(), ROWS[i].name);
+  if (code == 0) code = file.Write(path.c_str());
+  if (code == 0) return {};
+  return "cannot write the theme '" + path + "'" + (code == K7_ERR_MEMORY ? ": out of memory" : "");
+}
+
+const char* ThemeItemName(ThemeItem item) { return ROWS[static_cast<size_t>(item)].name; }

@@ -1,0 +1,71 @@
+// How a chart looks: colours, lines and the scales at which layers show, read from an options file.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+struct Color {
+  uint8_t red = 0, green = 0, blue = 0, alpha = 0;
+  bool operator==(const Color&) const = default;
+};
+
+/// What has a look of its own.
+enum class ThemeItem {
+  Paper,
+  Sea,
+  Sky,  ///< behind the earth, as a tilted eye sees it
+  Land,
+  Lakes,
+  Rivers,
+  LakeLines,  ///< centre lines of lakes among the rivers
+  Borders,
+  Other,  ///< sets of the user's own
+  Graticule,
+  Limb,
+  Frame,
+  Neatline,  ///< the inner line of the frame
+  Text,
+  Halo,  ///< around text that stands on the map
+};
+inline constexpr int THEME_ITEMS = static_cast<int>(ThemeItem::Halo) + 1;
+
+/// Widths and dashes are pixels of a sheet of ordinary size.
+struct ThemeEntry {
+  Color fill{};
+  Color line{};
+  double width = 0;
+  std::array<double, 4> dash{};  ///< lengths of ink and gap, up to the first 0; none: a whole line
+  double minNMPerPixel = 0;      ///< scales at which a layer shows
+  double maxNMPerPixel = std::numeric_limits<double>::infinity();
+
+  bool ShowsAt(double nmPerPixel) const { return nmPerPixel >= minNMPerPixel && nmPerPixel <= maxNMPerPixel; }
+  bool operator==(const ThemeEntry&) const = default;
+};
+
+/// A file is one of `K7Options`: the item is the group, and its keys are Fill, Line (#RRGGBB or #RRGGBBAA),
+/// Width, Dash ("7 2.5 1.5 2.5" or "none"), MinNMPerPixel, MaxNMPerPixel ("none" for no limit):
+///
+///     <Options><Fill Group="Land">#F4EFDC</Fill><Width Group="Borders">0.9</Width></Options>
+class Theme {
+ public:
+  /// Day.
+  Theme();
+
+  const ThemeEntry& operator[](ThemeItem item) const { return m_entries[static_cast<size_t>(item)]; }
+  ThemeEntry& operator[](ThemeItem item) { return m_entries[static_cast<size_t>(item)]; }
+
+  /// Takes on the look of a file; what it leaves out is day's. Empty, or what is wrong with it, and then the
+  /// theme is as before.
+  std::string Read(const std::string& path);
+  /// Writes all of it, so that it reads back equal. Empty, or what went wrong.
+  std::string Save(const std::string& path) const;
+  bool operator==(const Theme&) const = default;
+
+ private:
+  std::array<ThemeEntry, THEME_ITEMS> m_entries;
+};
+
+/// "Land": the group of a theme file.
+const char* ThemeItemName(ThemeItem item);

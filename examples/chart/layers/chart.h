@@ -1,0 +1,60 @@
+// A chart: a projection's view of the world and the layers that are drawn in it.
+#pragma once
+
+#include "layers/layer.h"
+#include "layers/projection_params.h"
+
+#include <k7/projection/chart.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// What a chart shows.
+struct ChartRequest {
+  K7ProjType type = K7_PROJ_LAMBERT;
+  K7LatLon center{48.5, -123.5};
+  double rangeNM = 0;  // from the centre to the nearer edge; 0: all that the projection can show
+  ProjectionParams params;
+};
+
+/// Keeps its view from one drawing to the next and draws into any graphics context; layers and theme stay
+/// the caller's and must outlive it.
+class Chart : public K7Chart {
+ public:
+  Chart(std::vector<Layer*> layers, const Theme& theme, Progress& progress);
+
+  /// Looks at what is wanted through a window of `width` by `height` pixels, `scale` being that of lines and
+  /// symbols. Empty, or why there is no such chart; the chart then shows nothing.
+  std::string Show(const ChartRequest& request, int width, int height, double scale);
+
+  K7Projection* GetProjection() override { return m_projection.get(); }
+  K7ChartRect GetExtent() const override;
+  /// Any context will do: the chart sets it up. K7_ERR_NOT_INITIALIZED before the first view.
+  int Render(K7Grfx* g) override;
+  void ResetLayers(unsigned char visible) override;
+  void WriteUserThemePref(const char* path) override;
+
+  /// Null before the first view.
+  const K7MapView* View() const { return m_view.get(); }
+  void OfferLabels(double size, LabelPlan& plan);
+  /// What is drawn under a pixel, the uppermost layer first.
+  std::vector<std::string> Pick(double dx, double dy);
+  /// Denominator of the coarsest data that are shown; 0 when none has a scale.
+  double DataScale() const;
+
+ private:
+  LayerContext Context() const { return {*m_view, m_theme, m_scale, m_progress}; }
+  template <class Visit>
+  void VisitShown(Visit visit) const;
+
+  std::vector<Layer*> m_layers;
+  std::vector<char> m_visible;
+  const Theme& m_theme;
+  Progress& m_progress;
+  std::unique_ptr<K7Projection> m_projection;
+  std::unique_ptr<K7MapView> m_view;
+  std::unique_ptr<K7MapPath> m_path;
+  double m_scale = 1;
+};

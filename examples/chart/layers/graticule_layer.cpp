@@ -1,0 +1,283 @@
+#include "layers/graticule_layer.h"
+
+#include "layers/frame_sink.h"
+
+#include <k7/geodesy/latlon.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace {
+
+constexpr double SECOND = 1 / 3600.0, MINUTE = 1 / 60.0;
+
+// Degrees between lines, and between the ticks that divide them. Each step but the largest is at most twice
+// the one before, so that one of them leaves 4 to 8 lines over any span.
+constexpr GraticuleStep STEPS[] = {
+    {SECOND, 0},
+    {2 * SECOND, SECOND},
+    {3 * SECOND, SECOND},
+    {5 * SECOND, SECOND},
+    {10 * SECOND, SECOND},
+    {15 * SECOND, 5 * SECOND},
+    {20 * SECOND, 5 * SECOND},
+    {30 * SECOND, 5 * SECOND},
+    {MINUTE, 10 * SECOND},
+    {2 * MINUTE, MINUTE / 2},
+    {3 * MINUTE, MINUTE},
+    {5 * MINUTE, MINUTE},
+    {10 * MINUTE, MINUTE},
+    {15 * MINUTE, 5 * MINUTE},
+    {20 * MINUTE, 5 * MINUTE},
+    {30 * MINUTE, 5 * MINUTE},
+    {1, 10 * MINUTE},
+    {2, 0.5},
+    {3, 1},
+    {5, 1},
+    {10, 0},
+    {15, 0},
+    {20, 0},
+    {30, 0},
+    {45, 0},
+    {60, 0},
+};
+constexpr double WANTED_LINES = 6;
+// About a pole the meridians meet: so many degrees apart they stay legible.
+constexpr double POLAR_STEP = 30;
+
+constexpr double TOLERANCE = 1e-9;
+
+bool IsMultiple(double value, double step) { return std::fabs(std::remainder(value, step)) < TOLERANCE; }
+
+// How many degrees a straight walk through the picture passes, forth and back.
+template <class Degrees>
+double Variation(const K7MapView& view, bool across, Degrees degrees) {
+  static const int STEPS_ACROSS = 32;
+  double sum = 0, last = NAN;
+  for (int i = 0; i <= STEPS_ACROSS; ++i) {
+    const double t = static_cast<double>(i) / STEPS_ACROSS;
+    double lat, lon;
+    if (!view.FromDevice(view.Width() * (across ? t : 0.5), view.Height() * (across ? 0.5 : t), lat, lon))
+      continue;
+    const double value = degrees(lat, lon);
+    if (std::isfinite(last)) sum += std::fabs(std::remainder(value - last, 360));
+    last = value;
+  }
+  return sum;
+}
+
+}  // namespace
+
+GraticuleStep StepFor(LineKind kind, double span) {
+  GraticuleStep best = STEPS[0];
+  for (const GraticuleStep& step : STEPS) {
+    // Parallels of 45 or 60 degrees are no help to anybody.
+    if (kind == LineKind::Parallel && step.lines > 30) break;
+    const double off = std::fabs(std::log(span / step.lines / WANTED_LINES));
+    if (off < std::fabs(std::log(span / best.lines / WANTED_LINES))) best = step;
+  }
+  return best;
+}
+
+void GraticuleLayer::Prepare(const LayerContext& context) {
+  const K7MapView& view = context.view;
+  view.GetExtent(m_north, m_south, m_east, m_west);
+  m_converge = !view.Projection()->IsCylindrical();
+  m_seesPole = m_north >= 90 - TOLERANCE || m_south <= -90 + TOLERANCE;
+  const double lats = Variation(view, false, [](double lat, double) { return lat; });
+  const double lons = Variation(view, true, [](double, double lon) { return lon; });
+  m_latStep = StepFor(LineKind::Parallel, std::min(lats, 2 * (m_north - m_south)));
+  m_lonStep = StepFor(LineKind::Meridian, std::min(lons, m_east - m_west));
+  // A straight walk past a pole says little about meridians.
+  const bool polar = m_seesPole && std::fabs(view.CenterLat()) > 60;
+  if (polar && view.IsGlobe()) m_lonStep = {POLAR_STEP, 0};
+  m_lines.clear();
+  m_features.Clear();
+  AddFamily(m_features, m_lines, LineKind::Parallel, m_latStep.lines);
+  AddFamily(m_features, m_lines, LineKind::Meridian, m_lonStep.lines);
+}
+
+void GraticuleLayer::AddFamily(K7MapFeatures& features, std::vector<Line>& lines, LineKind kind,
+                               double step) const {
+  const bool parallels = kind == LineKind::Parallel;
+  const double low = parallels ? m_south : m_west;
+  const double high = parallels ? m_north : std::min(m_east, m_west + 360 - step / 2);
+  static const int MOST = 2000;
+  const double first = std::ceil(low / step - TOLERANCE);
+  for (int i = 0; i < MOST && (first + i) * step <= high + TOLERANCE; ++i) {
+    const double degrees = (first + i) * step;
+    if (parallels && std::fabs(degrees) > 90 - TOLERANCE) continue;
+    AddLine(features, lines, kind, degrees);
+  }
+}
+
+void GraticuleLayer::AddLine(K7MapFeatures& features, std::vector<Line>& lines, LineKind kind,
+                             double degrees) const {
+  std::vector<K7LatLon> points;
+  if (kind == LineKind::Parallel) {
+    // In pieces, so that none is taken for an edge across 180.
+    static const int PIECES = 4;
+    for (int i = 0; i <= PIECES; ++i) points.emplace_back(degrees, m_west + (m_east - m_west) * i / PIECES);
+  } else {
+    // Where meridians meet, only four run into the poles, so that these stay legible.
+    const double cap = !m_converge || IsMultiple(degrees, 90) ? 90 : 90 - std::min(m_latStep.lines, 10.0);
+    const double south = std::max(m_south, -cap), north = std::min(m_north, cap);
+    if (south >= north) return;
+    points = {{south, degrees}, {north, degrees}};
+  }
+  const int count = static_cast<int>(points.size());
+  if (features.Add(K7_MAP_LINES, points.data(), &count, 1) >= 0) lines.push_back({kind, degrees});
+}
+
+void GraticuleLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
+  UseLine(g, context.theme[ThemeItem::Graticule], context.scale);
+  for (int i = 0; i < m_features.Count(); ++i)
+    if (path.Outline(&g, m_features, i) > 0) g.Stroke();
+}
+
+// "N48°30'", and without a letter where there is no side to name.
+std::string GraticuleLayer::Text(const Line& line) const {
+  const bool parallel = line.kind == LineKind::Parallel;
+  const double step = parallel ? m_latStep.lines : m_lonStep.lines;
+  const double turned = std::remainder(line.degrees, 360);
+  const double degrees = parallel ? line.degrees : std::fabs(turned) > 180 - TOLERANCE ? 180 : turned;
+  if (std::fabs(degrees) < TOLERANCE) return "0°";
+  if (!parallel && degrees == 180) return "180°";
+  const bool whole = IsMultiple(step, 1);
+  const bool minutes = IsMultiple(step, MINUTE);
+  const char* const rest = whole ? "" : minutes ? "%02m'" : "%02m'%02s\"";
+  K7String format, text;
+  format.Format(parallel ? "%%H%%d%%x%s" : "%%H%%03d%%x%s", rest);
+  if (parallel)
+    K7LatLon(degrees, 0).FormatLat(format, text);
+  else
+    K7LatLon(0, degrees).FormatLon(format, text);
+  return Utf8(text);
+}
+
+// What is being lettered: the lines as they meet the frame and lie on the map.
+struct GraticuleLayer::Lettered {
+  const K7MapView& view;
+  double size;
+  LabelPlan& plan;
+  std::vector<Crossing> crossings;
+  std::vector<std::vector<DevicePlace>> places;  // of each line, within the window
+  std::vector<char> done;                        // lines that have a label, or gave way to their neighbours'
+};
+
+void GraticuleLayer::OfferLabels(const LayerContext& context, K7MapPath& path, double size, LabelPlan& plan) {
+  Lettered lettered{context.view, size, plan, {}, {}, std::vector<char>(m_lines.size(), 0)};
+  FrameSink sink(context.view.Width(), context.view.Height());
+  for (int i = 0; i < m_features.Count(); ++i) {
+    sink.Clear();
+    path.Outline(&sink, m_features, i);
+    for (const FrameSink::Crossing& crossing : sink.Crossings())
+      lettered.crossings.push_back({i, crossing.side, crossing.along});
+    lettered.places.push_back(sink.Places());
+  }
+  const auto meets = [&](int side, LineKind kind) {
+    return std::any_of(lettered.crossings.begin(), lettered.crossings.end(), [&](const Crossing& c) {
+      return c.side == side && m_lines[static_cast<size_t>(c.line)].kind == kind;
+    });
+  };
+  for (int side = 0; side < FRAME_SIDES; ++side) {
+    const LineKind usual = IsUpright(side) ? LineKind::Parallel : LineKind::Meridian;
+    const LineKind other = IsUpright(side) ? LineKind::Meridian : LineKind::Parallel;
+    LabelSide(side, meets(side, usual) ? usual : other, lettered);
+  }
+  for (int i = 0; i < m_features.Count(); ++i)
+    if (!lettered.done[static_cast<size_t>(i)]) LabelOnMap(i, lettered);
+  AddTicks(context, path, size, plan);
+}
+
+void GraticuleLayer::LabelSide(int side, LineKind kind, Lettered& lettered) const {
+  std::vector<Crossing> crossings;
+  for (const Crossing& crossing : lettered.crossings)
+    if (crossing.side == side && m_lines[static_cast<size_t>(crossing.line)].kind == kind)
+      crossings.push_back(crossing);
+  std::sort(crossings.begin(), crossings.end(),
+            [](const Crossing& a, const Crossing& b) { return a.along < b.along; });
+  const double step = kind == LineKind::Parallel ? m_latStep.lines : m_lonStep.lines;
+  const auto labelAt = [&](const Crossing& crossing) {
+    const FramePlace place =
+        OutsideFrame(side, crossing.along, lettered.view.Width(), lettered.view.Height());
+    const double gap = lettered.size * 0.9;
+    return Label{Text(m_lines[static_cast<size_t>(crossing.line)]),
+                 place.x + place.outX * gap,
+                 place.y + (place.outY > 0   ? gap + lettered.size * 0.75
+                            : place.outY < 0 ? -gap
+                                             : lettered.size * 0.35),
+                 {.size = lettered.size,
+                  .align = place.outX < 0   ? Align::Right
+                           : place.outX > 0 ? Align::Left
+                                            : Align::Centre}};
+  };
+  // Every line has its label, or every second, third or sixth, so that they neither touch nor come at odd
+  // intervals.
+  for (const int interval : {1, 2, 3, 6}) {
+    double free = -INFINITY;
+    bool touch = false;
+    std::vector<Label> labels;
+    for (const Crossing& crossing : crossings) {
+      if (!IsMultiple(m_lines[static_cast<size_t>(crossing.line)].degrees, step * interval)) continue;
+      Label label = labelAt(crossing);
+      const PixelBox box = lettered.plan.BoxOf(label);
+      touch = touch || (IsUpright(side) ? box.top : box.left) < free;
+      free = IsUpright(side) ? box.bottom : box.right;
+      labels.push_back(std::move(label));
+    }
+    if (touch && interval < 6) continue;
+    bool any = false;
+    for (const Label& label : labels) any = lettered.plan.Offer(label) || any;
+    // Lines between labelled ones need none of their own.
+    for (const Crossing& crossing : crossings)
+      if (any) lettered.done[static_cast<size_t>(crossing.line)] = 1;
+    return;
+  }
+}
+
+// On the line itself, as near to the middle of the picture as there is room: parallels above one another,
+// meridians side by side.
+void GraticuleLayer::LabelOnMap(int line, Lettered& lettered) const {
+  const Line& l = m_lines[static_cast<size_t>(line)];
+  std::vector<DevicePlace> places = lettered.places[static_cast<size_t>(line)];
+  const double middleX = lettered.view.Width() / 2.0, middleY = lettered.view.Height() / 2.0;
+  const bool parallel = l.kind == LineKind::Parallel;
+  const auto off = [&](const DevicePlace& p) {
+    return parallel ? std::fabs(p.x - middleX) - (p.y < middleY ? 1 : 0) : std::fabs(p.y - middleY);
+  };
+  std::stable_sort(places.begin(), places.end(),
+                   [&](const DevicePlace& a, const DevicePlace& b) { return off(a) < off(b); });
+  const double inset = lettered.size * 0.3;
+  const PixelBox window = {0, 0, lettered.view.Width() * 1.0, lettered.view.Height() * 1.0};
+  for (const DevicePlace& place : places) {
+    const Label label = {Text(l), place.x + inset, place.y - inset, {.size = lettered.size, .halo = true}};
+    const PixelBox box = lettered.plan.BoxOf(label);
+    double lat, lon;
+    const bool onMap = lettered.view.FromDevice(box.right, box.top, lat, lon) &&
+                       lettered.view.FromDevice(box.right, box.bottom, lat, lon);
+    if (window.Holds(box) && onMap && lettered.plan.Offer(label)) return;
+  }
+}
+
+// Between the lines of a large-scale chart the frame is divided further.
+void GraticuleLayer::AddTicks(const LayerContext& context, K7MapPath& path, double size,
+                              LabelPlan& plan) const {
+  const double length = size * 0.35;
+  for (const LineKind kind : {LineKind::Parallel, LineKind::Meridian}) {
+    const GraticuleStep& step = kind == LineKind::Parallel ? m_latStep : m_lonStep;
+    if (step.lines > 1 || step.ticks == 0) continue;
+    K7MapFeatures features;
+    std::vector<Line> lines;
+    AddFamily(features, lines, kind, step.ticks);
+    FrameSink sink(context.view.Width(), context.view.Height());
+    for (int i = 0; i < features.Count(); ++i) path.Outline(&sink, features, i);
+    for (const FrameSink::Crossing& crossing : sink.Crossings()) {
+      if (IsUpright(crossing.side) != (kind == LineKind::Parallel)) continue;
+      const FramePlace p =
+          OutsideFrame(crossing.side, crossing.along, context.view.Width(), context.view.Height());
+      plan.AddTick(p.x, p.y, p.x + p.outX * length, p.y + p.outY * length);
+    }
+  }
+}

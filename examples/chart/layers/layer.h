@@ -1,0 +1,51 @@
+// What a chart is made of: the interface behind which each kind of layer stands.
+#pragma once
+
+#include "ink/label_plan.h"
+#include "ink/progress.h"
+#include "ink/theme.h"
+
+#include <k7/projection/map_path.h>
+#include <k7/projection/map_view.h>
+
+#include <string>
+#include <vector>
+
+/// What a layer is drawn by.
+struct LayerContext {
+  const K7MapView& view;
+  const Theme& theme;
+  double scale;  // of widths and symbols: 1 on a sheet of ordinary size
+  Progress& progress;
+};
+
+/// A layer draws with the library's graphics context only. A chart asks all its layers for their areas
+/// first, then all for their lines, then for their labels, each time in their order.
+class Layer {
+ public:
+  virtual ~Layer() = default;
+  virtual std::string Name() const = 0;
+  /// What the layer has in the theme, which also says at which scales it shows.
+  virtual ThemeItem Item() const = 0;
+  /// Called when a view is new, before anything else.
+  virtual void Prepare(const LayerContext&) {}
+  virtual void DrawAreas(const LayerContext&, K7MapPath&, K7Grfx&) {}
+  virtual void DrawLines(const LayerContext&, K7MapPath&, K7Grfx&) {}
+  /// `size` of ordinary lettering, in pixels.
+  virtual void OfferLabels(const LayerContext&, K7MapPath&, double /*size*/, LabelPlan&) {}
+  /// Adds a line of text for each thing that is drawn under a device point.
+  virtual void Pick(const LayerContext&, K7MapPath&, double /*dx*/, double /*dy*/,
+                    std::vector<std::string>& /*found*/) {}
+  /// The denominator of the scale at which the layer's data were made, 110000000 for 1:110,000,000; 0 when it
+  /// is not known or means nothing.
+  virtual double DataScale() const { return 0; }
+
+ protected:
+  Layer() = default;
+  Layer(const Layer&) = delete;
+  Layer& operator=(const Layer&) = delete;
+};
+
+/// Sets a context's ink to a theme entry's.
+void UseFill(K7Grfx& g, const ThemeEntry& entry);
+void UseLine(K7Grfx& g, const ThemeEntry& entry, double scale);

@@ -1,0 +1,24 @@
+// One chart on a sheet: its frame, the labels around it and the margin.
+#pragma once
+
+#include "layers/chart.h"
+
+#include <cairo.h>
+
+/// Where a chart stands on the sheet, in pixels, and how large its lettering is.
+struct ChartBox {
+  double x, y, width, height;
+  double textSize;
+};
+
+/// The chart's window within its box: whole pixels, so that the frame is sharp.
+struct ChartWindow {
+  int x, y, width, height;
+};
+ChartWindow WindowOf(const ChartBox& box);
+/// How much wider than on an ordinary sheet lines are.
+double LineScale(const ChartBox& box);
+
+/// Shows and draws a chart with frame and margin. Empty, or what went wrong.
+std::string DrawChart(cairo_t* cairo, const ChartBox& box, const ChartRequest& request, const Theme& theme,
+                      Chart& chart);
