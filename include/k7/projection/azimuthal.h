@@ -15,6 +15,8 @@ class K7_API K7AzimuthalProjection : public K7Projection {
   /// Camera at eye distance times the centre's unit vector, looking at the centre point, north up.
   bool CenterOn(K7Grfx* g, double lat, double lon) const override;
   bool IsAzimuthal() const override;
+  void LatLons2World(const double* lat, const double* lon, int count, double* x, double* y,
+                     double* z) const override;
 
  protected:
   K7AzimuthalProjection(K7ProjType type, double eyeDistance, double nearClip, double farClip)

@@ -60,6 +60,8 @@ class K7_API K7LambertProjection : public K7ConicProjection {
   void ParamValue(int index, double value) override;
   double Lat2Rho(double phi) const override;
   double Rho2Lat(double rho) const override;
+  void LatLons2World(const double* lat, const double* lon, int count, double* x, double* y,
+                     double* z) const override;
 
   /// Changes to the ellipsoid with semi-major axis `a` and semi-minor axis `b`, in one unit, for the rest of
   /// this object's life. World units are then semi-major axes. (Snyder, equations 15-7 to 15-11; the inverse
@@ -90,6 +92,8 @@ class K7_API K7AlbersProjection : public K7ConicProjection {
   void ParamValue(int index, double value) override;
   double Lat2Rho(double phi) const override;
   double Rho2Lat(double rho) const override;
+  void LatLons2World(const double* lat, const double* lon, int count, double* x, double* y,
+                     double* z) const override;
 
  private:
   void ComputeCone();

@@ -29,6 +29,8 @@ class K7_API K7MercatorProjection : public K7CylindricalProjection {
   bool World2LatLon(double x, double y, double z, double& lat, double& lon) const override;
   /// cos(lat).
   double ScaleError(double lat, double lon) const override;
+  void LatLons2World(const double* lat, const double* lon, int count, double* x, double* y,
+                     double* z) const override;
 };
 
 /// Mercator of 0.8 of the latitude, divided by 0.8: the poles are on the map. (Snyder, chapter 11.)
@@ -41,6 +43,8 @@ class K7_API K7MillerProjection : public K7CylindricalProjection {
   bool LatLon2World(double lat, double lon, double& x, double& y, double& z) const override;
   /// True up to 89 degrees north and south.
   bool World2LatLon(double x, double y, double z, double& lat, double& lon) const override;
+  void LatLons2World(const double* lat, const double* lon, int count, double* x, double* y,
+                     double* z) const override;
 };
 
 /// Latitude and longitude as plane coordinates. The standard parallel, at which both scales agree, stretches
@@ -60,6 +64,8 @@ class K7_API K7RectangularProjection : public K7CylindricalProjection {
   bool LatLon2World(double lat, double lon, double& x, double& y, double& z) const override;
   /// Always true, also above and below the poles.
   bool World2LatLon(double x, double y, double z, double& lat, double& lon) const override;
+  void LatLons2World(const double* lat, const double* lon, int count, double* x, double* y,
+                     double* z) const override;
 
  private:
   double m_standardParallel;

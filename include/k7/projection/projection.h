@@ -78,6 +78,19 @@ class K7_API K7Projection {
   /// Local scale as a factor, for hosts that correct a scale bar; 1 where a kind has no rule of its own.
   virtual double ScaleError(double lat, double lon) const;
 
+  /// `LatLon2World` of `count` positions at once, several times as fast. All arrays hold `count` numbers,
+  /// degrees in and world units out, and no output overlaps another array; a `count` below 1 does nothing. A
+  /// null `z` is left out: the flat families lose nothing by it.
+  ///
+  /// Each coordinate is within 1e-12 of the single call's, relative to: 1 for the azimuthal family; for the
+  /// flat ones, the largest of the coordinate itself, one earth radius in world units and, for cones, the
+  /// point's distance from the apex. What the single call writes outside the domain, for infinities and for
+  /// what is not a number is written here too; there is no verdict. A position gives the same bits wherever
+  /// it stands in the arrays, but not those of the single call, nor the same in every build of the library.
+  /// A class that overrides `LatLon2World` overrides this as well; K7Projection's own is the plain loop.
+  virtual void LatLons2World(const double* lat, const double* lon, int count, double* x, double* y,
+                             double* z) const;
+
   /// Position under a device point, exact for every projection and camera: the ray through the pixel, taken
   /// from `g` alone, is met with the globe or with the flat world. `width` and `height` are those of the
   /// window, in pixels. The longitude is within [-180, 180].
