@@ -1,9 +1,12 @@
 // Positions to world points and back, a million at random, degrees in and out.
 //
 //   k7     through K7Projection's virtual interface, one call a point
+//   batch  K7Projection::LatLons2World, one call for all (forward only)
 //   bare   the same formula written out for the one projection, its constants at hand, one call a point of a
 //          function that is not inlined: what any interface of single points costs at least
-//   proj   PROJ's proj_trans, one call a point, and proj_trans_array, one call for all, on the same sphere
+//   proj   PROJ's proj_trans, one call a point, and proj_trans_array, one call for all, on the same sphere:
+//   the bare
+//          operation, radians in and out, as PROJ has them itself
 //   s2     S2's unit vector (the azimuthal projections only)
 #include <k7/projection.h>
 
@@ -156,7 +159,7 @@ struct Subject {
   K7ProjType kind;
   Formula forward;
   Formula inverse;
-  const char* proj;  // behind the conversion of degrees
+  const char* proj;
 };
 
 constexpr const char* CART = "+proj=cart +R=1";
@@ -206,21 +209,34 @@ void RunBare(benchmark::State& state, const Subject& subject, bool forward) {
           [f](const Point& i, Point& o) { f(i.a, i.b, i.c, o.a, o.b, o.c); });
 }
 
+void RunBatch(benchmark::State& state, const Subject& subject) {
+  const auto projection = Make(subject);
+  std::vector<double> lat, lon, x(COUNT), y(COUNT), z(COUNT);
+  for (const Point& p : Positions()) {
+    lat.push_back(p.a);
+    lon.push_back(p.b);
+  }
+  for (auto _ : state) {
+    projection->LatLons2World(lat.data(), lon.data(), COUNT, x.data(), y.data(), z.data());
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(state.iterations() * COUNT);
+}
+
 void RunProj(benchmark::State& state, const Subject& subject, bool forward, bool array) {
-  PJ* const pj = proj_create(
-      nullptr,
-      (std::string("+proj=pipeline +step +proj=unitconvert +xy_in=deg +xy_out=rad +step ") + subject.proj)
-          .c_str());
+  PJ* const pj = proj_create(nullptr, subject.proj);
   const PJ_DIRECTION direction = forward ? PJ_FWD : PJ_INV;
   const auto points = forward ? Positions() : WorldPoints(*Make(subject));
   std::vector<PJ_COORD> in(points.size()), out(points.size());
   for (size_t i = 0; i < in.size(); ++i) {
     const Point& p = points[i];
-    in[i] = forward ? proj_coord(p.b, p.a, 0, 0) : proj_coord(p.a, p.b, p.c, 0);
+    in[i] = forward ? proj_coord(p.b * RAD, p.a * RAD, 0, 0) : proj_coord(p.a, p.b, p.c, 0);
   }
   for (auto _ : state) {
     if (array) {
+      state.PauseTiming();
       out = in;  // the array is converted in place
+      state.ResumeTiming();
       proj_trans_array(pj, direction, out.size(), out.data());
     } else {
       for (size_t i = 0; i < in.size(); ++i) out[i] = proj_trans(pj, direction, in[i]);
@@ -254,6 +270,7 @@ const bool REGISTERED = [] {
         benchmark::RegisterBenchmark((name + who).c_str(), run)->Unit(benchmark::kMillisecond);
       };
       add("k7", [&s, forward](benchmark::State& state) { RunK7(state, s, forward); });
+      if (forward) add("batch", [&s](benchmark::State& state) { RunBatch(state, s); });
       add("bare", [&s, forward](benchmark::State& state) { RunBare(state, s, forward); });
       if (s.proj == CART && s.kind != K7_PROJ_ORTHOGRAPHIC) continue;  // the same work as orthographic
       add("proj_trans", [&s, forward](benchmark::State& state) { RunProj(state, s, forward, false); });

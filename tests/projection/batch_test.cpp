@@ -206,10 +206,10 @@ TEST(Batch, WritesItsCountAndNoMore) {
     const K7Projection& projection = *subject.projection;
     for (int count = -1; count <= 140; count += count < 20 ? 1 : 13) {
       const size_t used = static_cast<size_t>(std::max(count, 0));
-      // Eight bytes off any vector's boundary, one way or the other.
+      // One of both is eight bytes off a vector's boundary.
       for (const size_t skip : {0u, 1u}) {
-        std::vector<double> lat(used + 1), lon(used + 1), x(used + 9, UNTOUCHED), y = x, z = x, noX = x,
-                                                                                  noY = x;
+        std::vector<double> lat(used + 1), lon(used + 1), x(used + 9, UNTOUCHED);
+        std::vector<double> y = x, z = x, noX = x, noY = x;
         for (size_t i = 0; i < used; ++i) {
           lat[i + skip] = i % 7 == 6 ? 90 : 1.5 * static_cast<double>(i % 50);
           lon[i + skip] = static_cast<double>(i) - 100;
