@@ -268,7 +268,7 @@ void K7MapPath::Stages::Add(const GeoPoint& p) {
 void K7MapPath::Stages::Flush() {
   const K7Projection& projection = *view->Projection();
   const bool globe = view->IsGlobe();
-  for (int i = 0; i < pending; ++i) projection.LatLon2World(lat[i], lon[i], x[i], y[i], z[i]);
+  projection.LatLons2World(lat, lon, pending, x, y, z);
   if (globe) {
     K7ECEF* const row = surface.Extend(pending);
     failed = failed || !row;
