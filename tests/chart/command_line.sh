@@ -20,6 +20,9 @@ done
 "$chart" draw --range 300 --layer land --output once.png && cmp once.png twice.png || fail "a layer drawn twice"
 "$chart" draw --range 300 --theme night --output night.png && ! cmp -s chart.png night.png || fail "the night theme"
 "$chart" draw --range 300 --theme Day --output day.png && cmp chart.png day.png || fail "the day theme"
+"$chart" --range 300 --output /dev/stdout | cmp - chart.png || fail "a PNG for the standard output"
+ln -s chart.png link.png
+"$chart" --range 250 --output link.png && test -L link.png && ! cmp -s chart.png verb.png || fail "a link is written through"
 "$chart" gallery --size 900x600 && test -s gallery.png || fail "gallery"
 
 # What the tables say is what the helps list.
@@ -83,7 +86,8 @@ refuses "cannot read 'half/ne_110m_land.dbf'" --layer half/ne_110m_land.shp
 refuses "cannot read 'half/ne_110m_land.dbf'" --data half
 refuses "broken.shp" --layer broken.shp
 refuses "in the folder" --data "$work"
-refuses "no/such" --output no/such/folder.png
+refuses "cannot write 'no/such/folder.png': No such file" --output no/such/folder.png
+refuses "cannot write '/dev/full': No space left" --output /dev/full
 refuses "Mercator" --projection mercator --center "N90 E0" --range 300
 refuses "field of view" --projection perspective --param "Pitch=-40" --range 300
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 
@@ -67,6 +68,10 @@ std::string RunCommand(std::vector<std::string> arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+#if defined(SIGXFSZ)
+  // A file that may not grow further is a reason like a full disk, not the end.
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
   std::string problem = RunCommand({argv + std::min(argc, 1), argv + argc});
   if (problem.empty() && std::fflush(stdout) != 0)
     problem = std::string("cannot write to the standard output: ") + std::strerror(errno);

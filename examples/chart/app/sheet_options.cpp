@@ -30,8 +30,8 @@ std::string SetOutput(const char* text, SheetOptions& options) {
 
 constexpr OptionRow<SheetOptions> SHEET_OPTIONS[] = {
     {"--size", "WIDTHxHEIGHT", "of the picture in pixels (default 1600x1000)", SetSize},
-    {"--output", "FILE", "the picture: .png, .svg or .pdf (default ", SetOutput, false,
-     [](const SheetOptions& options) { return options.output + ")"; }},
+    {"--output", "FILE", "the picture: .png, .svg or .pdf, or a device as /dev/stdout for a PNG (default ",
+     SetOutput, false, [](const SheetOptions& options) { return options.output + ")"; }},
 };
 
 }  // namespace

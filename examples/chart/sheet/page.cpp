@@ -1,29 +1,19 @@
 #include "sheet/page.h"
 
+#include "sheet/png.h"
+#include "sheet/save_file.h"
+
 #include <k7/foundation/string.h>
-#include <k7/io/file.h>
-#include <k7/io/io.h>
 
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
 
 #include <filesystem>
-#include <memory>
-#include <system_error>
+#include <new>
 
 namespace {
 
 constexpr double POINTS_PER_PIXEL = 72.0 / 96.0;
-
-bool WriteFile(const std::string& path, const std::vector<unsigned char>& bytes) {
-  const std::unique_ptr<K7File> file(K7IO::Inst()->CreateFileX(path.c_str(), "wb"));
-  if (!file || !file->IsValid()) return false;
-  const int size = static_cast<int>(bytes.size());
-  const bool written = file->Write(bytes.data(), size) == size;
-  file->Close();
-  std::error_code error;
-  return written && std::filesystem::file_size(path, error) == bytes.size();
-}
 
 }  // namespace
 
@@ -38,7 +28,8 @@ bool PageFormatOf(const std::string& path, PageFormat& format) {
     format = known.format;
     return true;
   }
-  return false;
+  format = PageFormat::PNG;
+  return IsDevice(path);
 }
 
 Page::Page(PageFormat format, int width, int height) : m_format(format) {
@@ -67,28 +58,27 @@ Page::~Page() {
 bool Page::IsValid() const { return cairo_status(m_cairo) == CAIRO_STATUS_SUCCESS; }
 
 cairo_status_t Page::Collect(void* page, const unsigned char* data, unsigned length) {
-  std::vector<unsigned char>& bytes = static_cast<Page*>(page)->m_bytes;
-  bytes.insert(bytes.end(), data, data + length);
+  Page& self = *static_cast<Page*>(page);
+  if (self.m_progress) self.m_progress->Within(0);
+  try {
+    self.m_bytes.insert(self.m_bytes.end(), data, data + length);
+  } catch (const std::bad_alloc&) {
+    return CAIRO_STATUS_NO_MEMORY;
+  }
   return CAIRO_STATUS_SUCCESS;
 }
 
 std::string Page::Save(const std::string& path, Progress& progress) {
   progress.Step("writing " + std::filesystem::path(path).filename().string());
   cairo_status_t status = cairo_status(m_cairo);
-  if (status == CAIRO_STATUS_SUCCESS && m_format == PageFormat::PNG)
-    status = cairo_surface_write_to_png_stream(m_surface, Collect, this);
+  if (status == CAIRO_STATUS_SUCCESS && m_format == PageFormat::PNG &&
+      !EncodePng(m_surface, m_bytes, progress))
+    status = CAIRO_STATUS_NO_MEMORY;
+  m_progress = &progress;
   cairo_surface_finish(m_surface);
+  m_progress = nullptr;
   if (status == CAIRO_STATUS_SUCCESS) status = cairo_surface_status(m_surface);
   if (status != CAIRO_STATUS_SUCCESS) return std::string("cannot draw: ") + cairo_status_to_string(status);
-
-  const std::string part = path + ".part";
-  std::error_code error;
-  if (WriteFile(part, m_bytes))
-    std::filesystem::rename(part, path, error);
-  else
-    error = std::make_error_code(std::errc::io_error);
-  if (!error) return {};
-  std::error_code ignored;
-  std::filesystem::remove(part, ignored);
-  return "cannot write '" + path + "'";
+  const std::string problem = SaveFile(path, m_bytes);
+  return problem.empty() ? problem : "cannot write '" + path + "': " + problem;
 }

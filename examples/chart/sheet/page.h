@@ -10,7 +10,7 @@
 
 enum class PageFormat { PNG, SVG, PDF };
 
-/// From the ending of a file name, without regard to case; false for another ending.
+/// From the ending of a file name, without regard to case; a device gets a PNG. False for another ending.
 bool PageFormatOf(const std::string& path, PageFormat& format);
 
 /// A sheet of `width` x `height` pixels of 1/96 inch.
@@ -23,8 +23,7 @@ class Page {
 
   bool IsValid() const;
   cairo_t* Cairo() const { return m_cairo; }
-  /// Finishes the sheet and puts it into the place of `path` in one step, so that no half-written picture is
-  /// ever seen there. Empty, or what went wrong.
+  /// Finishes the sheet and saves it with `SaveFile`. Empty, or what went wrong.
   std::string Save(const std::string& path, Progress& progress);
 
  private:
@@ -32,6 +31,7 @@ class Page {
 
   PageFormat m_format;
   std::vector<unsigned char> m_bytes;
+  Progress* m_progress = nullptr;  // while saving
   cairo_surface_t* m_surface = nullptr;
   cairo_t* m_cairo = nullptr;
 };
