@@ -20,9 +20,10 @@ constexpr double R = K7_EARTH_RADIUS_M;
 constexpr double ANGLE_LIMIT = 1e6;  // degrees; larger ones are reduced by the single call
 
 // The formulas, first what depends on the latitude and then the longitude's part, which finds the former in
-// y: two short loops keep a processor busier than a long one. Each answers 0 where it holds: else the single
-// call is made.
+// y: two short loops keep a processor busier than a long one. Each answers 0 where it holds, else 1: the
+// single call is made then.
 struct Cylinder {
+  static constexpr bool HAS_LIMITS = false;
   K7_INLINE std::uint64_t Longitude(double lon, double& x, double&) const {
     x = lon * K7_DEG_TO_RAD * R;
     return 0;
@@ -38,6 +39,7 @@ struct Mercator : Cylinder {
 };
 
 struct Miller : Cylinder {
+  static constexpr bool HAS_LIMITS = true;
   K7_INLINE std::uint64_t Latitude(double lat, double& y, double& z) const {
     y = batch::LogTan(0.4 * (lat * K7_DEG_TO_RAD)) / 0.8 * R;
     z = 0.0;
@@ -56,6 +58,7 @@ struct Rectangular : Cylinder {
 };
 
 struct Globe {
+  static constexpr bool HAS_LIMITS = true;
   K7_INLINE std::uint64_t Latitude(double lat, double& y, double& z) const {
     batch::SinCos(lat * K7_DEG_TO_RAD, z, y);
     return Beyond(lat, ANGLE_LIMIT);
@@ -71,6 +74,7 @@ struct Globe {
 };
 
 struct Cone {
+  static constexpr bool HAS_LIMITS = true;
   double n;
   double scale;
   double rho0;
@@ -142,11 +146,14 @@ K7_INLINE void ForBlocks(const K7Projection& single, const Formula& formula, con
     double* const z = all.z ? all.z + start : noZ;
     std::uint64_t anyLeft = 0;
 #pragma omp simd
-    for (int i = 0; i < count; ++i) left[i] = formula.Latitude(lat[i], y[i], z[i]);
+    for (int i = 0; i < count; ++i) {
+      const std::uint64_t out = formula.Latitude(lat[i], y[i], z[i]);
+      if constexpr (Formula::HAS_LIMITS) left[i] = out;
+    }
 #pragma omp simd reduction(| : anyLeft)
     for (int i = 0; i < count; ++i) {
-      left[i] |= formula.Longitude(lon[i], x[i], y[i]);
-      anyLeft |= left[i];
+      const std::uint64_t out = formula.Longitude(lon[i], x[i], y[i]);
+      if constexpr (Formula::HAS_LIMITS) anyLeft |= left[i] |= out;
     }
     for (int i = 0; anyLeft && i < count; ++i) {
       if (left[i]) single.LatLon2World(lat[i], lon[i], x[i], y[i], z[i]);

@@ -46,12 +46,17 @@ K7MapView::Box K7MapView::CapBox() const {
   return box;
 }
 
-// The positions along a frame bound those within it, but for the poles, which bring all longitudes with them.
-// What bulges between two samples is less than their difference: `slack` is the share of it that is added.
+// The positions along a frame bound those within it, but for the poles, which bring all longitudes with them,
+// and for what the map ends at within the frame. What bulges between two samples is less than their
+// difference: `slack` is the share of it that is added.
 K7MapView::Box K7MapView::FrameBox(double beyond, double slack) const {
   const Box all = IsGlobe() ? CapBox() : m_map;
   const double middle = (all.west + all.east) / 2;
   Box box = {-INFINITY, INFINITY, -INFINITY, INFINITY};
+  const auto include = [&](double lat, double lon) {
+    box = {std::max(box.north, lat), std::min(box.south, lat), std::max(box.east, lon),
+           std::min(box.west, lon)};
+  };
   double latJump = 0, lonJump = 0, lastLat = NAN, lastLon = NAN;
   bool whole = true;
   VisitFrame(Width(), Height(), beyond, [&](double dx, double dy) {
@@ -67,19 +72,33 @@ K7MapView::Box K7MapView::FrameBox(double beyond, double slack) const {
     }
     lastLat = lat;
     lastLon = lon;
-    box = {std::max(box.north, lat), std::min(box.south, lat), std::max(box.east, lon),
-           std::min(box.west, lon)};
+    include(lat, lon);
   });
-  if (!whole) return all;
-  const auto seesPole = [&](double lat) {
+  if (!whole && IsGlobe()) return all;
+  const auto inFrame = [&](double lat, double lon) {
     double dx = NAN, dy = NAN;
-    ToDevice(lat, m_lon, dx, dy);
-    return OnMap(lat, m_lon) && dx >= -beyond && dx <= Width() + beyond && dy >= -beyond &&
-           dy <= Height() + beyond;
+    ToDevice(lat, lon, dx, dy);
+    return dx >= -beyond && dx <= Width() + beyond && dy >= -beyond && dy <= Height() + beyond;
   };
-  const bool north = seesPole(90);
-  const bool south = seesPole(-90);
-  const bool around = north || south;
+  if (!whole) {
+    // The sides of the map that show, a degree apart.
+    static const int STEPS = 360;
+    for (int i = 0; i <= STEPS; ++i) {
+      const double lat = all.south + (all.north - all.south) * i / STEPS;
+      const double lon = all.west + (all.east - all.west) * i / STEPS;
+      for (const double side : {all.west, all.east})
+        if (inFrame(lat, side)) include(lat, side);
+      for (const double end : {all.south, all.north})
+        if (inFrame(end, lon)) include(end, lon);
+    }
+    latJump = std::max(latJump, 1.0);
+    lonJump = std::max(lonJump, 1.0);
+  }
+  if (!(box.north >= box.south)) return all;
+  const bool north = OnMap(90, m_lon) && inFrame(90, m_lon);
+  const bool south = OnMap(-90, m_lon) && inFrame(-90, m_lon);
+  // Of a cylinder's pole, a line, the frame may show a part.
+  const bool around = (north || south) && !m_projection->IsCylindrical();
   return {std::min(north ? 90 : box.north + slack * latJump, all.north),
           std::max(south ? -90 : box.south - slack * latJump, all.south),
           std::min(around ? middle + 180 : box.east + slack * lonJump, all.east),

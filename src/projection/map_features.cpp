@@ -63,10 +63,15 @@ class Row {
   // An edge of the data, not of the land.
   bool IsCut(int i) const { return IsSeamCut(i) || IsPoleCut(i); }
   void StraightenCuts() {
+    const double lat = m_lat[0], lon = m_lon[0];
     for (int i = 1; i < m_count; ++i) {
       if (IsSeamCut(i)) m_lon[i - 1] = m_lon[i] = std::copysign(180.0, m_lon[i]);
       if (IsPoleCut(i)) m_lat[i - 1] = m_lat[i] = std::copysign(90.0, m_lat[i]);
     }
+    // The first point is the last: where one has moved, the other goes with it.
+    const int end = m_count - 1;
+    m_lon[0] = m_lon[end] = m_lon[0] != lon ? m_lon[0] : m_lon[end];
+    m_lat[0] = m_lat[end] = m_lat[0] != lat ? m_lat[0] : m_lat[end];
   }
 
   DegreeBox Bounds() const {

@@ -3,9 +3,6 @@
 #include "app/chart_options.h"
 #include "app/drawing.h"
 #include "app/verb.h"
-#include "sheet/chart_sheet.h"
-
-#include <algorithm>
 
 namespace {
 
@@ -28,21 +25,12 @@ class Draw : public Verb {
     if (!projection) return "out of memory";
     if (std::string problem = SetParams(*projection, m_request.params); !problem.empty()) return problem;
 
-    const double size = std::max(9.0, std::min(m_sheet.width, m_sheet.height) / 80.0);
-    return DrawSheet(m_layers, Scale(), m_sheet, m_look, 1, [&](cairo_t* cairo, Chart& chart) {
-      const ChartBox box = {0, 0, m_sheet.width * 1.0, m_sheet.height * 1.0, size};
-      return DrawChart(cairo, box, m_request, m_look.theme, chart);
+    return DrawSheet(m_layers, DataScaleOf(m_request), m_sheet, m_look, 1, [&](cairo_t* cairo, Chart& chart) {
+      return DrawChart(cairo, WholeSheet(m_sheet), m_request, m_look.theme, chart);
     });
   }
 
  private:
-  const DataScale& Scale() const {
-    // An eye that was placed by hand may be near the ground.
-    static const double NEAR_NM = 1000;
-    const bool placedEye = m_request.type == K7_PROJ_PERSPECTIVE && !m_request.params.empty();
-    return ScaleFor(placedEye ? NEAR_NM : m_request.rangeNM);
-  }
-
   ChartRequest m_request;
   LookOptions m_look;
   LayerOptions m_layers;

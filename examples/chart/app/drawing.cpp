@@ -7,6 +7,8 @@
 #include "layers/shape_layer.h"
 #include "sheet/page.h"
 
+#include <algorithm>
+
 std::string LayerStack::Load(const LayerOptions& options, const DataScale& scale, bool graticule,
                              Progress& progress) {
   std::vector<LayerRequest> requests;
@@ -25,6 +27,18 @@ std::vector<Layer*> LayerStack::Layers() const {
   std::vector<Layer*> layers;
   for (const std::unique_ptr<Layer>& layer : m_layers) layers.push_back(layer.get());
   return layers;
+}
+
+const DataScale& DataScaleOf(const ChartRequest& request) {
+  // An eye that was placed by hand may be near the ground.
+  static const double NEAR_NM = 1000;
+  const bool placedEye = request.type == K7_PROJ_PERSPECTIVE && !request.params.empty();
+  return ScaleFor(placedEye ? NEAR_NM : request.rangeNM);
+}
+
+ChartBox WholeSheet(const SheetOptions& sheet) {
+  const double size = std::max(9.0, std::min(sheet.width, sheet.height) / 80.0);
+  return {0, 0, sheet.width * 1.0, sheet.height * 1.0, size};
 }
 
 std::string DrawSheet(const LayerOptions& options, const DataScale& scale, const SheetOptions& sheet,

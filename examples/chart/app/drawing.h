@@ -5,6 +5,8 @@
 #include "app/layer_options.h"
 #include "app/sheet_options.h"
 
+#include "sheet/chart_sheet.h"
+
 #include <cairo.h>
 
 #include <functional>
@@ -20,6 +22,11 @@ class LayerStack {
  private:
   std::vector<std::unique_ptr<Layer>> m_layers;
 };
+
+/// The scale of the data that suit a chart.
+const DataScale& DataScaleOf(const ChartRequest& request);
+/// A chart that takes the whole sheet.
+ChartBox WholeSheet(const SheetOptions& sheet);
 
 /// Loads the layers of a chart of that scale, has `draw` fill the sheet in `charts` charts, and writes it.
 /// Empty, or what went wrong.

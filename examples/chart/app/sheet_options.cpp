@@ -28,12 +28,20 @@ std::string SetOutput(const char* text, SheetOptions& options) {
   return {};
 }
 
-constexpr OptionRow<SheetOptions> SHEET_OPTIONS[] = {
+constexpr OptionRow<SheetOptions> SIZE_OPTIONS[] = {
     {"--size", "WIDTHxHEIGHT", "of the picture in pixels (default 1600x1000)", SetSize},
+};
+
+constexpr OptionRow<SheetOptions> OUTPUT_OPTIONS[] = {
     {"--output", "FILE", "the picture: .png, .svg or .pdf, or a device as /dev/stdout for a PNG (default ",
      SetOutput, false, [](const SheetOptions& options) { return options.output + ")"; }},
 };
 
 }  // namespace
 
-void AddSheetOptions(OptionTable& table, SheetOptions& options) { table.Add(SHEET_OPTIONS, options); }
+void AddSizeOptions(OptionTable& table, SheetOptions& options) { table.Add(SIZE_OPTIONS, options); }
+
+void AddSheetOptions(OptionTable& table, SheetOptions& options) {
+  AddSizeOptions(table, options);
+  table.Add(OUTPUT_OPTIONS, options);
+}

@@ -9,5 +9,7 @@ struct SheetOptions {
   std::string output;
 };
 
+/// --size
+void AddSizeOptions(OptionTable& table, SheetOptions& options);
 /// --size, --output. The table names the output that `options` has.
 void AddSheetOptions(OptionTable& table, SheetOptions& options);

@@ -1,0 +1,80 @@
+// k7chart pick: what lies under pixels of a chart.
+
+#include "app/chart_options.h"
+#include "app/drawing.h"
+#include "app/progress_line.h"
+#include "app/verb.h"
+
+#include <cstdio>
+
+namespace {
+
+struct Pixel {
+  double x, y;
+};
+
+class Pick : public Verb {
+ public:
+  void AddOptions(OptionTable& table) override {
+    AddProjectionOptions(table, m_request);
+    AddPlaceOptions(table, m_request);
+    AddLayerOptions(table, m_layers);
+    AddDataOptions(table, m_layers);
+    AddSizeOptions(table, m_sheet);
+  }
+
+  std::string TakeArgument(const std::string& argument) override {
+    const size_t comma = argument.find(',');
+    Pixel pixel{};
+    if (comma == std::string::npos || !ReadNumber(argument.substr(0, comma).c_str(), pixel.x) ||
+        !ReadNumber(argument.c_str() + comma + 1, pixel.y))
+      return "a pixel is X,Y from the top left corner of the picture, not " + Quoted(argument);
+    m_pixels.push_back(pixel);
+    return {};
+  }
+
+  std::string Run() override {
+    if (m_pixels.empty()) return "pick needs at least one pixel, as 812,440";
+    ProgressLine progress;
+    LayerStack stack;
+    if (std::string problem = stack.Load(m_layers, DataScaleOf(m_request), false, progress); !problem.empty())
+      return problem;
+    const ChartBox box = WholeSheet(m_sheet);
+    const ChartWindow window = WindowOf(box);
+    const Theme theme;
+    Chart chart(stack.Layers(), theme, progress);
+    if (std::string problem = chart.Show(m_request, window.width, window.height, LineScale(box));
+        !problem.empty())
+      return problem;
+    for (const Pixel& pixel : m_pixels) Print(chart, window, pixel);
+    return {};
+  }
+
+ private:
+  static void Print(Chart& chart, const ChartWindow& window, const Pixel& pixel) {
+    const double dx = pixel.x - window.x, dy = pixel.y - window.y;
+    std::printf("%g,%g  ", pixel.x, pixel.y);
+    double lat, lon;
+    if (dx < 0 || dy < 0 || dx > window.width || dy > window.height) {
+      std::puts("outside the chart's frame");
+    } else if (!chart.View()->FromDevice(dx, dy, lat, lon)) {
+      std::puts("off the map");
+    } else {
+      const K7LatLon place(lat, lon);
+      K7String latText, lonText;
+      place.FormatLat("%H%02d %06.3M", latText);
+      place.FormatLon("%H%03d %06.3M", lonText);
+      std::printf("%s %s\n", static_cast<const char*>(latText), static_cast<const char*>(lonText));
+      for (const std::string& found : chart.Pick(dx, dy)) std::printf("    %s\n", found.c_str());
+    }
+  }
+
+  ChartRequest m_request;
+  LayerOptions m_layers;
+  SheetOptions m_sheet;
+  std::vector<Pixel> m_pixels;
+};
+
+}  // namespace
+
+std::unique_ptr<Verb> MakePick() { return std::make_unique<Pick>(); }

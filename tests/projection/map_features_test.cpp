@@ -1,0 +1,166 @@
+#include <k7/foundation/error_string.h>
+#include <k7/projection.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "projection/path_recorder.h"
+
+namespace {
+
+using Ring = std::vector<K7LatLon>;
+
+int AddOne(K7MapFeatures& features, K7MapFeatureKind kind, const Ring& points) {
+  const int size = static_cast<int>(points.size());
+  return features.Add(kind, points.data(), &size, 1);
+}
+
+TEST(MapFeatures, PointsOffTheEarthAreLeftOut) {
+  K7MapFeatures features;
+  EXPECT_EQ(
+      AddOne(features, K7_MAP_LINES, {{10, 20}, {NAN, 20}, {91, 20}, {11, 541}, {11, INFINITY}, {12, 22}}),
+      0);
+  EXPECT_EQ(features.PointCount(0), 2);
+  EXPECT_EQ(features.Point(0, 1).Lat(), 12);
+  // Of what is too short nothing is left, but the number is.
+  EXPECT_EQ(AddOne(features, K7_MAP_LINES, {{10, 20}}), 1);
+  EXPECT_EQ(AddOne(features, K7_MAP_AREA, {{10, 20}, {11, 20}}), 2);
+  EXPECT_EQ(features.PointCount(1), 0);
+  EXPECT_EQ(features.PointCount(2), 0);
+  EXPECT_TRUE(features.Bounds(2).IsEmpty());
+  EXPECT_EQ(features.Count(), 3);
+}
+
+TEST(MapFeatures, RingsAreClosedAndRunClockwise) {
+  K7MapFeatures features;
+  AddOne(features, K7_MAP_AREA, {{0, 0}, {0, 10}, {10, 10}, {10, 0}});  // counter-clockwise and open
+  ASSERT_EQ(features.PointCount(0), 5);
+  double area = 0;
+  for (int i = 0; i < 4; ++i) {
+    const K7LatLon a = features.Point(0, i), b = features.Point(0, i + 1);
+    area += (b.Lon() - a.Lon()) * (b.Lat() + a.Lat()) / 2;
+  }
+  EXPECT_EQ(area, 100);
+  EXPECT_EQ(features.Point(0, 0).Lat(), features.Point(0, 4).Lat());
+  EXPECT_EQ(features.Kind(0), K7_MAP_AREA);
+}
+
+TEST(MapFeatures, RowsAreCarriedOnAcross180) {
+  K7MapFeatures features;
+  AddOne(features, K7_MAP_LINES, {{0, 170}, {1, -175}, {2, 175}});
+  EXPECT_EQ(features.Point(0, 1).Lon(), 185);
+  EXPECT_EQ(features.Point(0, 2).Lon(), 175);
+  AddOne(features, K7_MAP_AREA, {{0, 170}, {10, 170}, {10, -170}, {0, -170}});
+  EXPECT_EQ(features.Bounds(1).West(), 170);
+  EXPECT_EQ(features.Bounds(1).East(), -170);
+  EXPECT_TRUE(features.Contains(1, 5, 180));
+  EXPECT_TRUE(features.Contains(1, 5, -175));
+  EXPECT_FALSE(features.Contains(1, 5, 0));
+  // A ring around the pole does not close when it is carried on: it is meant as it stands.
+  AddOne(features, K7_MAP_AREA,
+         {{-70, -180}, {-70, -60}, {-70, 60}, {-70, 180}, {-90, 180}, {-90, 0}, {-90, -180}});
+  EXPECT_TRUE(features.Contains(2, -80, 10));
+  EXPECT_TRUE(features.Contains(2, -80, 179));
+  EXPECT_FALSE(features.Contains(2, -60, 10));
+  EXPECT_EQ(features.Bounds(2).East(), 180);
+}
+
+TEST(MapFeatures, HolesAreNoArea) {
+  K7MapFeatures features;
+  const Ring rings = {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}, {4, 4}, {4, 6}, {6, 6}, {6, 4}, {4, 4}};
+  const int sizes[] = {5, 5};
+  EXPECT_EQ(features.Add(K7_MAP_AREA, rings.data(), sizes, 2), 0);
+  EXPECT_TRUE(features.Contains(0, 2, 2));
+  EXPECT_FALSE(features.Contains(0, 5, 5));
+  EXPECT_FALSE(features.Contains(0, 12, 5));
+}
+
+// An island in two features whose halves end a hundred metres beside the seam, as some sets have it.
+TEST(MapFeatures, HalvesThatWereCutBeside180MeetThere) {
+  K7MapFeatures features;
+  AddOne(features, K7_MAP_AREA, {{-17, 179.8}, {-16.8, 179.9}, {-16.8, 179.9992}, {-17, 179.9992}});
+  AddOne(features, K7_MAP_AREA, {{-17, -179.9992}, {-16.8, -179.9992}, {-16.9, -179.9}});
+  K7MercatorProjection projection;
+  K7MapView view(&projection, 400, 300);
+  ASSERT_EQ(view.LookAt(-16.9, 180, 1), 0);
+  K7MapPath path(view);
+  for (const double lon : {179.9996, 180.0, -179.9997}) {
+    int hits = 0;
+    double dx = 0, dy = 0;
+    ASSERT_TRUE(view.ToDevice(-16.9, lon, dx, dy));
+    for (int i = 0; i < 2; ++i) {
+      PathRecorder recorder;
+      path.Area(&recorder, features, i);
+      hits += recorder.Encloses(dx, dy);
+    }
+    EXPECT_GE(hits, 1) << lon;
+  }
+  for (int i = 0; i < 2; ++i) {
+    PathRecorder coast;
+    EXPECT_EQ(path.Outline(&coast, features, i), 0);
+  }
+}
+
+TEST(MapFeatures, WrongArgumentsAddNothing) {
+  K7MapFeatures features;
+  const K7LatLon points[] = {{0, 0}, {1, 1}};
+  const int negative[] = {-1}, two[] = {2};
+  EXPECT_EQ(features.Add(K7_MAP_LINES, nullptr, two, 1), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(features.Add(K7_MAP_LINES, points, nullptr, 1), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(features.Add(K7_MAP_LINES, points, two, -1), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(features.Add(K7_MAP_LINES, points, negative, 1), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(features.Count(), 0);
+  EXPECT_EQ(features.Point(0, 0).Lat(), 0);
+  EXPECT_EQ(features.PointCount(7), 0);
+  EXPECT_FALSE(features.Contains(-1, 0, 0));
+  features.Add(K7_MAP_LINES, points, two, 1);
+  features.Clear();
+  EXPECT_EQ(features.Count(), 0);
+  EXPECT_EQ(features.Add(K7_MAP_LINES, points, two, 1), 0);
+}
+
+// A chart's path is not finer than its pixels, and what lies elsewhere is not in it.
+TEST(MapPath, HasNoPointsThatCannotBeSeen) {
+  Ring circle;
+  for (int i = 0; i <= 20000; ++i)
+    circle.emplace_back(48 + std::cos(i * 0.00031415926535), -123 - std::sin(i * 0.00031415926535));
+  K7MapFeatures features;
+  AddOne(features, K7_MAP_AREA, circle);
+  AddOne(features, K7_MAP_AREA, {{0, 0}, {1, 0}, {1, 1}});
+  K7LambertProjection projection(51, 45, -123, 48);
+  K7MapView view(&projection, 400, 300);
+  ASSERT_EQ(view.LookAt(48, -123, 100), 0);
+  K7MapPath path(view);
+  PathRecorder recorder;
+  const int count = path.Area(&recorder, features, 0);
+  // The circle is 2 pi 90 pixels around.
+  EXPECT_LT(count, 3 * 566);
+  EXPECT_GT(count, 300);
+  for (size_t i = 1; i < recorder.pieces[0].points.size(); ++i) {
+    const auto& a = recorder.pieces[0].points[i - 1];
+    const auto& b = recorder.pieces[0].points[i];
+    EXPECT_LT(std::hypot(a.x - b.x, a.y - b.y), 3);
+  }
+  EXPECT_EQ(path.Area(&recorder, features, 1), 0);
+  EXPECT_EQ(path.Area(&recorder, features, 2), 0);
+  EXPECT_EQ(path.Area(nullptr, features, 0), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(path.Line(&recorder, nullptr, 2), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(path.GreatCircle(&recorder, circle.data(), -1), K7_ERR_BAD_ARGUMENT);
+}
+
+// Between antipodes any great circle will do, and the one that is drawn passes the pole.
+TEST(MapPath, ARouteToTheAntipodeRunsOverThePole) {
+  K7OrthographicProjection projection;
+  K7MapView view(&projection, 300, 300);
+  ASSERT_EQ(view.LookAt(60, 0, 0), 0);
+  const K7LatLon route[] = {{30, 20}, {-30, -160}};
+  PathRecorder recorder;
+  EXPECT_GT(K7MapPath(view).GreatCircle(&recorder, route, 2), 0);
+  double dx = 0, dy = 0;
+  ASSERT_TRUE(view.ToDevice(90, 0, dx, dy));
+  EXPECT_LT(recorder.Distance(dx, dy), 0.5);
+}
+
+}  // namespace
