@@ -147,8 +147,7 @@ bool K7MapView::LocalFrame(double lat, double lon, double (&north)[2], double (&
   if (!m_isSet || !(std::fabs(lat) < 90 - STEP) || !OnMap(lat, lon)) return false;
   const double wide = STEP / std::cos(lat * K7_DEG_TO_RAD);
   const double length = 2 * STEP * K7_DEG_TO_RAD * K7_EARTH_RADIUS_NM;
-  double a[2], b[2], c[2], d[2];
-  a[0] = b[0] = c[0] = d[0] = NAN;
+  double a[2] = {NAN, NAN}, b[2] = {NAN, NAN}, c[2] = {NAN, NAN}, d[2] = {NAN, NAN};
   ToDevice(lat - STEP, lon, a[0], a[1]);
   ToDevice(lat + STEP, lon, b[0], b[1]);
   ToDevice(lat, lon - wide, c[0], c[1]);
