@@ -94,7 +94,8 @@ void Paths(benchmark::State& state, const std::string& start, double range) {
     return state.SkipWithError("no chart");
   Counter counter;
   for (auto _ : state) chart.Render(&counter);
-  state.counters["points"] = benchmark::Counter(static_cast<double>(counter.count) / static_cast<double>(state.iterations()));
+  state.counters["points"] =
+      benchmark::Counter(static_cast<double>(counter.count) / static_cast<double>(state.iterations()));
 }
 
 BENCHMARK_CAPTURE(Redraw, 50m_300NM, K7_SAMPLE_DATA "/ne_50m_", 300.0)->Unit(benchmark::kMillisecond);

@@ -87,8 +87,12 @@ void GraticuleLayer::Prepare(const LayerContext& context) {
   m_seesPole = m_north >= 90 - TOLERANCE || m_south <= -90 + TOLERANCE;
   const double lats = Variation(view, false, [](double lat, double) { return lat; });
   const double lons = Variation(view, true, [](double, double lon) { return lon; });
-  m_latStep = StepFor(LineKind::Parallel, std::min(lats, 2 * (m_north - m_south)));
-  m_lonStep = StepFor(LineKind::Meridian, std::min(lons, m_east - m_west));
+  // A tilted eye sees the far ground in a few pixels: what divides its picture is the whole way to the
+  // horizon.
+  const bool tilted = view.IsTilted();
+  m_latStep =
+      StepFor(LineKind::Parallel, tilted ? (m_north - m_south) / 2 : std::min(lats, 2 * (m_north - m_south)));
+  m_lonStep = StepFor(LineKind::Meridian, tilted ? (m_east - m_west) / 2 : std::min(lons, m_east - m_west));
   // A straight walk past a pole says little about meridians.
   const bool polar = m_seesPole && std::fabs(view.CenterLat()) > 60;
   if (polar && view.IsGlobe()) m_lonStep = {POLAR_STEP, 0};
