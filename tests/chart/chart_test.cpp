@@ -16,6 +16,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -248,6 +249,39 @@ TEST_F(ChartTest, TheScaleBarSaysWhereDirectionsDiffer) {
   // 1852 m a pixel of 1/96 inch.
   EXPECT_EQ(Denominator(ScaleDenominator(1)), "7,000,000");
   EXPECT_EQ(Denominator(ScaleDenominator(0.0181)), "130,000");
+}
+
+// What is placed before stays clear of the bar, and no bar goes without its length: in windows of any width,
+// for lengths of any number of digits.
+TEST_F(ChartTest, ScaleBarsCoverNothingAndSayTheirLength) {
+  for (const auto& [type, range] : {std::pair{K7_PROJ_RECTANGULAR, 60.0}, {K7_PROJ_STEREOGRAPHIC, 0.0}})
+    for (const int width : {50, 100, 150, 400, 1400}) {
+      SCOPED_TRACE(testing::Message() << "type " << type << " in " << width);
+      ASSERT_EQ(chart.Show({type, {46, 0}, range, {}}, width, 100, 1), "");
+      cairo_surface_t* const surface = cairo_image_surface_create(CAIRO_FORMAT_A8, 1600, 120);
+      cairo_t* const cairo = cairo_create(surface);
+      LabelPlan plan(cairo, {0, 0, 1600, 120});
+      ASSERT_TRUE(plan.Offer({"Of some length", 5, 40, {.size = 11, .bold = true}}));
+      const PixelBox title = plan.BoxOf(plan.Labels()[0]);
+      DrawScaleBar(cairo, theme, *chart.View(), width, 40, 9, plan);
+      cairo_surface_flush(surface);
+      int covered = 0, ink = 0;
+      for (int y = 0; y < 120; ++y)
+        for (int x = 0; x < 1600; ++x) {
+          if (!cairo_image_surface_get_data(surface)[y * cairo_image_surface_get_stride(surface) + x])
+            continue;
+          ++ink;
+          covered += title.Meets({x + 0.0, y + 0.0, x + 1.0, y + 1.0});
+        }
+      EXPECT_EQ(covered, 0);
+      const auto lengths = std::count_if(plan.Labels().begin(), plan.Labels().end(), [](const Label& label) {
+        return label.text.size() > 3 && label.text.ends_with(" NM");
+      });
+      EXPECT_EQ(lengths > 0, ink > 0);
+      EXPECT_TRUE(ink > 0 || width < 100);
+      cairo_destroy(cairo);
+      cairo_surface_destroy(surface);
+    }
 }
 
 }  // namespace

@@ -25,15 +25,15 @@ PixelBox LabelPlan::BoxOf(const Label& label) const {
   return {left - gap, label.y - ASCENT * l.size - gap, left + width + gap, label.y + DESCENT * l.size + gap};
 }
 
-bool LabelPlan::Fits(const Label& label) const {
-  const PixelBox box = BoxOf(label);
+bool LabelPlan::IsFree(const PixelBox& box) const {
   return m_sheet.Holds(box) && std::none_of(m_taken.begin(), m_taken.end(),
                                             [&](const PixelBox& taken) { return taken.Meets(box); });
 }
 
 bool LabelPlan::Offer(const Label& label) {
-  if (!Fits(label)) return false;
-  m_taken.push_back(BoxOf(label));
+  const PixelBox box = BoxOf(label);
+  if (!IsFree(box)) return false;
+  m_taken.push_back(box);
   m_labels.push_back(label);
   return true;
 }

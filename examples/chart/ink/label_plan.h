@@ -37,7 +37,7 @@ class LabelPlan {
   double Width(const std::string& text, const Lettering& lettering) const;
   PixelBox BoxOf(const Label& label) const;
   /// Wholly on the sheet and clear of all that is placed.
-  bool Fits(const Label& label) const;
+  bool IsFree(const PixelBox& box) const;
   /// Places a label if it fits; says whether it has.
   bool Offer(const Label& label);
   /// Keeps a place clear of labels, for a symbol.

@@ -70,8 +70,7 @@ void DrawMargin(cairo_t* cairo, const Theme& theme, const ChartWindow& window, d
   const K7Projection& projection = *view.Projection();
   const double top = window.height + size * MARGIN_TOP;
   plan.Offer({projection.Name(), 0, top, {.size = size * 1.25, .bold = true}});
-  if (!view.IsTilted())
-    DrawScaleBar(cairo, theme, view, window.width, top, size, std::min(window.width * 0.4, size * 24), plan);
+  if (!view.IsTilted()) DrawScaleBar(cairo, theme, view, window.width, top, size, plan);
   const std::string center = CenterText(view, request);
   const std::string data = DataText(chart, view);
   const Lettering small = {.size = size * 0.85};

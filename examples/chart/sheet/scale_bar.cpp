@@ -21,11 +21,23 @@ double RoundLength(double most) {
 
 std::string LengthText(double length) {
   K7String text;
-  text.Format(length < 0.1 ? "%.2f NM" : length < 1 ? "%.1f NM" : "%.0f NM", length);
+  text.Format("%.9g NM", length);
+  return std::string(text);
+}
+
+// Percents beyond a hundred are hard to think of.
+std::string DifferenceText(double difference) {
+  K7String text;
+  if (difference < 1)
+    text.Format("by up to %.0f %%", difference * 100);
+  else
+    text.Format("up to %.0f-fold", difference + 1);
   return std::string(text);
 }
 
 double Difference(double north, double east) { return std::max(north / east, east / north) - 1; }
+
+constexpr double LINE = 1.35;  // from one row to the next, in letter sizes
 
 // One row: what is measured, the bar, its length.
 struct Bar {
@@ -33,14 +45,25 @@ struct Bar {
   double nmPerPixel;
 };
 
-void DrawBar(cairo_t* cairo, const Theme& theme, const Bar& bar, double right, double baseline, double size,
+// Draws nothing and says so where the row would cover something or the bar be no more than a dot.
+bool DrawBar(cairo_t* cairo, const Theme& theme, const Bar& bar, double right, double baseline, double size,
              double room, LabelPlan& plan) {
   static const int FIELDS = 4;
+  static const double SHORTEST = 1.2, GAP = 0.5, ABOVE = 0.8, BELOW = 0.3;
   const Lettering lettering = {.size = size * 0.85, .align = Align::Right};
-  const double textRoom = plan.Width("0000 NM", lettering) + size * 0.5;
-  const double length = RoundLength(std::max(room - textRoom, size) * bar.nmPerPixel);
+  const auto widthOf = [&](const std::string& text) {
+    return text.empty() ? 0 : plan.Width(text, lettering) + size * GAP;
+  };
+  const double nameRoom = widthOf(bar.name);
+  const double usual = widthOf("0000 NM");
+  const double length = RoundLength(std::max(room - usual - nameRoom, size) * bar.nmPerPixel);
+  const std::string text = LengthText(length);
+  const double textRoom = std::max(usual, widthOf(text));
   const double pixels = length / bar.nmPerPixel;
   const double end = right - textRoom, left = end - pixels;
+  if (pixels < size * SHORTEST ||
+      !plan.IsFree({left - nameRoom, baseline - size * ABOVE, right, baseline + size * BELOW}))
+    return false;
   const double height = size * 0.45, top = baseline - size * 0.55;
   for (int i = 0; i < FIELDS; ++i) {
     cairo_rectangle(cairo, left + pixels * i / FIELDS, top, pixels / FIELDS, height);
@@ -49,9 +72,10 @@ void DrawBar(cairo_t* cairo, const Theme& theme, const Bar& bar, double right, d
   }
   cairo_rectangle(cairo, left, top, pixels, height);
   Stroke(cairo, theme[ThemeItem::Neatline], size / 12);
-  plan.Keep({left, baseline - size, end, baseline + size * 0.3});
-  plan.Offer({LengthText(length), right, baseline, lettering});
-  plan.Offer({bar.name, left - size * 0.5, baseline, lettering});
+  plan.Keep({left, baseline - size * ABOVE, end, baseline + size * BELOW});
+  plan.Offer({text, right, baseline, lettering});
+  if (*bar.name) plan.Offer({bar.name, left - size * GAP, baseline, lettering});
+  return true;
 }
 
 }  // namespace
@@ -88,27 +112,36 @@ double DirectionDifference(const K7MapView& view) {
 }
 
 void DrawScaleBar(cairo_t* cairo, const Theme& theme, const K7MapView& view, double right, double top,
-                  double size, double room, LabelPlan& plan) {
+                  double size, LabelPlan& plan) {
+  static const int MOST_LINES = 3;
   double north = view.NMPerPixel(), east = north;
   double exactNorth, exactEast;
   // Along the meridian the view knows its own scale, also where a pole has no east.
   if (view.Scale(view.CenterLat(), view.CenterLon(), exactNorth, exactEast))
     east = north * exactEast / exactNorth;
   const bool both = Difference(north, east) > NOTABLE;
-  double baseline = top;
-  DrawBar(cairo, theme, {both ? "N-S" : "", north}, right, baseline, size, room, plan);
-  baseline += size * 1.35;
-  if (both) {
-    DrawBar(cairo, theme, {"E-W", east}, right, baseline, size, room, plan);
-    baseline += size * 1.35;
-  }
+  const double baselines[] = {top, top + size * LINE, top + size * LINE * 2};
+  int line = 0;
+  // Beside the title, or where that leaves no room, under it and as long as the window is wide.
+  const auto draw = [&](const Bar& bar) {
+    for (; line < MOST_LINES; ++line) {
+      const double room = std::min(view.Width() * (line == 0 ? 0.4 : 1.0), size * 24);
+      if (DrawBar(cairo, theme, bar, right, baselines[line], size, room, plan)) {
+        ++line;
+        return;
+      }
+    }
+  };
+  draw({both ? "N-S" : "", north});
+  if (both) draw({"E-W", east});
+  if (line == MOST_LINES) return;
   const Lettering lettering = {.size = size * 0.85, .align = Align::Right};
   const std::string scale =
       "1 : " + Denominator(ScaleDenominator(north)) + (both ? " N-S" : "") + " at the centre";
   const double difference = DirectionDifference(view);
-  K7String more;
-  more.Format("; elsewhere N-S and E-W differ by up to %.0f %%", difference * 100);
   const bool varies = !both && difference > NOTABLE;
-  if (varies && plan.Offer({scale + std::string(more), right, baseline, lettering})) return;
-  plan.Offer({scale, right, baseline, lettering});
+  if (varies && plan.Offer({scale + "; elsewhere N-S and E-W differ " + DifferenceText(difference), right,
+                            baselines[line], lettering}))
+    return;
+  plan.Offer({scale, right, baselines[line], lettering});
 }

@@ -7,9 +7,10 @@
 
 /// Draws a bar of a round length, right-aligned at `right`, and the representative fraction under it. Where a
 /// mile to the north and one to the east differ by more than 2 % at the centre, there is a bar for each;
-/// where they do only further out, the margin says by how much. `room`: pixels that the bar may take.
+/// where they do only further out, the margin says by how much. What has no room at `top` beside what is
+/// placed already goes below.
 void DrawScaleBar(cairo_t* cairo, const Theme& theme, const K7MapView& view, double right, double top,
-                  double size, double room, LabelPlan& plan);
+                  double size, LabelPlan& plan);
 
 /// "2,400,000": the denominator of the scale, to two digits.
 std::string Denominator(double scale);
