@@ -20,6 +20,8 @@
 #include <cmath>
 #include <cstring>
 #include <filesystem>
+#include <map>
+#include <set>
 
 namespace {
 
@@ -206,8 +208,8 @@ class LabelTest : public ChartTest {
 
 TEST_F(LabelTest, LabelsStandAtTheirLinesOnTheSheetAndClearOfEachOther) {
   for (int type = K7_PROJ_LAMBERT; type <= K7_PROJ_GNOMONIC; ++type)
-    for (const double range : {0.0, 2000.0, 250.0, 3.0})
-      for (const auto& [lat, lon] : {std::pair{48.5, -123.5}, {2.0, 179.0}, {-74.0, 20.0}}) {
+    for (const double range : {0.0, 2000.0, 250.0, 3.0, 1.0})
+      for (const auto& [lat, lon] : {std::pair{48.5, -123.5}, {2.0, 179.0}, {-74.0, 20.0}, {0.0, 0.0}}) {
         SCOPED_TRACE(testing::Message()
                      << "type " << type << " range " << range << " at " << lat << " " << lon);
         TearDown();
@@ -226,6 +228,72 @@ TEST_F(LabelTest, LabelsStandAtTheirLinesOnTheSheetAndClearOfEachOther) {
         }
         EXPECT_TRUE(parallels && meridians);
       }
+}
+
+// All lines have their labels beside the frame, those in seconds too.
+TEST_F(LabelTest, LabelsInSecondsFitBesideTheChart) {
+  for (const double lat : {0.0, 48.5, -77.5}) {
+    TearDown();
+    Plan({K7_PROJ_LAMBERT, {lat, -100.5}, 1, {}}, 500, 330, 10);
+    int left = 0, right = 0;
+    for (const Label& label : plan->Labels()) {
+      EXPECT_TRUE(label.x < 0 || label.x > 500 || label.y < 0 || label.y > 330) << label.text;
+      left += label.x < 0;
+      right += label.x > 500;
+    }
+    EXPECT_GE(left, 4) << lat;
+    EXPECT_EQ(right, left) << lat;
+  }
+}
+
+// Turned, banked, level with the horizon: lines of both kinds, each labelled at most once a side, and few
+// enough to be read.
+TEST_F(LabelTest, TiltedViewsHaveReadableLines) {
+  const struct {
+    double altitude, pitch, bank, heading;
+  } EYES[] = {{3000, -60, 0, 0}, {3000, -25, 0, 0},   {3e4, -25, 30, 45}, {3e5, -25, 60, 90},
+              {3e5, 0, 10, 0},   {3e6, -45, 25, 300}, {3e6, -30, 0, 180}, {1e7, -60, 0, 60},
+              {1e7, -50, 90, 0}, {3000, 0, 0, 0}};
+  for (const auto& eye : EYES)
+    for (const auto& [lat, lon] : {std::pair{48.5, -123.5}, {-17.0, 180.0}}) {
+      SCOPED_TRACE(testing::Message() << eye.altitude << " ft, pitch " << eye.pitch << " at " << lat);
+      TearDown();
+      Plan({K7_PROJ_PERSPECTIVE,
+            {lat, lon},
+            0,
+            {{"Altitude (ft)", eye.altitude},
+             {"Pitch", eye.pitch},
+             {"Bank", eye.bank},
+             {"Heading", eye.heading}}},
+           500, 330, 10);
+      std::map<std::string, int> parallels, meridians;
+      for (const Label& label : plan->Labels()) {
+        EXPECT_LT(Off(label), 2) << label.text;
+        ++(std::strchr("NS", label.text[0]) ? parallels : meridians)[label.text];
+      }
+      EXPECT_GE(parallels.size(), 2u);
+      EXPECT_GE(meridians.size(), 2u);
+      EXPECT_LE(parallels.size(), 24u);
+      EXPECT_LE(meridians.size(), 24u);
+    }
+}
+
+// The seam of a world chart may lie just beyond a meridian, or be one.
+TEST_F(LabelTest, WorldChartsKeepAllTheirMeridians) {
+  Plan({K7_PROJ_MILLER, {0, -123.5}, 0, {}}, 1000, 500, 10);
+  std::set<std::string> seen;
+  for (const Label& label : plan->Labels()) seen.insert(label.text);
+  for (const char* const meridian : {"E060°", "E120°", "180°", "W120°", "W060°", "0°"})
+    EXPECT_TRUE(seen.count(meridian)) << meridian;
+  TearDown();
+  Plan({K7_PROJ_LAMBERT, {40, -123.5}, 0, {}}, 1000, 500, 10);
+  EXPECT_TRUE(std::any_of(plan->Labels().begin(), plan->Labels().end(),
+                          [](const Label& label) { return label.text == "E045°"; }));
+  TearDown();
+  Plan({K7_PROJ_MILLER, {0, 0}, 0, {}}, 1000, 500, 10);
+  EXPECT_EQ(std::count_if(plan->Labels().begin(), plan->Labels().end(),
+                          [](const Label& label) { return label.text == "180°"; }),
+            2);
 }
 
 TEST(Graticule, StepsLeaveFourToEightLines) {

@@ -5,6 +5,7 @@
 #include <k7/geodesy/latlon.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <iterator>
 
@@ -47,24 +48,39 @@ constexpr double WANTED_LINES = 6;
 constexpr double POLAR_STEP = 30;
 
 constexpr double TOLERANCE = 1e-9;
+// A flat map ends a hair before 180 degrees from its middle: a line there is its edge.
+constexpr double EDGE = 1e-6;
 
 bool IsMultiple(double value, double step) { return std::fabs(std::remainder(value, step)) < TOLERANCE; }
 
-// How many degrees a straight walk through the picture passes, forth and back.
-template <class Degrees>
-double Variation(const K7MapView& view, bool across, Degrees degrees) {
+// How many degrees a straight walk through the picture passes, forth and back: through its middle, or where
+// that is mostly off the map, as above a horizon, beside it.
+double Variation(const K7MapView& view, bool across, bool lats) {
   static const int STEPS_ACROSS = 32;
-  double sum = 0, last = NAN;
-  for (int i = 0; i <= STEPS_ACROSS; ++i) {
-    const double t = static_cast<double>(i) / STEPS_ACROSS;
-    double lat, lon;
-    if (!view.FromDevice(view.Width() * (across ? t : 0.5), view.Height() * (across ? 0.5 : t), lat, lon))
-      continue;
-    const double value = degrees(lat, lon);
-    if (std::isfinite(last)) sum += std::fabs(std::remainder(value - last, 360));
-    last = value;
+  static const double POLE_LEAP = 90;  // straight over a pole no meridians are passed
+  double found = 0;
+  int most = 0;
+  for (const double beside : {0.5, 0.75, 0.25, 0.95, 0.05}) {
+    double sum = 0, last = NAN;
+    int onMap = 0;
+    for (int i = 0; i <= STEPS_ACROSS; ++i) {
+      const double along = static_cast<double>(i) / STEPS_ACROSS;
+      double lat, lon;
+      if (!view.FromDevice(view.Width() * (across ? along : beside),
+                           view.Height() * (across ? beside : along), lat, lon))
+        continue;
+      ++onMap;
+      const double value = lats ? lat : lon;
+      const double passed = std::fabs(std::remainder(value - last, 360));
+      if (passed < POLE_LEAP) sum += passed;
+      last = value;
+    }
+    if (onMap <= most) continue;
+    most = onMap;
+    found = sum;
+    if (2 * onMap > STEPS_ACROSS) break;
   }
-  return sum;
+  return found;
 }
 
 }  // namespace
@@ -85,14 +101,11 @@ void GraticuleLayer::Prepare(const LayerContext& context) {
   view.GetExtent(m_north, m_south, m_east, m_west);
   m_converge = !view.Projection()->IsCylindrical();
   m_seesPole = m_north >= 90 - TOLERANCE || m_south <= -90 + TOLERANCE;
-  const double lats = Variation(view, false, [](double lat, double) { return lat; });
-  const double lons = Variation(view, true, [](double, double lon) { return lon; });
-  // A tilted eye sees the far ground in a few pixels: what divides its picture is the whole way to the
-  // horizon.
-  const bool tilted = view.IsTilted();
-  m_latStep =
-      StepFor(LineKind::Parallel, tilted ? (m_north - m_south) / 2 : std::min(lats, 2 * (m_north - m_south)));
-  m_lonStep = StepFor(LineKind::Meridian, tilted ? (m_east - m_west) / 2 : std::min(lons, m_east - m_west));
+  // Down for parallels, across for meridians, but a turned or banked view may have it the other way.
+  const double lats = std::max(Variation(view, false, true), Variation(view, true, true));
+  const double lons = std::max(Variation(view, true, false), Variation(view, false, false));
+  m_latStep = StepFor(LineKind::Parallel, std::min(lats, 2 * (m_north - m_south)));
+  m_lonStep = StepFor(LineKind::Meridian, std::min(lons, m_east - m_west));
   // A straight walk past a pole says little about meridians.
   const bool polar = m_seesPole && std::fabs(view.CenterLat()) > 60;
   if (polar && view.IsGlobe()) m_lonStep = {POLAR_STEP, 0};
@@ -105,8 +118,11 @@ void GraticuleLayer::Prepare(const LayerContext& context) {
 void GraticuleLayer::AddFamily(K7MapFeatures& features, std::vector<Line>& lines, LineKind kind,
                                double step) const {
   const bool parallels = kind == LineKind::Parallel;
-  const double low = parallels ? m_south : m_west;
-  const double high = parallels ? m_north : std::min(m_east, m_west + 360 - step / 2);
+  const double low = parallels ? m_south : m_west - EDGE;
+  // Around a cone or a globe the first meridian is the last.
+  const double high = parallels    ? m_north
+                      : m_converge ? std::min(m_east + EDGE, m_west + 360 - 2 * EDGE)
+                                   : m_east + EDGE;
   static const int MOST = 2000;
   const double first = std::ceil(low / step - TOLERANCE);
   for (int i = 0; i < MOST && (first + i) * step <= high + TOLERANCE; ++i) {
@@ -128,7 +144,8 @@ void GraticuleLayer::AddLine(K7MapFeatures& features, std::vector<Line>& lines, 
     const double cap = !m_converge || IsMultiple(degrees, 90) ? 90 : 90 - std::min(m_latStep.lines, 10.0);
     const double south = std::max(m_south, -cap), north = std::min(m_north, cap);
     if (south >= north) return;
-    points = {{south, degrees}, {north, degrees}};
+    const double lon = std::clamp(degrees, m_west, m_east);
+    points = {{south, lon}, {north, lon}};
   }
   const int count = static_cast<int>(points.size());
   if (features.Add(K7_MAP_LINES, points.data(), &count, 1) >= 0) lines.push_back({kind, degrees});
@@ -195,6 +212,21 @@ void GraticuleLayer::OfferLabels(const LayerContext& context, K7MapPath& path, d
   AddTicks(context, path, size, plan);
 }
 
+namespace {
+
+// Beside the chart there is room for minutes; seconds are written smaller.
+void ShrinkToSheet(const LabelPlan& plan, Label& label) {
+  static const double SMALLEST = 0.65, LESS = 0.96;
+  const double least = label.lettering.size * SMALLEST;
+  const auto sticksOut = [&] {
+    const PixelBox box = plan.BoxOf(label);
+    return box.left < plan.Sheet().left || box.right > plan.Sheet().right;
+  };
+  while (sticksOut() && label.lettering.size > least) label.lettering.size *= LESS;
+}
+
+}  // namespace
+
 void GraticuleLayer::LabelSide(int side, LineKind kind, Lettered& lettered) const {
   std::vector<Crossing> crossings;
   for (const Crossing& crossing : lettered.crossings)
@@ -207,37 +239,49 @@ void GraticuleLayer::LabelSide(int side, LineKind kind, Lettered& lettered) cons
     const FramePlace place =
         OutsideFrame(side, crossing.along, lettered.view.Width(), lettered.view.Height());
     const double gap = lettered.size * 0.9;
-    return Label{Text(m_lines[static_cast<size_t>(crossing.line)]),
-                 place.x + place.outX * gap,
-                 place.y + (place.outY > 0   ? gap + lettered.size * 0.75
-                            : place.outY < 0 ? -gap
-                                             : lettered.size * 0.35),
-                 {.size = lettered.size,
-                  .align = place.outX < 0   ? Align::Right
-                           : place.outX > 0 ? Align::Left
-                                            : Align::Centre}};
+    Label label = {Text(m_lines[static_cast<size_t>(crossing.line)]),
+                   place.x + place.outX * gap,
+                   place.y,
+                   {.size = lettered.size,
+                    .align = place.outX < 0   ? Align::Right
+                             : place.outX > 0 ? Align::Left
+                                              : Align::Centre}};
+    if (IsUpright(side)) ShrinkToSheet(lettered.plan, label);
+    label.y += place.outY > 0   ? gap + lettered.size * 0.75
+               : place.outY < 0 ? -gap
+                                : label.lettering.size * 0.35;
+    return label;
   };
   // Every line has its label, or every second, third or sixth, so that they neither touch nor come at odd
   // intervals.
-  for (const int interval : {1, 2, 3, 6}) {
+  static const int INTERVALS[] = {1, 2, 3, 6};
+  const auto isAt = [&](const Crossing& crossing, int interval) {
+    return IsMultiple(m_lines[static_cast<size_t>(crossing.line)].degrees, step * interval);
+  };
+  const auto touch = [&](int interval) {
     double free = -INFINITY;
-    bool touch = false;
-    std::vector<Label> labels;
     for (const Crossing& crossing : crossings) {
-      if (!IsMultiple(m_lines[static_cast<size_t>(crossing.line)].degrees, step * interval)) continue;
-      Label label = labelAt(crossing);
-      const PixelBox box = lettered.plan.BoxOf(label);
-      touch = touch || (IsUpright(side) ? box.top : box.left) < free;
+      if (!isAt(crossing, interval)) continue;
+      const PixelBox box = lettered.plan.BoxOf(labelAt(crossing));
+      if ((IsUpright(side) ? box.top : box.left) < free) return true;
       free = IsUpright(side) ? box.bottom : box.right;
-      labels.push_back(std::move(label));
     }
-    if (touch && interval < 6) continue;
-    bool any = false;
-    for (const Label& label : labels) any = lettered.plan.Offer(label) || any;
-    // Lines between labelled ones need none of their own.
-    for (const Crossing& crossing : crossings)
-      if (any) lettered.done[static_cast<size_t>(crossing.line)] = 1;
-    return;
+    return false;
+  };
+  const auto* const fitting = std::find_if_not(std::begin(INTERVALS), std::end(INTERVALS), touch);
+  // A tilted view's lines crowd towards its horizon: there the round ones come first, and others where there
+  // is room.
+  const bool crowded = lettered.view.IsTilted() || fitting == std::end(INTERVALS);
+  for (const int interval : {6, 3, 2, 1}) {
+    if (!crowded && interval != *fitting) continue;
+    for (const Crossing& crossing : crossings) {
+      char& done = lettered.done[static_cast<size_t>(crossing.line)];
+      // Lines between labelled ones need no label of their own.
+      if (!isAt(crossing, interval))
+        done = done || !crowded;
+      else if (lettered.plan.Offer(labelAt(crossing)))
+        done = 1;
+    }
   }
 }
 
@@ -255,15 +299,37 @@ void GraticuleLayer::LabelOnMap(int line, Lettered& lettered) const {
                    [&](const DevicePlace& a, const DevicePlace& b) { return off(a) < off(b); });
   const double inset = lettered.size * 0.3;
   const PixelBox window = {0, 0, lettered.view.Width() * 1.0, lettered.view.Height() * 1.0};
-  for (const DevicePlace& place : places) {
-    const Label label = {Text(l), place.x + inset, place.y - inset, {.size = lettered.size, .halo = true}};
-    const PixelBox box = lettered.plan.BoxOf(label);
+  const auto onMap = [&](double x, double y) {
     double lat, lon;
-    const bool onMap = lettered.view.FromDevice(box.right, box.top, lat, lon) &&
-                       lettered.view.FromDevice(box.right, box.bottom, lat, lon);
-    if (window.Holds(box) && onMap && lettered.plan.Offer(label)) return;
-  }
+    return lettered.view.FromDevice(x, y, lat, lon);
+  };
+  // To the right of the line, or where the map ends there, to its left.
+  for (const Align align : {Align::Left, Align::Right})
+    for (const DevicePlace& place : places) {
+      const double x = align == Align::Left ? place.x + inset : place.x - inset;
+      const Label label = {
+          Text(l), x, place.y - inset, {.size = lettered.size, .align = align, .halo = true}};
+      const PixelBox box = lettered.plan.BoxOf(label);
+      if (window.Holds(box) && onMap(box.right, box.top) && onMap(box.right, box.bottom) &&
+          onMap(box.left, box.top) && onMap(box.left, box.bottom) && lettered.plan.Offer(label))
+        return;
+    }
 }
+
+namespace {
+
+// Those that lie no closer than `apart` to another: towards a horizon ticks would run into a bar.
+std::vector<double> Distinct(std::vector<double> places, double apart) {
+  std::sort(places.begin(), places.end());
+  std::vector<double> distinct;
+  for (size_t i = 0; i < places.size(); ++i)
+    if ((i == 0 || places[i] - places[i - 1] >= apart) &&
+        (i + 1 == places.size() || places[i + 1] - places[i] >= apart))
+      distinct.push_back(places[i]);
+  return distinct;
+}
+
+}  // namespace
 
 // Between the lines of a large-scale chart the frame is divided further.
 void GraticuleLayer::AddTicks(const LayerContext& context, K7MapPath& path, double size,
@@ -277,11 +343,14 @@ void GraticuleLayer::AddTicks(const LayerContext& context, K7MapPath& path, doub
     AddFamily(features, lines, kind, step.ticks);
     FrameSink sink(context.view.Width(), context.view.Height());
     for (int i = 0; i < features.Count(); ++i) path.Outline(&sink, features, i);
-    for (const FrameSink::Crossing& crossing : sink.Crossings()) {
-      if (IsUpright(crossing.side) != (kind == LineKind::Parallel)) continue;
-      const FramePlace p =
-          OutsideFrame(crossing.side, crossing.along, context.view.Width(), context.view.Height());
-      plan.AddTick(p.x, p.y, p.x + p.outX * length, p.y + p.outY * length);
-    }
+    std::array<std::vector<double>, FRAME_SIDES> sides;
+    for (const FrameSink::Crossing& crossing : sink.Crossings())
+      if (IsUpright(crossing.side) == (kind == LineKind::Parallel))
+        sides[static_cast<size_t>(crossing.side)].push_back(crossing.along);
+    for (int side = 0; side < FRAME_SIDES; ++side)
+      for (const double along : Distinct(sides[static_cast<size_t>(side)], length)) {
+        const FramePlace p = OutsideFrame(side, along, context.view.Width(), context.view.Height());
+        plan.AddTick(p.x, p.y, p.x + p.outX * length, p.y + p.outY * length);
+      }
   }
 }
