@@ -108,6 +108,8 @@ param "'Altitude (ft)' is from 1 to 1000000000, not 0.5" perspective "Altitude (
 param "'Pitch' is from -90 to below 80, not 80" perspective "Pitch=80"
 param "'Field of View Y (degs)' is above 0 and below 90, not 0" perspective "Field of View Y (degs)=0"
 param "nothing but sky" perspective "Pitch=0"
+param "'Heading' changes nothing" perspective "Heading=45"
+param "'Field of View Y (degs)' changes nothing" perspective "Field of View Y (degs)=20" "Altitude (ft)=30000"
 
 # The order in which parameters are given makes no difference, and a level eye near the ground sees it.
 "$chart" --projection perspective --param "Pitch=0" --param "Altitude (ft)=60000" --output level.png &&

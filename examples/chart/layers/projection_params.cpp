@@ -61,6 +61,16 @@ int FindParam(const K7Projection& projection, const std::string& name) {
   return index;
 }
 
+// Of the perspective's parameters, those that only a tilted view has a use for: straight down north is up and
+// the range decides how much is seen.
+constexpr int HEADING = 1, BANK = 2, PITCH = 3, FIELD_OF_VIEW = 4;
+constexpr double STRAIGHT_DOWN = -90;
+
+bool NeedsTilt(const K7Projection& projection, int index) {
+  return projection.Type() == K7_PROJ_PERSPECTIVE &&
+         (index == HEADING || index == BANK || index == FIELD_OF_VIEW);
+}
+
 // Two parallels on opposite sides of the equator make a cylinder, not a cone. Equal ones touch the globe
 // along one circle: a sound cone, but Lambert's constant is 0/0 then. A hair apart it keeps ten digits, and
 // the circle moves by half the hair, which is half a metre.
@@ -83,6 +93,7 @@ std::string LayCone(K7Projection& projection) {
 std::string SetParams(K7Projection& projection, const ProjectionParams& params) {
   for (const auto& [name, value] : params)
     if (FindParam(projection, name) == projection.ParamCount()) return UnknownParam(projection, name);
+  const char* needsTilt = nullptr;
   for (int i = 0; i < projection.ParamCount(); ++i)
     for (const auto& [name, value] : params) {
       if (FindParam(projection, name) != i) continue;
@@ -90,8 +101,12 @@ std::string SetParams(K7Projection& projection, const ProjectionParams& params) 
       if (range && !Holds(*range, value))
         return "'" + std::string(projection.ParamName(i)) + "' is " + ParamRange(projection, i) + ", not " +
                Text(value);
+      if (NeedsTilt(projection, i) && value != projection.ParamValue(i)) needsTilt = projection.ParamName(i);
       projection.ParamValue(i, value);
     }
+  if (needsTilt && projection.ParamValue(PITCH) == STRAIGHT_DOWN)
+    return "'" + std::string(needsTilt) + "' changes nothing for an eye that looks straight down: set '" +
+           projection.ParamName(PITCH) + "' above " + Text(STRAIGHT_DOWN);
   return projection.IsConic() ? LayCone(projection) : std::string();
 }
 
