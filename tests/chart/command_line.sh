@@ -18,6 +18,9 @@ done
 "$chart" draw --range 300 --output verb.png && cmp chart.png verb.png || fail "draw is what k7chart does without a verb"
 "$chart" draw --range 300 --layer land --layer LAND --output twice.png || fail "a layer twice"
 "$chart" draw --range 300 --layer land --output once.png && cmp once.png twice.png || fail "a layer drawn twice"
+"$chart" draw --center N51W118 --range 100 --layer land --layer rivers --output order.png &&
+  "$chart" draw --center N51W118 --range 100 --layer rivers --layer land --output other.png &&
+  cmp order.png other.png || fail "land over the lakes"
 "$chart" draw --range 300 --theme night --output night.png && ! cmp -s chart.png night.png || fail "the night theme"
 "$chart" draw --range 300 --theme Day --output day.png && cmp chart.png day.png || fail "the day theme"
 "$chart" --range 300 --output /dev/stdout | cmp - chart.png || fail "a PNG for the standard output"

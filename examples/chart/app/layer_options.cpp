@@ -83,6 +83,9 @@ std::string FindLayers(const LayerOptions& options, const DataScale& scale,
                                    [&](const LayerRequest& other) { return other.path == request.path; });
     if (!twice) layers.push_back(std::move(request));
   }
+  // As the table has them, whatever order they were asked for in: land would cover the lakes.
+  std::stable_sort(layers.begin(), layers.end(),
+                   [](const LayerRequest& a, const LayerRequest& b) { return a.item < b.item; });
   if (!options.names.empty()) return {};
   for (const LayerRow& row : Layers()) {
     const std::string path = FindAnySet(options.folder, row, scale);

@@ -25,6 +25,6 @@ void AddLayerOptions(OptionTable& table, LayerOptions& options);
 /// --data
 void AddDataOptions(OptionTable& table, LayerOptions& options);
 
-/// The sets that a chart of that scale is drawn from, each once. Empty, or what is wrong.
+/// The sets that a chart of that scale is drawn from, each once, from the ground up. Empty, or what is wrong.
 std::string FindLayers(const LayerOptions& options, const DataScale& scale,
                        std::vector<LayerRequest>& layers);
