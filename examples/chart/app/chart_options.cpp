@@ -104,11 +104,9 @@ constexpr OptionRow<ChartRequest> PLACE_OPTIONS[] = {
      SetCentre},
     {"--range", "NM",
      "nautical miles from the centre to the nearer edge of the chart, 1 to 10800, at the scale that the "
-     "centre "
-     "has along its meridian: where the scale changes outwards, the edge lies nearer or farther than that. "
-     "Without it the chart shows all that the projection can; a tilted perspective always shows what its "
-     "field "
-     "of view holds and takes none",
+     "centre has along its meridian: where the scale changes outwards or is another to the east and west, as "
+     "of rectangular and miller, the edge lies nearer or farther than that. Without it the chart shows all "
+     "that the projection can; a tilted perspective always shows what its field of view holds and takes none",
      SetRange},
 };
 
