@@ -42,6 +42,7 @@ says ne_110m_land.shp help draw
 says '^k7chart [0-9]*\.[0-9]*\.[0-9]*$' --version
 says 'rivers  *Rivers .*1:110m 1:50m  *ne_110m_rivers_lake_centerlines' layers
 says 'lakes .* no ' layers
+says '^132,559  off the map$' pick 132,559 --projection lambert --center 0,0 --range 5000 --size 301x701
 says 'Altitude (ft)  *6277693' projections
 [ "$("$chart" projections | grep -c '^[a-z]')" = 9 ] || fail "nine projections"
 

@@ -5,6 +5,7 @@
 #include "app/progress_line.h"
 #include "app/verb.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -51,13 +52,23 @@ class Pick : public Verb {
   }
 
  private:
+  // Projections have positions beyond what is drawn of them, as about a Lambert chart's far pole.
+  static bool IsDrawn(const K7MapView& view, double dx, double dy, double& lat, double& lon) {
+    static const double INSIDE = 1e-4;  // the frame itself is not lost to rounding
+    const double x = std::clamp(dx, INSIDE, view.Width() - INSIDE);
+    const double y = std::clamp(dy, INSIDE, view.Height() - INSIDE);
+    double againX, againY;
+    return view.FromDevice(x, y, lat, lon) && view.ToDevice(lat, lon, againX, againY) &&
+           view.FromDevice(dx, dy, lat, lon);
+  }
+
   static void Print(Chart& chart, const ChartWindow& window, const Pixel& pixel) {
     const double dx = pixel.x - window.x, dy = pixel.y - window.y;
     std::printf("%g,%g  ", pixel.x, pixel.y);
     double lat, lon;
     if (dx < 0 || dy < 0 || dx > window.width || dy > window.height) {
       std::puts("outside the chart's frame");
-    } else if (!chart.View()->FromDevice(dx, dy, lat, lon)) {
+    } else if (!IsDrawn(*chart.View(), dx, dy, lat, lon)) {
       std::puts("off the map");
     } else {
       const K7LatLon place(lat, lon);
