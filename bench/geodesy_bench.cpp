@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 #include <k7/geodesy.h>
 
+#include <s2/s2edge_distances.h>
 #include <s2/s2latlng.h>
 #include <GeographicLib/Geodesic.hpp>
 
@@ -141,6 +142,44 @@ void VectorDistanceK7(benchmark::State& state) {
       [](const K7ECEF& p, const K7ECEF& q) { return p.Distance(q); });
 }
 
+void VectorDistanceS2(benchmark::State& state) {
+  OverVectors<S2Point>(
+      state, [](double lat, double lon) { return S2LatLng::FromDegrees(lat, lon).ToPoint(); },
+      [](const S2Point& p, const S2Point& q) { return S1Angle(p, q).radians() * K7_EARTH_RADIUS_NM; });
+}
+
+// Distance from one kept leg to kept vectors. K7 answers across and along track; S2 the distance alone, from
+// the leg's nearest point, as an angle and as the chord that it prefers for comparing.
+void CrossTrackK7(benchmark::State& state) {
+  const K7GrtCirc leg(47.5, -122.3, 51.5, -0.1);
+  OverVectors<K7ECEF>(
+      state, [](double lat, double lon) { return K7ECEF(lat, lon); },
+      [&](const K7ECEF&, const K7ECEF& p) {
+        double cross, along;
+        leg.OrthoDist(p, cross, along);
+        return cross + along;
+      });
+}
+void CrossTrackS2(benchmark::State& state) {
+  const S2Point begin = S2LatLng::FromDegrees(47.5, -122.3).ToPoint();
+  const S2Point end = S2LatLng::FromDegrees(51.5, -0.1).ToPoint();
+  OverVectors<S2Point>(
+      state, [](double lat, double lon) { return S2LatLng::FromDegrees(lat, lon).ToPoint(); },
+      [&](const S2Point&, const S2Point& p) { return S2::GetDistance(p, begin, end).radians(); });
+}
+// The foot of the perpendicular on the leg, and both distances from it.
+void CrossAndAlongTrackS2(benchmark::State& state) {
+  const S2Point begin = S2LatLng::FromDegrees(47.5, -122.3).ToPoint();
+  const S2Point end = S2LatLng::FromDegrees(51.5, -0.1).ToPoint();
+  const S2Point normal = S2::RobustCrossProd(begin, end).Normalize();
+  OverVectors<S2Point>(
+      state, [](double lat, double lon) { return S2LatLng::FromDegrees(lat, lon).ToPoint(); },
+      [&](const S2Point&, const S2Point& p) {
+        const S2Point foot = S2::Project(p, begin, end, normal);
+        return S1Angle(p, foot).radians() + S1Angle(begin, foot).radians();
+      });
+}
+
 BENCHMARK(DistanceBare);
 BENCHMARK(DistanceK7);
 BENCHMARK(DistanceGeographicLib);
@@ -153,5 +192,9 @@ BENCHMARK(EndPointK7);
 BENCHMARK(EndPointGeographicLib);
 BENCHMARK(VectorDistanceBare);
 BENCHMARK(VectorDistanceK7);
+BENCHMARK(VectorDistanceS2);
+BENCHMARK(CrossTrackK7);
+BENCHMARK(CrossTrackS2);
+BENCHMARK(CrossAndAlongTrackS2);
 
 }  // namespace

@@ -19,8 +19,7 @@ double K7ECEF::Distance(const K7ECEF& to) const { return k7geo::Distance(*this, 
 double K7ECEF::Angle(const K7ECEF& to) const { return k7geo::Angle(*this, to); }
 
 double K7ECEF::InitCourse(const K7ECEF& to) const {
-  // Rounding would leave a course of noise between some identical points.
-  if (*this == to) return k7geo::Course(0, 0);
+  if (k7geo::Identical(*this, to)) return k7geo::Course(0, 0);
   const double r = std::sqrt(m_x * m_x + m_y * m_y);
   const double east = (m_x * to.m_y - m_y * to.m_x) / r;
   const double north = to.m_z * r - m_z * (m_x * to.m_x + m_y * to.m_y) / r;
@@ -29,13 +28,6 @@ double K7ECEF::InitCourse(const K7ECEF& to) const {
 
 void K7ECEF::EndPoint(const K7ECEF& start, double course, double distance) {
   *this = k7geo::EndPoint(start, course, distance);
-}
-
-bool K7ECEF::Normalize() {
-  const double length = Magnitude();
-  if (!(length > 0)) return false;
-  *this /= length;
-  return true;
 }
 
 void K7ECEF::ECEFToOrtho(K7ECEF& v) const { v = k7geo::LocalFrame(*this).ToOrtho(v); }

@@ -2,6 +2,9 @@
 
 #include "geodesy/sphere.h"
 
+#include <cmath>
+#include <limits>
+
 namespace {
 
 // Whether the unit vector `x` of two circles' crossing lies on both segments. Only the other segment has
@@ -18,6 +21,18 @@ bool OnBoth(const K7ECEF& x, const K7ECEF& beginA, const K7ECEF& endA, const K7E
   const double fromEnd = ahead(endB, normalB);
   return (fromBegin > 0 || std::fabs(fromBegin) < tolerance) &&
          (fromEnd < 0 || std::fabs(fromEnd) < tolerance);
+}
+
+double SineOfArc(const K7ECEF& begin, const K7ECEF& end) {
+  K7ECEF normal;
+  normal.CrossProduct(begin, end);
+  return normal.Magnitude();
+}
+
+// Rounding of an arc's ends turns its normal by up to 2 epsilon / sine of the arc. Circles are one where the
+// sine of the angle between them is within twice the sum: sine <= 4 epsilon (1 / sineA + 1 / sineB).
+bool Crosses(double sine, double sineA, double sineB) {
+  return sine * sineA * sineB > 4 * std::numeric_limits<double>::epsilon() * (sineA + sineB);
 }
 
 }  // namespace
@@ -42,7 +57,10 @@ void K7GrtCirc::Init(const K7LatLon& b, const K7LatLon& e) {
 }
 
 bool K7GrtCirc::Intersect(const K7GrtCirc& other, K7ECEF& at, double tolerance) const {
-  if (!at.UnitNormal(m_normal, other.m_normal)) return false;
+  at.CrossProduct(m_normal, other.m_normal);
+  if (!Crosses(at.Magnitude(), SineOfArc(m_begin, m_end), SineOfArc(other.m_begin, other.m_end)))
+    return false;
+  at.Normalize();
   const auto accepted = [&] {
     return OnBoth(at, m_begin, m_end, m_normal, other.m_begin, other.m_end, other.m_normal, tolerance);
   };

@@ -11,8 +11,7 @@ K7ECEF UnitVector(const K7LatLon& p) { return k7geo::UnitVector(p.Lat(), p.Lon()
 double InitialCourse(const K7LatLon& from, const K7LatLon& to) {
   const K7ECEF p = UnitVector(from);
   const K7ECEF q = UnitVector(to);
-  // Rounding would leave a course of noise between some identical points.
-  if (p == q) return k7geo::Course(0, 0);
+  if (k7geo::Identical(p, q)) return k7geo::Course(0, 0);
   const k7geo::LocalFrame frame(p);
   const double east = q.Y() * frame.cosLon - q.X() * frame.sinLon;
   const double north = q.Z() * frame.r - (q.X() * frame.cosLon + q.Y() * frame.sinLon) * p.Z();

@@ -1,4 +1,4 @@
-// The formulas of the sphere, once for K7LatLon and K7ECEF: both give the same bits.
+// The formulas of the sphere that K7LatLon and K7ECEF share.
 #pragma once
 
 #include <k7/geodesy/constants.h>
@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace k7geo {
 
@@ -31,6 +32,14 @@ inline double Angle(const K7ECEF& p, const K7ECEF& q) {
 }
 
 inline double Distance(const K7ECEF& p, const K7ECEF& q) { return Angle(p, q) * K7_EARTH_RADIUS_NM; }
+
+/// Two names of one position: 180 east and west, any two longitudes of a pole. Rounding would leave a course
+/// of noise between some of them.
+inline bool Identical(const K7ECEF& p, const K7ECEF& q) {
+  constexpr double ROUNDING = 4 * std::numeric_limits<double>::epsilon();
+  return std::fabs(p.X() - q.X()) <= ROUNDING && std::fabs(p.Y() - q.Y()) <= ROUNDING &&
+         std::fabs(p.Z() - q.Z()) <= ROUNDING;
+}
 
 /// Course from its east and north components, [0, 360). Components of exactly zero give no course, which has
 /// 360 added like any negative angle.

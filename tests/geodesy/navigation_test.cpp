@@ -91,6 +91,19 @@ TEST(Navigation, CrossAndAlongTrackAgreeWithFiftyDigits) {
 }
 
 TEST(Navigation, CoursesStayInRangeAndIdenticalPositionsHaveNone) {
+  // Two names of one position, and its neighbours at a ten-millionth of a millimetre and at a hundredth of
+  // one.
+  const struct {
+    K7LatLon from, to;
+    double course;
+  } near[] = {{{12, 180}, {12, -180}, -639}, {{90, 10}, {90, 77}, -639},      {{-90, -3}, {-90, 120}, -639},
+              {{0, 0}, {0, 1e-15}, -639},    {{40, 30}, {40 + 1e-10, 30}, 0}, {{0, 0}, {0, 1e-13}, 90},
+              {{0, 0}, {0, -1e-13}, 270},    {{0, 5}, {-1e-10, 5}, 180}};
+  for (const auto& [from, to, course] : near) {
+    const K7ECEF p(from.Lat(), from.Lon()), q(to.Lat(), to.Lon());
+    EXPECT_NEAR(from.InitCourse(to), course, 0.01) << from.Lat() << ' ' << from.Lon();
+    EXPECT_NEAR(p.InitCourse(q), course, 0.01) << from.Lat() << ' ' << from.Lon();
+  }
   Positions positions;
   for (int i = 0; i < 20000; ++i) {
     const K7LatLon a = positions.NextLatLon(), b = positions.NextLatLon();
@@ -166,12 +179,44 @@ TEST(GreatCircle, SegmentsMeetWhereTheyWereLaid) {
 }
 
 TEST(GreatCircle, ToleranceWidensTheOtherSegmentOnly) {
-  const K7GrtCirc equator(0, -10, 0, 10), upwards(0, 3, 20, 3), same(0, 5, 0, 30);
+  const K7GrtCirc equator(0, -10, 0, 10), upwards(0, 3, 20, 3);
   K7LatLon at;
   EXPECT_TRUE(equator.Intersect(upwards, at, 1e-12));
   EXPECT_NEAR(at.Lon(), 3, 1e-12);
   EXPECT_FALSE(upwards.Intersect(equator, at, 1e-12));
-  EXPECT_FALSE(equator.Intersect(same, at, 1e-12));
+}
+
+// Their normals differ by rounding, the more the shorter the segments are.
+TEST(GreatCircle, SegmentsOfOneCircleDoNotMeet) {
+  Positions positions;
+  for (int i = 0; i < 20000; ++i) {
+    const K7ECEF u = positions.Next();
+    K7ECEF pole, v;
+    pole.UnitNormal(u, positions.Next());
+    v.CrossProduct(pole, u);
+    const double scale = std::pow(10, positions.Uniform(-5, 0));
+    const double lon = std::round(positions.Uniform(-180, 180));
+    const auto onCircle = [&] {
+      const double turn = positions.Uniform(0, 1.5) * scale;
+      const K7ECEF e = u, n = v;
+      K7ECEF p(e.X() * std::cos(turn) + n.X() * std::sin(turn),
+               e.Y() * std::cos(turn) + n.Y() * std::sin(turn),
+               e.Z() * std::cos(turn) + n.Z() * std::sin(turn));
+      p.Normalize();
+      return p;
+    };
+    const auto onMeridian = [&] { return K7ECEF(positions.Uniform(0, 80) * scale, lon); };
+    const auto meet = [](const K7GrtCirc& a, const K7GrtCirc& b) {
+      K7ECEF at;
+      return a.Intersect(b, at, 0) || b.Intersect(a, at, 1e-12);
+    };
+    EXPECT_FALSE(meet({onCircle(), onCircle()}, {onCircle(), onCircle()})) << scale;
+    EXPECT_FALSE(meet({onMeridian(), onMeridian()}, {onMeridian(), onMeridian()})) << scale;
+  }
+  // A ten-thousandth of a millimetre over sixty degrees is an angle.
+  K7LatLon at;
+  ASSERT_TRUE(K7GrtCirc(0, -60, 0, 60).Intersect(K7GrtCirc(-1e-12, -60, 1e-12, 60), at, 0));
+  EXPECT_NEAR(at.Lon(), 0, 2);
 }
 
 TEST(Headings, WrapAndMeet) {

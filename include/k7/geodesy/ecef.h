@@ -31,8 +31,9 @@ class K7_API K7ECEF {
   double Distance(const K7ECEF& to) const;
   /// The same in radians.
   double Angle(const K7ECEF& to) const;
-  /// Course on leaving this point towards `to`, [0, 360). -639 where there is no course: between identical
-  /// points, and where both components of the course come out exactly zero.
+  /// Course on leaving this point towards `to`, [0, 360). -639 where there is no course: between points
+  /// whose vectors differ by at most 4 epsilon in each component (180 east and west, a pole and itself), and
+  /// where both components of the course come out exactly zero.
   double InitCourse(const K7ECEF& to) const;
   /// Moves this to the point reached from `start` on the initial `course` after `distance`.
   void EndPoint(const K7ECEF& start, double course, double distance);
@@ -50,7 +51,12 @@ class K7_API K7ECEF {
   }
   double Magnitude() const { return std::sqrt(DotProduct(*this)); }
   /// False, and unchanged, when the length is not above 0.
-  bool Normalize();
+  bool Normalize() {
+    const double length = Magnitude();
+    if (!(length > 0)) return false;
+    *this /= length;
+    return true;
+  }
 
   /// Rewrites `v`, given in the earth's frame, as (east, north, up) at this point; and back.
   void ECEFToOrtho(K7ECEF& v) const;

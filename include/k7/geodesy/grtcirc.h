@@ -27,7 +27,9 @@ class K7_API K7GrtCirc {
 
   /// Where this segment crosses `other`. `tolerance`, in earth radii, widens the ends of `other` only: a
   /// crossing exactly on an end of this segment is refused, so that consecutive legs of one path do not both
-  /// report it. False for segments of one circle. `at` is overwritten in either case.
+  /// report it. False for segments of one circle: where the
+  /// sine of the angle between the circles is at most 4 epsilon (1/sin A + 1/sin B), A and B the segments'
+  /// arcs. `at` is overwritten in either case.
   bool Intersect(const K7GrtCirc& other, K7ECEF& at, double tolerance) const;
   /// The same; `at` changes on success only.
   bool Intersect(const K7GrtCirc& other, K7LatLon& at, double tolerance) const;

@@ -29,8 +29,9 @@ class K7_API K7LatLon {
 
   /// Great-circle distance. Symmetric, never negative; a metre and an antipode keep their digits.
   double Distance(const K7LatLon& to) const;
-  /// Course on leaving this point towards `to`, [0, 360). -639 where there is no course: between identical
-  /// points, and where both components of the course come out exactly zero.
+  /// Course on leaving this point towards `to`, [0, 360). -639 where there is no course: between points
+  /// whose vectors differ by at most 4 epsilon in each component (180 east and west, a pole and itself), and
+  /// where both components of the course come out exactly zero.
   double InitCourse(const K7LatLon& to) const;
   /// Course on arriving at `to`, [0, 360]: the way back turned by 180, where 360 itself stays. 261 between
   /// identical points, which is what the missing course becomes on its way through the same steps.
