@@ -35,14 +35,15 @@ bool MeetPlane(K7Grfx& g, double dx, double dy, Vec& hit) {
   return std::isfinite(hit.x) && std::isfinite(hit.y);
 }
 
-// Where the ray through a pixel meets the unit globe. A camera outside sees the nearer point, one on the
-// globe or within (stereographic, gnomonic) the farther.
-bool MeetGlobe(K7Grfx& g, double dx, double dy, Vec& hit) {
-  Vec nearPoint, middle, farPoint;
-  if (!UnProject(g, dx, dy, 0.0, nearPoint) || !UnProject(g, dx, dy, 0.5, middle) ||
-      !UnProject(g, dx, dy, 1.0, farPoint)) {
-    return false;
-  }
+// Where the ray through a pixel meets the unit globe: |near + s step|^2 = 1 in s, the share of the way from
+// the near to the far clip distance. Which of the two roots is seen depends on where the camera stands, which
+// the projection knows: a context's numbers may be too coarse to tell. Parallel rays come from outside, at
+// the first root. Within the globe (gnomonic) or on it (stereographic) the eye sees the last one. An eye
+// outside sees the root of lesser distance in front of it, near + s (far - near), if that is above 0; with an
+// upward pitch the near distance, or both, lie behind the eye.
+bool MeetGlobe(const K7Projection& projection, K7Grfx& g, double dx, double dy, Vec& hit) {
+  Vec nearPoint, farPoint;
+  if (!UnProject(g, dx, dy, 0.0, nearPoint) || !UnProject(g, dx, dy, 1.0, farPoint)) return false;
   const Vec step = farPoint - nearPoint;
   const double stepSquare = Dot(step, step);
   const double closest = -Dot(nearPoint, step) / stepSquare;
@@ -51,17 +52,13 @@ bool MeetGlobe(K7Grfx& g, double dx, double dy, Vec& hit) {
   if (!(chordSquare >= 0.0)) return false;
   const double halfChord = std::sqrt(chordSquare / stepSquare);
 
-  // Depth is linear in 1/distance for a perspective volume, in distance for a parallel one. So the share of
-  // the way at depth 1/2 is near / (near + far) or 1/2, and tells where the eye is, at -near / (far - near).
-  constexpr double PARALLEL = 1e-9;
-  constexpr double ON_GLOBE = 1e-9;
-  const double half = Dot(middle - nearPoint, step) / stepSquare;
   double s = closest - halfChord;
-  if (1.0 - 2.0 * half > PARALLEL) {
-    const double eye = -half / (1.0 - 2.0 * half);
-    const Vec eyePoint = Along(nearPoint, eye, step);
-    if (Dot(eyePoint, eyePoint) <= 1.0 + ON_GLOBE) s = closest + halfChord;
-    if (!(s > eye)) return false;
+  if (projection.Type() == K7_PROJ_STEREOGRAPHIC || projection.Type() == K7_PROJ_GNOMONIC) {
+    s = closest + halfChord;
+  } else if (projection.Type() == K7_PROJ_PERSPECTIVE) {
+    const double depth = projection.FarClip() - projection.NearClip();
+    if (depth < 0.0) s = closest + halfChord;
+    if (!(projection.NearClip() + s * depth > 0.0)) return false;
   }
   hit = Along(nearPoint, s, step);
   return true;
@@ -97,9 +94,9 @@ bool FindOnPlane(const K7Projection& projection, double dx, double dy, K7Grfx& g
   return std::fabs(lon - centreLon) <= 180.0 + ROUNDING;
 }
 
-bool FindOnGlobe(double dx, double dy, K7Grfx& g, double& lat, double& lon) {
+bool FindOnGlobe(const K7Projection& projection, double dx, double dy, K7Grfx& g, double& lat, double& lon) {
   Vec hit;
-  if (!MeetGlobe(g, dx, dy, hit)) return false;
+  if (!MeetGlobe(projection, g, dx, dy, hit)) return false;
   // Not asin: it has half the digits near the poles.
   lat = std::atan2(hit.z, std::hypot(hit.x, hit.y)) * K7_RAD_TO_DEG;
   lon = std::atan2(hit.y, hit.x) * K7_RAD_TO_DEG;
@@ -113,7 +110,7 @@ bool K7Projection::Device2LatLon(double dx, double dy, K7Grfx* g, int width, int
   if (!g || width <= 0 || height <= 0) return false;
   double foundLat = NAN;
   double foundLon = NAN;
-  const bool found = IsAzimuthal() ? FindOnGlobe(dx, dy, *g, foundLat, foundLon)
+  const bool found = IsAzimuthal() ? FindOnGlobe(*this, dx, dy, *g, foundLat, foundLon)
                                    : FindOnPlane(*this, dx, dy, *g, width, height, foundLat, foundLon);
   if (!found || !std::isfinite(foundLat) || !std::isfinite(foundLon)) return false;
   lat = foundLat;

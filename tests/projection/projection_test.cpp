@@ -182,6 +182,92 @@ TEST(Projection, PixelsOffTheMapAreNotPicked) {
   EXPECT_FALSE(view->Device2LatLon(500, 300, &g, 0, HEIGHT, lat, lon));
 }
 
+// A host whose pipeline holds single-precision numbers.
+class SingleGrfx : public SoftGrfx {
+ public:
+  using SoftGrfx::SoftGrfx;
+  bool UnProject(double dx, double dy, double depth, double& x, double& y, double& z) override {
+    if (!SoftGrfx::UnProject(dx, dy, depth, x, y, z)) return false;
+    for (double* v : {&x, &y, &z}) *v = static_cast<float>(*v);
+    return true;
+  }
+};
+
+TEST(Projection, PicksWithSinglePrecisionHosts) {
+  for (int kind = 0; kind < 9; ++kind) {
+    const Projection projection = Make(kind);
+    for (const double lon : {-90.0, 33.3, 179.9}) {
+      SingleGrfx g(WIDTH, HEIGHT, 1.7);
+      Show(*projection, g, 41.7, lon);
+      for (int i = 0; i < 25; ++i) {
+        const double dx = 420 + 40 * (i % 5), dy = 220 + 40 * (i / 5);  // NOLINT(bugprone-integer-division)
+        SoftGrfx exact(WIDTH, HEIGHT, 1.7);
+        Show(*projection, exact, 41.7, lon);
+        double lat1 = 0, lon1 = 0, lat2 = 0, lon2 = 0;
+        ASSERT_TRUE(projection->Device2LatLon(dx, dy, &g, WIDTH, HEIGHT, lat1, lon1)) << kind;
+        ASSERT_TRUE(projection->Device2LatLon(dx, dy, &exact, WIDTH, HEIGHT, lat2, lon2)) << kind;
+        EXPECT_NEAR(Degrees(lat1, lon1, lat2, lon2), 0.0, 2e-3) << kind << ' ' << dx << ' ' << dy;
+      }
+    }
+  }
+}
+
+// The ray of a pixel of a camera with heading and pitch, laid out in the plane of the local horizon, and the
+// first point of the globe on it.
+bool FirstOnRay(double magnification, double heading, double pitch, double fieldOfView, double lat,
+                double lon, double dx, double dy, K7ECEF& hit) {
+  const double h = heading * K7_DEG_TO_RAD, p = pitch * K7_DEG_TO_RAD;
+  const double reach = std::tan(fieldOfView * K7_DEG_TO_RAD);
+  const double right = (2 * dx / WIDTH - 1) * reach * WIDTH / HEIGHT, top = (1 - 2 * dy / HEIGHT) * reach;
+  // Forward, and upright from it, in east, north and up; right is the heading turned by 90 degrees.
+  K7ECEF ray(std::sin(h) * (std::cos(p) - top * std::sin(p)) + right * std::cos(h),
+             std::cos(h) * (std::cos(p) - top * std::sin(p)) - right * std::sin(h),
+             std::sin(p) + top * std::cos(p));
+  const K7ECEF below(lat, lon);
+  below.OrthoToECEF(ray);
+  ray.Normalize();
+  K7ECEF eye = below;
+  eye *= magnification;
+  const double half = -eye.DotProduct(ray), square = half * half - (magnification * magnification - 1);
+  if (square < 0 || half < 0) return false;
+  const double way = half - std::sqrt(square);
+  hit = K7ECEF(eye.X() + way * ray.X(), eye.Y() + way * ray.Y(), eye.Z() + way * ray.Z());
+  return true;
+}
+
+TEST(Projection, TiltedCamerasSeeGroundBelowTheHorizonOnly) {
+  int ground = 0, sky = 0;
+  for (const double pitch : {-70.0, -30.0, -5.0, 10.0, 17.0, 30.0, 50.0, 70.0}) {
+    for (const double feet : {35000.0, 1e6, 6e7}) {
+      K7PerspectiveProjection view(4);
+      const double heading = pitch * 9, fieldOfView = 50;
+      view.ParamValue(1, heading);
+      view.ParamValue(3, pitch);
+      view.ParamValue(4, fieldOfView);
+      view.ParamValue(0, feet);
+      SoftGrfx g(WIDTH, HEIGHT);
+      Show(view, g, 48.5, -123.2);
+      for (int i = 0; i < 400; ++i) {
+        const double dx = 25.3 + 50 * (i % 20),
+                     dy = 15.7 + 30 * (i / 20);  // NOLINT(bugprone-integer-division)
+        K7ECEF hit;
+        double lat, lon, hitLat, hitLon;
+        const bool seen = FirstOnRay(K7PerspectiveProjection::Alt2Mag(feet), heading, pitch, fieldOfView,
+                                     48.5, -123.2, dx, dy, hit);
+        ASSERT_EQ(view.Device2LatLon(dx, dy, &g, WIDTH, HEIGHT, lat, lon), seen)
+            << pitch << ' ' << feet << ' ' << dx << ' ' << dy;
+        ++(seen ? ground : sky);
+        if (!seen) continue;
+        hit.GetLatLon(hitLat, hitLon);
+        EXPECT_NEAR(Degrees(lat, lon, hitLat, hitLon), 0, 1e-6)
+            << pitch << ' ' << feet << ' ' << dx << ' ' << dy;
+      }
+    }
+  }
+  EXPECT_GT(ground, 1000);
+  EXPECT_GT(sky, 1000);
+}
+
 TEST(Projection, Device2WorldPicksTheVisibleSurface) {
   for (int kind = 0; kind < 9; ++kind) {
     const Projection projection = Make(kind);
