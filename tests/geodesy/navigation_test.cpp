@@ -80,14 +80,21 @@ TEST(Navigation, CrossAndAlongTrackAgreeWithFiftyDigits) {
     SCOPED_TRACE(testing::PrintToString(line));
     double cross, along;
     K7GrtCirc(line[0], line[1], line[2], line[3]).OrthoDist(K7LatLon(line[4], line[5]), cross, along);
-    EXPECT_NEAR(cross, line[6], 1e-10);
-    EXPECT_NEAR(along, line[7], 1e-10);
+    EXPECT_NEAR(cross, line[6], 5e-12);
+    EXPECT_NEAR(along, line[7], 5e-12);
   }
   double cross, along;
   const K7GrtCirc leg(0, 0, 0, 10);
   leg.OrthoDist(leg.Begin(), cross, along);
   EXPECT_NEAR(cross, 0, 1e-12);
   EXPECT_NEAR(along, 0, 1e-12);
+  // From a circle's poles, and from a leg without length, everything is a quarter turn away.
+  const double quarter = K7_PI / 2 * K7_EARTH_RADIUS_NM;
+  leg.OrthoDist(K7ECEF(0, 0, 1), cross, along);
+  EXPECT_EQ(cross, -quarter);
+  EXPECT_EQ(along, quarter);
+  K7GrtCirc(1, 2, 1, 2).OrthoDist(K7ECEF(30, 20), cross, along);
+  EXPECT_EQ(cross, quarter);
 }
 
 TEST(Navigation, CoursesStayInRangeAndIdenticalPositionsHaveNone) {
