@@ -14,6 +14,16 @@ double Separation(double a, double b) {
   return d > 180.0 ? 360.0 - d : d;
 }
 
+double Width(double east, double west) { return east >= west ? east - west : east - west + 360.0; }
+
+// Whether the interval `east`, `west` holds that of `r`. By comparisons alone: no point is lost to rounding.
+bool HoldsLongitudes(double east, double west, const K7ChartRect& r) {
+  const bool easterly = r.East() <= east;
+  const bool westerly = r.West() >= west;
+  if (east >= west) return easterly && westerly && (r.East() >= r.West() || (east == 180 && west == -180));
+  return r.East() < r.West() ? easterly && westerly : easterly || westerly;
+}
+
 }  // namespace
 
 bool K7ChartRect::IsEntireWorld() const { return *this == K7ChartRect(90.0, -90.0, 180.0, -180.0); }
@@ -38,6 +48,9 @@ bool K7ChartRect::AreaIn(const K7ChartRect& area) const {
   return AreaIn(area.m_north, area.m_south, area.m_east, area.m_west);
 }
 
+// The edge that is nearer by the shorter way moves. Where that does not decide, for a single meridian and for
+// a point as near to both edges, the way from the eastern edge does: it moves when the shorter way to the
+// point goes east, across 180 where they are more than half a turn apart; else the western edge moves.
 void K7ChartRect::Include(double lat, double lon) {
   if (std::isnan(lat) || std::isnan(lon)) return;
   m_north = std::max(m_north, lat);
@@ -87,6 +100,31 @@ void K7ChartRect::Union(const K7ChartRect& a, const K7ChartRect& b) {
 K7ChartRect& K7ChartRect::operator|=(const K7ChartRect& other) {
   Union(*this, other);
   return *this;
+}
+
+void K7ChartRect::BoundingUnion(const K7ChartRect& a, const K7ChartRect& b) {
+  const K7ChartRect first = a;  // either may be this
+  const K7ChartRect second = b;
+  if (first.IsEmpty() || second.IsEmpty()) {
+    *this = first.IsEmpty() ? second : first;
+    return;
+  }
+  m_north = std::max(first.m_north, second.m_north);
+  m_south = std::min(first.m_south, second.m_south);
+  m_east = 180.0;
+  m_west = -180.0;
+  // The narrowest interval that holds both begins at the western edge of one and ends at an eastern edge. Of
+  // two as narrow the one with the lesser western longitude is taken, so that the order of the two does not
+  // matter.
+  for (const double east : {first.m_east, second.m_east}) {
+    for (const double west : {first.m_west, second.m_west}) {
+      if (!HoldsLongitudes(east, west, first) || !HoldsLongitudes(east, west, second)) continue;
+      const double narrower = Width(m_east, m_west) - Width(east, west);
+      if (narrower < 0.0 || (narrower == 0.0 && west > m_west)) continue;
+      m_east = east;
+      m_west = west;
+    }
+  }
 }
 
 bool K7ChartRect::Intersect(const K7ChartRect& a, const K7ChartRect& b) {

@@ -1,3 +1,4 @@
+#include <k7/foundation/error_string.h>
 #include <k7/projection/chart_rect.h>
 
 #include "support/mem_io.h"
@@ -86,6 +87,66 @@ TEST(ChartRect, GrowsByTheShorterWay) {
   EXPECT_TRUE(r == K7ChartRect(12, 10, -170, 170));
 }
 
+TEST(ChartRect, BoundingUnionHoldsBothAndNoMoreThanItMust) {
+  std::mt19937 random(13);
+  const K7ChartRect edges[] = {{},
+                               {90, -90, 180, -180},
+                               {20, 10, 180, 170},
+                               {20, 10, -170, -180},
+                               {0, 0, 180, 180},
+                               {0, 0, -180, -180},
+                               {5, -5, -180, 180}};
+  const auto any = [&] {
+    const size_t i = random() % 20;
+    return i < std::size(edges) ? edges[i] : RandomRect(random);
+  };
+  const auto width = [](double east, double west) { return east - west + (east < west ? 360 : 0); };
+  for (int i = 0; i < 600; ++i) {
+    const K7ChartRect a = any(), b = any();
+    K7ChartRect both = a, swapped = b;
+    both.BoundingUnion(both, b);
+    swapped.BoundingUnion(swapped, a);
+    EXPECT_TRUE(both == swapped);
+    const auto holdsBoth = [&](const K7ChartRect& r) {
+      for (double lon = -180; lon <= 180; lon += 5) {
+        for (const K7ChartRect* part : {&a, &b}) {
+          if (!part->IsEmpty() && part->PtIn(part->North(), lon) && !r.PtIn(part->North(), lon)) return false;
+        }
+      }
+      return true;
+    };
+    EXPECT_TRUE(holdsBoth(both)) << i;
+    EXPECT_EQ(both.North(), std::max(a.North(), b.North()));
+    EXPECT_EQ(both.South(), std::min(a.South(), b.South()));
+    if (a.IsEmpty() || b.IsEmpty()) {
+      EXPECT_TRUE(both == (a.IsEmpty() ? b : a));
+      continue;
+    }
+    double narrowest = 360;
+    for (const double east : {a.East(), b.East(), 180.0}) {
+      for (const double west : {a.West(), b.West(), -180.0}) {
+        if (holdsBoth({90, -90, east, west})) narrowest = std::min(narrowest, width(east, west));
+      }
+    }
+    EXPECT_EQ(width(both.East(), both.West()), narrowest) << i;
+  }
+}
+
+TEST(ChartRect, CentreLiesHalfWayBetweenTheEdges) {
+  std::mt19937 random(14);
+  for (int i = 0; i < 300; ++i) {
+    const K7ChartRect r = RandomRect(random);
+    double lat, lon;
+    r.Center(lat, lon);
+    EXPECT_EQ(r.North() - lat, lat - r.South());
+    EXPECT_LE(std::fabs(lon), 180);
+    const double toEast = std::remainder(r.East() - lon, 360.0),
+                 toWest = std::remainder(r.West() - lon, 360.0);
+    EXPECT_EQ(toEast, -toWest) << r.East() << ' ' << r.West();
+    EXPECT_TRUE(OnArc(lon, r.East(), r.West())) << r.East() << ' ' << r.West();
+  }
+}
+
 TEST(ChartRect, SpecialRectangles) {
   const K7ChartRect world(90, -90, 180, -180), pacific(10, 0, -170, 170), alps(48, 45, 12, 6);
   K7ChartRect r;
@@ -97,9 +158,20 @@ TEST(ChartRect, SpecialRectangles) {
   EXPECT_FALSE(r.Intersect(alps, pacific));  // only the latitudes are settled by then
   EXPECT_TRUE(r == K7ChartRect(10, 45, 12, 6));
 
+  EXPECT_TRUE(r.Intersect(alps, world));
+  EXPECT_TRUE(r == alps);
+  EXPECT_TRUE(world.IsEntireWorld());
+  EXPECT_FALSE(K7ChartRect(90, -90, 180, -179.999).IsEntireWorld());
+
   double lat, lon;
   pacific.Center(lat, lon);
   EXPECT_EQ(lon, -180);
+  r.Init(10, -80, 170, -175);
+  r.Expand(20, 10.5);
+  EXPECT_TRUE(r == K7ChartRect(30, -90, 180, -180));
+  r = pacific;
+  r.Expand(1, 15);
+  EXPECT_TRUE(r == K7ChartRect(11, -1, -155, 155));
   r = alps;
   r.Expand(50, 1);
   EXPECT_TRUE(r == K7ChartRect(90, -5, 13, 5));
@@ -127,6 +199,7 @@ TEST(ChartRect, ReadsFourFloats) {
   r.Init(1, 2, 3, 4);
   EXPECT_LT(r.Read(std::unique_ptr<K7File>(io.CreateFileX("cut", "rb")).get()), 8);
   EXPECT_TRUE(r == K7ChartRect(48.5, 45.25, 3, 4));
+  EXPECT_EQ(r.Read(nullptr), K7_ERR_BAD_ARGUMENT);
 }
 
 }  // namespace

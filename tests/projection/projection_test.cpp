@@ -352,6 +352,13 @@ TEST(Projection, ParametersAndClones) {
     for (int i = 0; i < made->ParamCount(); ++i) EXPECT_NEAR(copy->ParamValue(i), value(i), 1e-7);
   }
 
+  // Assigned through the base, kind and clip distances change hands.
+  K7OrthographicProjection globe;
+  static_cast<K7Projection&>(globe) = K7GnomonicProjection();
+  EXPECT_EQ(globe.Type(), K7_PROJ_GNOMONIC);
+  EXPECT_EQ(globe.NearClip(), 0.25);
+  EXPECT_EQ(globe.FarClip(), 1.1);
+
   // An ellipsoidal cone stays one through its parameters, and is spherical again as a clone.
   K7LambertProjection changed(45, 30, -90, 0), fresh(40, 20, -90, 0);
   changed.UseEllipEqs(6378137.0, 6356752.314245179);

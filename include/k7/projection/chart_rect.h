@@ -38,9 +38,14 @@ class K7_API K7ChartRect {
   /// Grows by margins in degrees and clamps to the world. A rectangle across 180 is clamped alike and may
   /// lose its crossing.
   void Expand(double dLat, double dLon);
-  /// Takes a's extent, then includes b's north-east and south-west corners. `b` must not be empty.
+  /// Takes a's extent, then includes b's north-east and south-west corners, each by the lesser way: `b` must
+  /// not be empty, and what lies between its corners may be left out. Hosts that bound areas use
+  /// `BoundingUnion`.
   void Union(const K7ChartRect& a, const K7ChartRect& b);
   K7ChartRect& operator|=(const K7ChartRect& other);
+  /// The narrowest rectangle that holds every point of both; across 180 where that is narrower, all
+  /// longitudes (180, -180) where both together leave no gap. Either may be empty, across 180, or this.
+  void BoundingUnion(const K7ChartRect& a, const K7ChartRect& b);
   /// False when nothing is common: this is then empty or, when already the latitudes are disjoint, holds
   /// their crossed bounds and keeps its longitudes. With one of the two across 180, what is common is sought
   /// only on that side of 180 on which the other has its eastern edge, with both, only across it. `AreaIn`

@@ -37,6 +37,10 @@ inline constexpr double K7_EARTH_RADIUS_M = 6378137.0;
 class K7_API K7Projection {
  public:
   virtual ~K7Projection();
+  /// Copy kind and clip distances, of which a leaf's own copy is a part. A whole projection is copied by
+  /// `Clone`.
+  K7Projection(const K7Projection&) = default;
+  K7Projection& operator=(const K7Projection&) = default;
 
   /// A new copy, which the caller deletes; null with *error (optional) K7_ERR_MEMORY when memory runs out.
   virtual K7Projection* Clone(int* error) const = 0;
@@ -114,8 +118,6 @@ class K7_API K7Projection {
  protected:
   K7Projection(K7ProjType type, double nearClip, double farClip)
       : m_type(type), m_near(nearClip), m_far(farClip) {}
-  K7Projection(const K7Projection&) = default;
-  K7Projection& operator=(const K7Projection&) = default;
 
  private:
   K7ProjType m_type;
