@@ -3,7 +3,7 @@
 #include <k7/foundation/error_string.h>
 #include <k7/foundation/string.h>
 
-#include "geometry/shp_read.h"
+#include "io/read.h"
 
 #include <algorithm>
 #include <charconv>
@@ -11,8 +11,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-
-using k7shp::ReadExact;
 
 namespace {
 
@@ -42,12 +40,17 @@ int CountFields(K7File* file) {
 
 bool ReadField(K7File* file, K7DbfFieldDesc& field) {
   char raw[DESC_SIZE];
-  if (!ReadExact(file, raw, DESC_SIZE)) return false;
-  std::memcpy(field.name, raw, sizeof field.name);
-  field.type = raw[11];
-  field.length = static_cast<unsigned char>(raw[16]);
-  field.decimals = static_cast<unsigned char>(raw[17]);
-  return true;
+  if (k7read::Exact(file, raw, DESC_SIZE) != 0) return false;
+  k7read::Cursor cursor(raw, DESC_SIZE);
+  uint8_t length, decimals;
+  cursor.Little(field.name);
+  cursor.Little(field.type);
+  cursor.Skip(sizeof(int32_t));  // an address in the memory of the writer
+  cursor.Little(length);
+  cursor.Little(decimals);
+  field.length = length;
+  field.decimals = decimals;
+  return cursor.IsWhole();
 }
 
 // Length of the text in a field: up to a NUL, trailing blanks removed.
@@ -143,25 +146,21 @@ int K7DbfFileHdr::Read(K7File* file) {
 bool K7DbfFileHdr::ReadFixed(K7File* file) {
   char raw[HEADER_SIZE];
   file->Seek(0);
-  if (!ReadExact(file, raw, HEADER_SIZE)) return false;
-  const char* p = raw;
-  const auto take = [&p](auto& member) {
-    std::memcpy(&member, p, sizeof member);
-    p += sizeof member;
-  };
-  take(version);
-  take(lastUpdate);
-  take(recordCount);
-  take(headerLength);
-  take(recordLength);
-  take(reserved1);
-  take(incompleteTransaction);
-  take(encrypted);
-  take(reserved2);
-  take(productionIndex);
-  take(languageDriver);
-  take(reserved3);
-  return true;
+  if (k7read::Exact(file, raw, HEADER_SIZE) != 0) return false;
+  k7read::Cursor cursor(raw, HEADER_SIZE);
+  cursor.Little(version);
+  cursor.Little(lastUpdate);
+  cursor.Little(recordCount);
+  cursor.Little(headerLength);
+  cursor.Little(recordLength);
+  cursor.Little(reserved1);
+  cursor.Little(incompleteTransaction);
+  cursor.Little(encrypted);
+  cursor.Little(reserved2);
+  cursor.Little(productionIndex);
+  cursor.Little(languageDriver);
+  cursor.Little(reserved3);
+  return cursor.IsWhole();
 }
 
 int K7DbfFileHdr::ReadFields(K7File* file) {
@@ -179,7 +178,7 @@ int K7DbfFileHdr::ReadFields(K7File* file) {
   // A slot takes memory even for a field without bytes: a table of such fields would swell without bound.
   if (count > dataLength + 1) return K7_ERR_FILE_IO;
   char terminator = 0;
-  return ReadExact(file, &terminator, 1) ? 0 : K7_ERR_FILE_IO;
+  return k7read::Exact(file, &terminator, 1) == 0 ? 0 : K7_ERR_FILE_IO;
 }
 
 int K7DbfFileHdr::ReadAttrs(K7File* file, K7DbfField** attrs) const {
@@ -191,7 +190,7 @@ int K7DbfFileHdr::ReadAttrs(K7File* file, K7DbfField** attrs) const {
       size <= int{sizeof local} ? local : static_cast<char*>(std::malloc(static_cast<size_t>(size)));
   if (!record) return K7_ERR_MEMORY;
   int err = K7_ERR_FILE_IO;
-  if (ReadExact(file, record, size)) {
+  if (k7read::Exact(file, record, size) == 0) {
     *attrs = Convert(*this, record + 1);
     err = *attrs ? 0 : K7_ERR_MEMORY;
   }

@@ -4,12 +4,10 @@
 #include <k7/foundation/string.h>
 #include <k7/io/io.h>
 
-#include "geometry/shp_read.h"
+#include "io/read.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdio>
-#include <cstring>
 #include <new>
 
 namespace {
@@ -37,21 +35,16 @@ int OpenCompanion(K7IO* io, const K7String& path, const char* extension, K7File*
 
 bool ReadFileHeader(K7File* file, K7ShpFileHdr& hdr) {
   char raw[FILE_HEADER_SIZE];
-  if (!k7shp::ReadExact(file, raw, FILE_HEADER_SIZE)) return false;
-  constexpr size_t INTS = offsetof(K7ShpFileHdr, shapeType) + sizeof hdr.shapeType;
-  static_assert(INTS == 36);  // in the file's order, without gaps
-  std::memcpy(&hdr, raw, INTS);
-  K7File::ByteSwap32(&hdr.fileCode);
-  for (int32_t& word : hdr.unused) K7File::ByteSwap32(&word);
-  K7File::ByteSwap32(&hdr.fileLength);
-  double doubles[8];
-  std::memcpy(doubles, raw + INTS, sizeof doubles);
-  hdr.box = {doubles[0], doubles[1], doubles[2], doubles[3]};
-  hdr.zMin = doubles[4];
-  hdr.zMax = doubles[5];
-  hdr.mMin = doubles[6];
-  hdr.mMax = doubles[7];
-  return true;
+  if (k7read::Exact(file, raw, FILE_HEADER_SIZE) != 0) return false;
+  k7read::Cursor cursor(raw, FILE_HEADER_SIZE);
+  cursor.Big(hdr.fileCode);
+  for (int32_t& word : hdr.unused) cursor.Big(word);
+  cursor.Big(hdr.fileLength);
+  cursor.Little(hdr.version);
+  cursor.Little(hdr.shapeType);
+  cursor.Little(hdr.box);
+  for (double* const limit : {&hdr.zMin, &hdr.zMax, &hdr.mMin, &hdr.mMax}) cursor.Little(*limit);
+  return cursor.IsWhole();
 }
 
 }  // namespace

@@ -5,12 +5,11 @@
 #include <k7/geometry/shp_file.h>
 #include <k7/geometry/shp_obj.h>
 
-#include "geometry/shp_read.h"
+#include "io/read.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -56,16 +55,19 @@ void K7ShpMulti::Clear() {
 int K7ShpMulti::Read(K7File* file, int contentLength) {
   if (!file) return K7_ERR_BAD_ARGUMENT;
   Clear();
-  unsigned char head[sizeof(K7ShpRect) + 2 * sizeof(int32_t)];
+  char head[sizeof(K7ShpRect) + 2 * sizeof(int32_t)];
   const int headSize = static_cast<int>(sizeof head) - (m_hasParts ? 0 : 4);
-  if (!k7shp::ReadExact(file, head, headSize)) return K7_ERR_FILE_IO;
+  if (k7read::Exact(file, head, headSize) != 0) return K7_ERR_FILE_IO;
   int32_t parts = 0;
   int32_t points = 0;
-  std::memcpy(&points, head + headSize - sizeof points, sizeof points);
-  if (m_hasParts) std::memcpy(&parts, head + sizeof(K7ShpRect), sizeof parts);
+  K7ShpRect box;
+  k7read::Cursor cursor(head, static_cast<size_t>(headSize));
+  cursor.Little(box);
+  if (m_hasParts) cursor.Little(parts);
+  cursor.Little(points);
   if (parts < 0 || points < 0) return K7_ERR_OUT_OF_RANGE;
 
-  const int64_t room = k7shp::RoomBehind(contentLength, headSize);
+  const int64_t room = RoomBehind(contentLength, headSize);
   int64_t size = int64_t{parts} * int64_t{sizeof(int32_t)} + int64_t{points} * int64_t{sizeof(K7ShpXY)};
   if (HasZ(m_type)) size += MeasureSize(points);
   if (room >= 0 && size > room) return K7_ERR_OUT_OF_RANGE;
@@ -77,11 +79,11 @@ int K7ShpMulti::Read(K7File* file, int contentLength) {
     Clear();
     return K7_ERR_OUT_OF_RANGE;
   }
-  std::memcpy(&m_box, head, sizeof m_box);
+  m_box = box;
   m_partCount = parts;
   m_pointCount = points;
   m_hasM = hasM;
-  k7shp::SkipRest(file, room - size);
+  k7read::SkipWithin(file, room - size);
   return 0;
 }
 
@@ -89,12 +91,12 @@ int K7ShpMulti::Read(K7File* file, int contentLength) {
 // moved up by half a word, so that the doubles behind them are aligned.
 int K7ShpMulti::ReadBody(K7File* file, int64_t size, int parts) {
   const int64_t pad = parts % 2 * int64_t{sizeof(int32_t)};
-  if (size > INT32_MAX || !k7shp::FileHolds(file, size)) return K7_ERR_FILE_IO;
+  if (size > INT32_MAX || !k7read::Holds(file, size)) return K7_ERR_FILE_IO;
   if (size == 0) return 0;
   m_block = std::malloc(static_cast<size_t>(pad + size));
   if (!m_block) return K7_ERR_MEMORY;
   char* const body = static_cast<char*>(m_block) + pad;
-  if (!k7shp::ReadExact(file, body, static_cast<int>(size))) {
+  if (k7read::Exact(file, body, static_cast<int>(size)) != 0) {
     Clear();
     return K7_ERR_FILE_IO;
   }

@@ -4,7 +4,7 @@
 #include <k7/foundation/string.h>
 #include <k7/geometry/shp_file.h>
 
-#include "geometry/shp_read.h"
+#include "io/read.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -82,16 +82,16 @@ int K7ShpPoint::ReadPoint(K7File* file, int contentLength, double* measures, int
   m_pointCount = 0;
   m_points = nullptr;
   double values[4] = {0, 0, K7_SHP_NO_MEASURE, K7_SHP_NO_MEASURE};
-  const int64_t room = k7shp::RoomBehind(contentLength, sizeof(K7ShpXY));
+  const int64_t room = RoomBehind(contentLength, sizeof(K7ShpXY));
   int count = extra;
   if (room >= 0 && room < count * int64_t{sizeof(double)}) --count;
   if (room >= 0 && room < count * int64_t{sizeof(double)}) return K7_ERR_OUT_OF_RANGE;
-  if (!k7shp::ReadExact(file, values, (2 + count) * int{sizeof(double)})) return K7_ERR_FILE_IO;
+  if (k7read::Exact(file, values, (2 + count) * int{sizeof(double)}) != 0) return K7_ERR_FILE_IO;
   m_xy = {values[0], values[1]};
   std::copy_n(values + 2, extra, measures);
   m_pointCount = 1;
   m_points = &m_xy;
-  k7shp::SkipRest(file, room - count * int64_t{sizeof(double)});
+  k7read::SkipWithin(file, room - count * int64_t{sizeof(double)});
   return 0;
 }
 

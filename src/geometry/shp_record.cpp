@@ -1,7 +1,7 @@
 #include <k7/foundation/error_string.h>
 #include <k7/geometry/shp_file.h>
 
-#include "geometry/shp_read.h"
+#include "io/read.h"
 
 #include <cstdio>
 #include <utility>
@@ -20,20 +20,20 @@ int K7ShpRecord::Read(K7File* mainFile, K7File* attrFile, const K7DbfFileHdr* hd
   m_hdr = hdr;
   if (hdr->ReadAttrs(attrFile, &m_attrs) == K7_ERR_MEMORY) return K7_ERR_MEMORY;
 
-  struct {
-    int32_t number;
-    int32_t contentLength;
-    int32_t type;
-  } head;
-  if (!k7shp::ReadExact(mainFile, &head, sizeof head)) return K7_ERR_FILE_IO;
-  K7File::ByteSwap32(&head.contentLength);
-  if (head.type == K7_SHP_NULL && keepNullShape) {
-    k7shp::SkipRest(mainFile, k7shp::RoomBehind(head.contentLength, 0));
+  char head[3 * sizeof(int32_t)];
+  if (k7read::Exact(mainFile, head, sizeof head) != 0) return K7_ERR_FILE_IO;
+  k7read::Cursor cursor(head, sizeof head);
+  int32_t number, contentLength, type;
+  cursor.Big(number);
+  cursor.Big(contentLength);
+  cursor.Little(type);
+  if (type == K7_SHP_NULL && keepNullShape) {
+    k7read::SkipWithin(mainFile, int64_t{contentLength} * 2 - int64_t{sizeof type});
     return 0;
   }
   int err = 0;
-  m_obj = K7ShpObj::Create(head.type, &err);
-  return m_obj ? m_obj->Read(mainFile, head.contentLength) : err;
+  m_obj = K7ShpObj::Create(type, &err);
+  return m_obj ? m_obj->Read(mainFile, contentLength) : err;
 }
 
 K7DbfField* K7ShpRecord::DetachAttrs() { return std::exchange(m_attrs, nullptr); }

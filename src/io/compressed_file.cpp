@@ -2,10 +2,11 @@
 
 #include <k7/io/file.h>
 
+#include "io/read.h"
+
 #include <zlib.h>
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
@@ -21,24 +22,6 @@ void MaskEnds(unsigned char* stream, int size, unsigned char mask) {
   for (int i = 0; i < n; ++i) stream[i] ^= mask;
   for (int i = size - n; i < size; ++i) stream[i] ^= mask;
 }
-
-class Buffer {
- public:
-  explicit Buffer(int64_t size)
-      : m_bytes(static_cast<unsigned char*>(std::malloc(static_cast<size_t>(size)))) {}
-  ~Buffer() { std::free(m_bytes); }
-  Buffer(const Buffer&) = delete;
-  Buffer& operator=(const Buffer&) = delete;
-  unsigned char* Get() const { return m_bytes; }
-  char* Release() {
-    char* const bytes = reinterpret_cast<char*>(m_bytes);
-    m_bytes = nullptr;
-    return bytes;
-  }
-
- private:
-  unsigned char* m_bytes;
-};
 
 // Bytes of the finished stream, or -1.
 int64_t Deflate(const char* data, int n, unsigned char* out, int64_t room) {
@@ -72,35 +55,34 @@ int K7File::SecureCompress(const char* data, int n) {
   const K7LockGuard lock(m_mutex);
   if (!data || n < 0) return -1;
   const int64_t room = static_cast<int64_t>(n) * 1001 / 1000 + 12;
-  const Buffer stream(room);
-  if (!stream.Get()) return -1;
-  const int64_t size = Deflate(data, n, stream.Get(), room);
+  k7read::Block stream;
+  if (!stream.Alloc(room)) return -1;
+  const int64_t size = Deflate(data, n, stream.Bytes(), room);
   // A failed compression counts as success with an empty file: its callers never looked for another answer.
   if (size < 0 || size > INT32_MAX) return 0;
 
   const uint32_t length = static_cast<uint32_t>(n);
-  MaskEnds(stream.Get(), static_cast<int>(size), static_cast<unsigned char>(length));
+  MaskEnds(stream.Bytes(), static_cast<int>(size), static_cast<unsigned char>(length));
   if (Write(&length, sizeof length) <= 0) return -1;
-  return Write(stream.Get(), static_cast<int>(size)) > 0 ? 0 : -1;
+  return Write(stream.Bytes(), static_cast<int>(size)) > 0 ? 0 : -1;
 }
 
 int K7File::SecureDecompress(char** out) {
   const K7LockGuard lock(m_mutex);
-  if (!out || !Seek(-1)) return -1;
+  k7read::Block contents;
+  if (!out || contents.ReadFile(this) != 0) return -1;
+  k7read::Cursor cursor(contents.Bytes(), contents.Size());
   uint32_t length = 0;
-  const int size = Tell() - static_cast<int>(sizeof length);
-  if (size <= 0 || !Seek(0)) return -1;
-
-  const Buffer stream(size);
-  if (!stream.Get() || Read(&length, sizeof length) != static_cast<int>(sizeof length) ||
-      Read(stream.Get(), size) != size)
+  cursor.Little(length);
+  const int size = static_cast<int>(cursor.Left());
+  if (size <= 0 || length == 0 || length > static_cast<int64_t>(size) * MAX_EXPANSION || length >= INT32_MAX)
     return -1;
-  if (length == 0 || length > static_cast<int64_t>(size) * MAX_EXPANSION || length >= INT32_MAX) return -1;
-  MaskEnds(stream.Get(), size, static_cast<unsigned char>(length));
+  unsigned char* const stream = contents.Bytes() + sizeof length;
+  MaskEnds(stream, size, static_cast<unsigned char>(length));
 
-  Buffer text(static_cast<int64_t>(length) + 1);
-  if (!text.Get() || !Inflate(stream.Get(), size, text.Get(), length)) return -1;
-  text.Get()[length] = 0;
+  k7read::Block text;
+  if (!text.Alloc(int64_t{length} + 1) || !Inflate(stream, size, text.Bytes(), length)) return -1;
+  text.Bytes()[length] = 0;
   *out = text.Release();
   return 0;
 }

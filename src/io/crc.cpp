@@ -5,6 +5,8 @@
 #include <k7/io/file.h>
 #include <k7/io/io.h>
 
+#include "io/read.h"
+
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -47,7 +49,7 @@ int CompanionPath(const char* path, K7String& companion) {
 int ReadCompanion(const char* companion, unsigned& crc) {
   const std::unique_ptr<K7File> file = OpenFile(companion, "rb");
   if (!file) return K7_ERR_CRC_MISSING;
-  return file->Read(&crc, sizeof crc) == sizeof crc ? 0 : K7_ERR_CRC_UNREADABLE;
+  return k7read::Exact(file.get(), &crc, sizeof crc) == 0 ? 0 : K7_ERR_CRC_UNREADABLE;
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ planted src/foundation/array.cpp '#include <k7/io/io.h>' 'foundation may not inc
 planted src/foundation/array.cpp '#include <k7/core.h>' 'foundation may not include k7/core.h'
 planted src/foundation/string.cpp '#include <k7/geometry.h>' 'foundation may not include k7/geometry.h'
 planted src/foundation/time.cpp '# include "k7/io/io.h"' 'foundation may not include k7/io/io.h'
-planted src/geometry/shp_obj.cpp '#include "shp_read.h"' 'geometry may not include shp_read.h'
+planted src/geometry/shp_obj.cpp '#include "shp_dbf.h"' 'geometry may not include shp_dbf.h'
 planted include/k7/geodesy/ecef.h '#include <k7/projection/grfx.h>' 'geodesy may not include k7/projection/grfx.h'
 planted include/k7/io.h '#include <k7/geodesy/ecef.h>' 'io.h may not include k7/geodesy/ecef.h'
 planted examples/chart/ink/cairo_grfx.h '#include "layers/graticule.h"' 'ink may not include layers/graticule.h'

@@ -87,6 +87,10 @@ class K7_API K7ShpObj {
   K7ShpObj(const K7ShpObj&) = delete;
   K7ShpObj& operator=(const K7ShpObj&) = delete;
 
+  /// Bytes that a content length, in 16-bit words, leaves behind the shape type and `used` further bytes.
+  /// Negative when it has no room for these, and so is no content length at all.
+  static int64_t RoomBehind(int contentLength, int used) { return int64_t{contentLength} * 2 - 4 - used; }
+
   int32_t m_type;
   int32_t m_pointCount = 0;
   const K7ShpXY* m_points = nullptr;
