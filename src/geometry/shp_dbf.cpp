@@ -29,7 +29,7 @@ struct FieldName {
 
 // The descriptors in front of the terminator, or a code.
 int CountFields(K7File* file) {
-  char raw[DESC_SIZE];
+  char raw[DESC_SIZE] = {};
   for (int count = 0; count <= MAX_FIELDS; ++count) {
     const int n = file->Read(raw, DESC_SIZE);
     if (n > 0 && raw[0] == TERMINATOR) return count;  // nothing need stand behind it

@@ -13,7 +13,6 @@
 namespace {
 
 constexpr int FILE_HEADER_SIZE = 100;
-constexpr int FIRST_RESERVE = 1024;
 
 void DeleteRecord(void* record) { delete static_cast<K7ShpRecord*>(record); }
 
@@ -67,19 +66,31 @@ void K7ShpFile::Clear() {
 }
 
 int K7ShpFile::ReadHeader(const char* path, K7IO* io) {
+  m_badFile = K7_SHP_NO_FILE;
   if (!path || !io) return K7_ERR_BAD_ARGUMENT;
   Clear();
   m_dbfHdr.Clear();
-  if (const int err = OpenFiles(path, io)) return err;
-  if (!ReadFileHeader(m_mainFile, m_hdr)) return K7_ERR_FILE_IO;
-  return m_dbfHdr.Read(m_attrFile);
+  int err = OpenFiles(path, io);
+  if (err == 0) {
+    m_badFile = K7_SHP_MAIN_FILE;
+    err = ReadFileHeader(m_mainFile, m_hdr) ? 0 : K7_ERR_FILE_IO;
+  }
+  if (err == 0) {
+    m_badFile = K7_SHP_ATTR_FILE;
+    err = m_dbfHdr.Read(m_attrFile);
+  }
+  if (err == 0 || err == K7_ERR_MEMORY) m_badFile = K7_SHP_NO_FILE;
+  return err;
 }
 
 int K7ShpFile::OpenFiles(const char* path, K7IO* io) {
   K7String mainPath;
   if (const int err = mainPath.Create(path); err < 0) return err;
+  m_badFile = K7_SHP_MAIN_FILE;
   if (const int err = OpenFile(io, mainPath, m_mainFile)) return err;
+  m_badFile = K7_SHP_ATTR_FILE;
   if (const int err = OpenCompanion(io, mainPath, ".dbf", m_attrFile)) return err;
+  m_badFile = K7_SHP_INDEX_FILE;
   return OpenCompanion(io, mainPath, ".shx", m_indexFile);
 }
 
@@ -90,40 +101,7 @@ int K7ShpFile::Read(const char* path, K7IO* io) {
   return err;
 }
 
-int K7ShpFile::ReadRecords() {
-  const int count = RecordCount();
-  int reserved = 0;
-  for (int i = 0; i < count; ++i) {
-    m_recordError = 0;
-    K7ShpRecord* const record = NextRecord();
-    if (!record) return m_recordError ? m_recordError : K7_ERR_OUT_OF_RANGE;
-    // The array grows by few elements at a time, so room is made ahead, for as many records as have come
-    // already.
-    if (i >= reserved) {
-      reserved = static_cast<int>(std::min<int64_t>(count, std::max<int64_t>(FIRST_RESERVE, int64_t{i} * 2)));
-      m_records.GrowTo(reserved, false);
-    }
-    if (const int err = m_records += record) {
-      delete record;
-      return err;
-    }
-  }
-  return 0;
-}
-
 int K7ShpFile::RecordCount() const { return m_dbfHdr.recordCount; }
-
-K7ShpRecord* K7ShpFile::NextRecord() {
-  m_recordError = K7_ERR_MEMORY;
-  K7ShpRecord* const record = new (std::nothrow) K7ShpRecord;
-  if (!record) return nullptr;
-  m_recordError = record->Read(m_mainFile, m_attrFile, &m_dbfHdr, m_keepNullShapes);
-  if (m_recordError == 0) return record;
-  delete record;
-  // A record cut short and one that contradicts itself are the same to a reader of the set: not readable.
-  if (m_recordError != K7_ERR_INVALID_DATA && m_recordError != K7_ERR_MEMORY) m_recordError = 0;
-  return nullptr;
-}
 
 K7ShpRecord* K7ShpFile::GetRecord(int index) const { return static_cast<K7ShpRecord*>(m_records[index]); }
 

@@ -28,6 +28,8 @@ int K7ShpRecord::Read(K7File* mainFile, K7File* attrFile, const K7DbfFileHdr* hd
   cursor.Big(contentLength);
   cursor.Little(type);
   if (type == K7_SHP_NULL && keepNullShape) {
+    // A run of zeros is no shape.
+    if (contentLength == 0) return K7_ERR_OUT_OF_RANGE;
     k7read::SkipWithin(mainFile, int64_t{contentLength} * 2 - int64_t{sizeof type});
     return 0;
   }

@@ -61,7 +61,8 @@ using FieldDef = std::tuple<const char*, char, int, int>;  // name, type, length
 struct Set {
   Bytes main, dbf;
   MemIO io;
-  std::vector<size_t> ends;  // of the records in the main file
+  Bytes index;
+  std::vector<size_t> starts, ends;  // of the records in the main file
 
   Set() {
     for (int i = 0; i < 7; ++i) Put(main, i == 0 ? 9994 : 20 + i, true);
@@ -69,6 +70,7 @@ struct Set {
     for (double d : {-1.0, -2.0, 11.0, 12.0, 13.0, 14.0, 15.0, 16.0}) Put(main, d);
   }
   void Add(const Bytes& content, int words = -1) {
+    starts.push_back(main.size());
     Put(main, static_cast<int>(ends.size() + 1), true);
     Put(main, words < 0 ? static_cast<int>(content.size() / 2) : words, true);
     main.insert(main.end(), content.begin(), content.end());
@@ -98,9 +100,15 @@ struct Set {
     for (size_t i = 0; i < ends.size(); ++i) rows.push_back("*" + std::to_string(100 + i));
     Table({{"NO", 'N', 3, 0}}, rows);
   }
+  void Index() {
+    index = Bytes(100);
+    for (size_t i = 0; i < starts.size(); ++i)
+      Put(index, static_cast<int>(starts[i] / 2), true),
+          Put(index, static_cast<int>((ends[i] - starts[i] - 8) / 2), true);
+  }
   int Read(K7ShpFile& file) {
     if (dbf.empty()) NumberedTable();
-    io.Put("a.shp", main), io.Put("a.dbf", dbf), io.Put("a.shx", Bytes());
+    io.Put("a.shp", main), io.Put("a.dbf", dbf), io.Put("a.shx", index);
     return file.Read("a.shp", &io);
   }
 };
@@ -279,6 +287,7 @@ TEST(ShpFile, SetsCutAnywhereKeepTheRecordsBefore) {
     set.main.assign(&whole.main[0], &whole.main[cut]);
     K7ShpFile file;
     EXPECT_EQ(set.Read(file), cut < 100 ? K7_ERR_FILE_IO : K7_ERR_OUT_OF_RANGE);
+    EXPECT_EQ(file.BadFile(), K7_SHP_MAIN_FILE);
     const auto kept = std::ranges::count_if(whole.ends, [&](size_t end) { return end <= cut; });
     ASSERT_EQ(file.StoredCount(), kept) << cut;
     for (int i = 0; i < file.StoredCount(); ++i)
@@ -291,9 +300,90 @@ TEST(ShpFile, SetsCutAnywhereKeepTheRecordsBefore) {
     K7ShpFile file;
     EXPECT_EQ(set.Read(file), cut < 65 ? K7_ERR_FILE_IO : 0);
     EXPECT_EQ(file.IsValid(), cut >= 65);
+    EXPECT_EQ(file.BadFile(), cut < 65 ? K7_SHP_ATTR_FILE : K7_SHP_NO_FILE);
     for (size_t i = 0; i < static_cast<size_t>(file.StoredCount()); ++i)
       EXPECT_EQ(file.GetRecord(static_cast<int>(i))->Attrs() != nullptr, 65 + 4 * (i + 1) <= cut);
   }
+}
+
+// Editors that put records in place leave the tails of longer ones behind, and move what has grown to the
+// end.
+TEST(ShpFile, TheIndexLeadsAcrossGapsAndToMovedRecords) {
+  const Bytes junk = {0x35, 0xF5, 0x46, 0x40, 0x60, 0xDC, 0xCA, 0xEA, 0xD4, 0xCF, 0x1D, 0x40};
+  for (const Bytes& gap : {junk, Bytes(40), Bytes{1, 2, 3, 4}})
+    for (const bool keepNullShapes : {false, true}) {
+      Set set;
+      set.Add(Shape(5, 4, {0}));
+      set.main.insert(set.main.end(), gap.begin(), gap.end());
+      set.Add(Shape(3, 3, {0, 1}));
+      const size_t stale = set.main.size();
+      set.Add(Shape(1, 1, {}));
+      set.Add(Shape(8, 2, {}));
+      set.Add(Shape(5, 6, {0, 3}));
+      set.starts.erase(set.starts.begin() + 2), set.ends.erase(set.ends.begin() + 2);
+      std::swap(set.starts[2], set.starts[3]), std::swap(set.ends[2], set.ends[3]);
+      set.Index();
+      K7ShpFile file;
+      file.KeepNullShapes(keepNullShapes);
+      ASSERT_EQ(set.Read(file), 0);
+      ASSERT_EQ(file.StoredCount(), 4);
+      ExpectShape(file, file.GetRecord(1)->Obj(), 3, 3, {0, 1}, false);
+      ExpectShape(file, file.GetRecord(2)->Obj(), 5, 6, {0, 3}, false);
+      ExpectShape(file, file.GetRecord(3)->Obj(), 8, 2, {}, false);
+      for (int i = 0; i < 4; ++i) EXPECT_EQ(file.GetRecord(i)->Integer(0), 100 + i);
+
+      // An index that leads elsewhere is not believed.
+      for (const int words : {0, 49, static_cast<int>(stale / 2) + 1, INT32_MAX / 2, INT32_MIN}) {
+        Bytes offset;
+        Put(offset, words, true);
+        std::copy(offset.begin(), offset.end(), set.index.begin() + 100 + 8 * 3);
+        EXPECT_NE(set.Read(file), 0);
+        EXPECT_EQ(file.StoredCount(), 1);
+        EXPECT_EQ(file.BadFile(), K7_SHP_MAIN_FILE);
+      }
+    }
+  Set moved;  // without a gap all records can be read, one of them the old one
+  for (int points : {2, 3, 4, 5}) moved.Add(Shape(8, points, {}));
+  moved.starts[1] = moved.starts[3], moved.ends[1] = moved.ends[3];
+  moved.starts.pop_back(), moved.ends.pop_back();
+  moved.Index();
+  K7ShpFile file;
+  ASSERT_EQ(moved.Read(file), 0);
+  EXPECT_EQ(file.GetRecord(1)->Obj()->GetPointCount(), 5);
+  EXPECT_EQ(file.GetRecord(2)->Obj()->GetPointCount(), 4);
+}
+
+// Serves a table of which one read fails.
+struct FlakyTableIO : MemIO {
+  struct Table : MemFile {
+    explicit Table(FlakyTableIO& owner) : MemFile(owner.files["a.dbf"], "rb"), io(owner) {}
+    int Read(void* buf, int n) override { return io.left-- == 0 ? io.result : MemFile::Read(buf, n); }
+    FlakyTableIO& io;
+  };
+  K7File* CreateFileX(const char* path, const char* mode) override {
+    return std::strcmp(path, "a.dbf") == 0 ? new Table(*this) : MemIO::CreateFileX(path, mode);
+  }
+  int left = 0, result = 0;
+};
+
+TEST(ShpFile, AReadOfTheTableThatFailsShiftsNothing) {
+  Set set;
+  for (int i = 0; i < 5; ++i) set.Add(Shape(1, 1, {}));
+  K7ShpFile file;
+  ASSERT_EQ(set.Read(file), 0);
+  FlakyTableIO io;
+  io.files = set.io.files;
+  for (const int result : {0, 2, 5, int{K7_ERR_FILE_IO}})  // nothing, a part, more than was asked, a code
+    for (int failing = 0; failing < 10; ++failing) {
+      io.left = failing;
+      io.result = result;
+      // Header, descriptor, terminator; descriptor and terminator once more; then a read a row.
+      EXPECT_EQ(file.Read("a.shp", &io), failing < 5 ? K7_ERR_FILE_IO : K7_ERR_OUT_OF_RANGE) << failing;
+      EXPECT_EQ(file.BadFile(), K7_SHP_ATTR_FILE);
+      EXPECT_EQ(file.StoredCount(), failing < 5 ? 0 : 5);
+      for (int i = 0; i < file.StoredCount(); ++i)
+        EXPECT_EQ(file.GetRecord(i)->Integer(0), i == failing - 5 ? 0 : 100 + i);
+    }
 }
 
 TEST(ShpFile, AbsurdCountsLengthsAndOffsetsAreRefused) {
@@ -328,19 +418,19 @@ TEST(ShpFile, AbsurdCountsLengthsAndOffsetsAreRefused) {
   EXPECT_EQ(set.Read(file), K7_ERR_OUT_OF_RANGE);
 
   Set counted;
-  counted.Add(Shape(1, 1, {}));
+  for (int i = 0; i < 3; ++i) counted.Add(Shape(1, 1, {}));
   counted.NumberedTable();
-  PutAt(counted.dbf, 4, INT32_MAX);
-  EXPECT_EQ(counted.Read(file), K7_ERR_OUT_OF_RANGE);
-  EXPECT_EQ(file.StoredCount(), 1);
-  PutAt(counted.dbf, 4, -5);
-  EXPECT_EQ(counted.Read(file), 0);
-  EXPECT_EQ(file.StoredCount(), 0);
+  for (const int count : {4, INT32_MAX, 2, 0, -5}) {
+    PutAt(counted.dbf, 4, count);
+    EXPECT_EQ(counted.Read(file), K7_ERR_OUT_OF_RANGE) << count;
+    EXPECT_EQ(file.BadFile(), K7_SHP_ATTR_FILE) << count;
+    EXPECT_EQ(file.StoredCount(), std::clamp(count, 0, 3));
+  }
   counted.Table(std::vector<FieldDef>(40, {"EMPTY", 'N', 0, 0}), {" "});
   EXPECT_EQ(counted.Read(file), K7_ERR_FILE_IO);
   counted.Table(std::vector<FieldDef>(2047, {"MANY", 'N', 1, 0}), {});
   EXPECT_EQ(counted.Read(file), K7_ERR_FILE_IO);
-  counted.Table({}, {" "});
+  counted.Table({}, {" ", " ", " "});
   EXPECT_EQ(counted.Read(file), 0);
   EXPECT_FALSE(file.IsValid());
 }
@@ -354,9 +444,12 @@ TEST(ShpFile, MissingFilesAndArguments) {
   EXPECT_EQ(file.Read("a.shp", nullptr), K7_ERR_BAD_ARGUMENT);
   set.io.Put("a", set.main);
   EXPECT_EQ(file.Read("a", &set.io), K7_ERR_FILE_IO);
-  for (const char* missing : {"a.shx", "a.dbf", "a.shp"}) {
+  const std::pair<const char*, K7ShpPart> parts[] = {
+      {"a.shx", K7_SHP_INDEX_FILE}, {"a.dbf", K7_SHP_ATTR_FILE}, {"a.shp", K7_SHP_MAIN_FILE}};
+  for (const auto& [missing, part] : parts) {
     set.io.files.erase(missing);
     EXPECT_EQ(file.Read("a.shp", &set.io), K7_ERR_FILE_IO);
+    EXPECT_EQ(file.BadFile(), part);
     EXPECT_EQ(file.RecordCount(), 0);
   }
 }

@@ -28,20 +28,22 @@ K7MapFeatureKind KindOf(const K7ShpObj& shape) {
   }
 }
 
-// A set is three files. Empty when all of them open, else which does not and why.
+// What cannot be read, `ending` being that of one of the three files of a set.
+std::string Unreadable(const std::filesystem::path& set, const char* ending, const std::string& why) {
+  if (K7String::IComp(set.extension().string().c_str(), ending) == 0)
+    return "cannot read '" + set.string() + "': " + why;
+  return "cannot read '" + std::filesystem::path(set).replace_extension(ending).string() +
+         "', which belongs to the shapefile set '" + set.string() + "': " + why;
+}
+
+// Empty when all files of the set open, else which does not and why.
 std::string MissingFile(const std::filesystem::path& set) {
   for (const char* const ending : {".shp", ".dbf", ".shx"}) {
-    const std::filesystem::path path = std::filesystem::path(set).replace_extension(ending);
-    const bool main = K7String::IComp(set.extension().string().c_str(), ending) == 0;
-    std::FILE* const file = std::fopen((main ? set : path).string().c_str(), "rb");
-    if (file) {
-      std::fclose(file);
-      continue;
-    }
-    const std::string why = std::strerror(errno);
-    if (main) return "cannot read '" + set.string() + "': " + why;
-    return "cannot read '" + path.string() + "', which belongs to the shapefile set '" + set.string() +
-           "': " + why;
+    const bool isMain = K7String::IComp(set.extension().string().c_str(), ending) == 0;
+    const std::filesystem::path path = isMain ? set : std::filesystem::path(set).replace_extension(ending);
+    std::FILE* const file = std::fopen(path.string().c_str(), "rb");
+    if (!file) return Unreadable(set, ending, std::strerror(errno));
+    std::fclose(file);
   }
   return {};
 }
@@ -63,8 +65,8 @@ std::string ShapeLayer::Load(Progress& progress) {
   const int code = m_file.Read(m_path.c_str(), K7IO::Inst());
   m_file.progress = nullptr;
   const char* const message = K7ErrorString::ErrorString(code);
-  if (code != 0)
-    return "cannot read the shapefile set '" + m_path + "': " + (message ? message : "unknown error");
+  const char* const endings[] = {".shp", ".shp", ".dbf", ".shx"};  // by K7ShpPart
+  if (code != 0) return Unreadable(m_path, endings[m_file.BadFile()], message ? message : "unknown error");
 
   const int featureClass = m_file.FindField("featurecla");
   bool hasPosition = m_file.StoredCount() == 0;

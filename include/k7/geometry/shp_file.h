@@ -15,6 +15,9 @@
 class K7File;
 class K7IO;
 
+/// The files of a set.
+enum K7ShpPart { K7_SHP_NO_FILE, K7_SHP_MAIN_FILE, K7_SHP_ATTR_FILE, K7_SHP_INDEX_FILE };
+
 /// Header of the main file.
 struct K7ShpFileHdr {
   int32_t fileCode;  ///< 9994 in a shapefile; not checked, as version and type are not
@@ -70,10 +73,13 @@ class K7_API K7ShpRecord {
 };
 
 /// A shapefile set: the main file that the caller names, and beside it the ".dbf" attribute table and the
-/// ".shx" index, which must exist but is not read further. `Read` takes all of it into memory; a host that
-/// wants one record at a time calls `ReadHeader`, then `NextRecord` until it answers null. Deleted dBASE
-/// records count like any other; where the attribute table ends early the records that follow have shapes and
-/// no attributes.
+/// ".shx" index, which must exist. `Read` takes all of it into memory; a host that wants one record at a time
+/// calls `ReadHeader`, then `NextRecord` until it answers null. Deleted dBASE records count like any other;
+/// where the attribute table ends early the records that follow have shapes and no attributes.
+///
+/// Records are read one behind the other. Editors leave remains of old records between them: where the
+/// sequence ends before the table's last record, or the main file goes on behind it, `Read` reads the set
+/// once more by the index, if that has as many entries and each leads to a record of the length it states.
 ///
 /// A derived reader converts projected coordinates in `XY2LatLon`, or makes records of its own in
 /// `NextRecord`. Reading is for one thread at a time; what is read any number of threads may use. Not
@@ -95,7 +101,9 @@ class K7_API K7ShpFile {
   ///
   /// 0, the code of `ReadHeader`, K7_ERR_INVALID_DATA for a shape type without a class, null shapes included
   /// unless they are kept, K7_ERR_MEMORY, or K7_ERR_OUT_OF_RANGE for a record that could not be read: the
-  /// main file ends before it or its counts do not fit its bytes.
+  /// main file ends before it or its counts do not fit its bytes; the main file has more records than the
+  /// table; or the table holds a row that it fails to give, and then all records are there, that one without
+  /// attributes.
   virtual int Read(const char* path, K7IO* io);
   /// Records that the attribute table's header states; after a failed `Read` there may be fewer in the reader
   /// (`StoredCount`).
@@ -135,6 +143,9 @@ class K7_API K7ShpFile {
   void KeepNullShapes(bool keep) { m_keepNullShapes = keep; }
   /// Records in memory; `GetRecord` has them at 0 ... `StoredCount` - 1.
   int StoredCount() const { return m_records.Count(); }
+  /// Which file the last `ReadHeader` or `Read`, or a `NextRecord` since then, found missing, damaged or at
+  /// its end. None after success, for null arguments and without memory.
+  K7ShpPart BadFile() const { return m_badFile; }
   /// Closes and deletes the three file objects.
   void Close();
 
@@ -158,6 +169,13 @@ class K7_API K7ShpFile {
   void Clear();
   int OpenFiles(const char* path, K7IO* io);
   int ReadRecords();
+  int ReadInSequence(int& start);
+  int ReadByIndex();
+  int StoreNext(int i);
+  bool IndexLeads(int failed, int start) const;
+  bool MainGoesOn() const;
+  bool TableIsShort() const;
+  void PassRow(int row);
 
   K7ShpFileHdr m_hdr{};
   K7DbfFileHdr m_dbfHdr;
@@ -166,5 +184,6 @@ class K7_API K7ShpFile {
   K7File* m_indexFile = nullptr;
   K7PtrArray m_records;
   bool m_keepNullShapes = false;
+  K7ShpPart m_badFile = K7_SHP_NO_FILE;
   int m_recordError = 0;  // why the last NextRecord answered null; 0 when it was a derived reader's own
 };
