@@ -14,6 +14,8 @@ struct GraticuleStep {
   double lines, ticks;
 };
 GraticuleStep StepFor(LineKind kind, double span);
+/// But for rounding.
+bool IsMultiple(double degrees, double step);
 
 class GraticuleLayer : public Layer {
  public:
