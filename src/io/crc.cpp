@@ -30,6 +30,33 @@ constexpr std::array<uint32_t, 256> MakeTable() {
 
 constexpr std::array<uint32_t, 256> TABLE = MakeTable();
 
+// The index comes from the low byte although the shift goes left: the checksum of all existing companions.
+constexpr uint32_t Step(uint32_t crc, unsigned char byte) { return (crc << 8) ^ TABLE[(byte ^ crc) & 0xFF]; }
+
+// Division leaves a sum of remainders, one for each byte (D. V. Sarwate, "Computation of cyclic redundancy
+// checks via table look-up", CACM 31(8), 1988), so that bytes are looked up side by side: SLICES[k] holds
+// what a byte comes to with 7 - k bytes behind it. The running value's upper three bytes are shifted out by
+// then; its low byte is added to the first byte.
+constexpr int SLICE_COUNT = 8;
+
+constexpr std::array<std::array<uint32_t, 256>, SLICE_COUNT> MakeSlices() {
+  std::array<std::array<uint32_t, 256>, SLICE_COUNT> slices{};
+  slices[SLICE_COUNT - 1] = TABLE;
+  for (size_t k = SLICE_COUNT - 1; k-- > 0;)
+    for (size_t i = 0; i < TABLE.size(); ++i) slices[k][i] = Step(slices[k + 1][i], 0);
+  return slices;
+}
+
+constexpr std::array<std::array<uint32_t, 256>, SLICE_COUNT> SLICES = MakeSlices();
+
+constexpr uint64_t EVERY_BYTE = 0x0101010101010101;
+
+// Nonzero when a byte of `word` is `c` (Henry S. Warren, "Hacker's Delight", 2nd edition, section 6-1).
+constexpr uint64_t HasByte(uint64_t word, unsigned char c) {
+  const uint64_t rest = word ^ (EVERY_BYTE * c);
+  return (rest - EVERY_BYTE) & ~rest & (EVERY_BYTE << 7);
+}
+
 // Null when the file system has no memory or the file does not open.
 std::unique_ptr<K7File> OpenFile(const char* path, const char* mode) {
   K7IO* const io = K7IO::Inst();
@@ -68,12 +95,23 @@ int K7CRC::complement(unsigned* crc) {
 
 unsigned K7CRC::crcData(const unsigned char* data, unsigned n, unsigned crc) {
   if (!data) return 0;
-  for (const unsigned char* const end = data + n; data != end; ++data) {
-    if (*data == '\n' || *data == '\r') continue;
-    // The index comes from the low byte although the shift goes left: the checksum of all existing
-    // companions.
-    crc = (crc << 8) ^ TABLE[*data ^ (crc & 0xFF)];
+  const auto skipped = [](unsigned char c) { return c == '\n' || c == '\r'; };
+  const unsigned char* const end = data + n;
+  while (end - data >= SLICE_COUNT) {
+    uint64_t word;
+    std::memcpy(&word, data, sizeof word);
+    if (HasByte(word, '\n') | HasByte(word, '\r')) {
+      for (int i = 0; i < SLICE_COUNT; ++i, ++data)
+        if (!skipped(*data)) crc = Step(crc, *data);
+      continue;
+    }
+    word ^= crc & 0xFF;
+    crc = 0;
+    for (size_t k = 0; k < SLICE_COUNT; ++k, word >>= 8) crc ^= SLICES[k][word & 0xFF];
+    data += SLICE_COUNT;
   }
+  for (; data != end; ++data)
+    if (!skipped(*data)) crc = Step(crc, *data);
   return crc;
 }
 
@@ -83,8 +121,10 @@ int K7CRC::crcFile(K7File* file, unsigned* crc) {
   if (!chunk) return K7_ERR_MEMORY;
   setSeed(crc);
   int n;
-  while ((n = file->Read(chunk.get(), CHUNK_SIZE)) > 0)
+  while ((n = file->Read(chunk.get(), CHUNK_SIZE)) > 0) {
+    if (n > CHUNK_SIZE) return K7_ERR_FILE_IO;
     *crc = crcData(chunk.get(), static_cast<unsigned>(n), *crc);
+  }
   complement(crc);
   return n;
 }
@@ -94,7 +134,9 @@ int K7CRC::crcFileFromOffset(const char* path, unsigned offset, unsigned* crc) {
   const std::unique_ptr<K7File> file = OpenFile(path, "rb");
   // A larger offset would be a negative position, which means the end of the file.
   if (!file || offset > INT32_MAX || !file->Seek(static_cast<int>(offset))) return K7_ERR_FILE_IO;
-  return crcFile(file.get(), crc);
+  const int err = crcFile(file.get(), crc);
+  // Streams answer a read that failed like one at their end.
+  return err == 0 && k7read::BytesLeft(file.get()) > 0 ? int{K7_ERR_FILE_IO} : err;
 }
 
 int K7CRC::CheckCRC(const char* path, int offset) {

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace {
 
 std::string Numbers(int n) {
@@ -34,6 +36,57 @@ TEST(Crc, Values) {
   EXPECT_EQ(Checksum(io, Numbers(250000)), 0xE51B11FAu);  // three chunks
   EXPECT_EQ(Checksum(io, "line one\nline two\n"), 0x85FDCCEBu);
   EXPECT_EQ(Checksum(io, "line one\r\nline two\r\n"), 0x85FDCCEBu);
+}
+
+// The stated steps, the table's entry divided bit by bit.
+TEST(Crc, EveryLengthStartAndPlaceOfLineEnds) {
+  const auto reference = [](const std::string& data) {
+    uint32_t crc = 0xFFFFFFFF;
+    for (const char c : data) {
+      if (c == '\n' || c == '\r') continue;
+      uint32_t entry = ((static_cast<unsigned char>(c) ^ crc) & 0xFF) << 24;
+      for (int bit = 0; bit < 8; ++bit) entry = (entry << 1) ^ (entry >> 31 ? 0x04C11DB7u : 0);
+      crc = (crc << 8) ^ entry;
+    }
+    return ~crc;
+  };
+  MemIO io;
+  const ScopedIO scope(&io);
+  std::mt19937 random(3);
+  const char bytes[] = {'\n', '\r', 'a', 0, 9, 11, 12, 14, '\x8A', '\x8D', '\xFF'};
+  for (size_t length = 0; length < 60; ++length)
+    for (const size_t kinds : {sizeof bytes, size_t{256}}) {
+      std::string data;
+      while (data.size() < length)
+        data += kinds == 256 ? static_cast<char>(random()) : bytes[random() % sizeof bytes];
+      for (unsigned offset = 0; offset <= std::min<size_t>(length, 9); ++offset)
+        EXPECT_EQ(Checksum(io, data, offset), reference(data.substr(offset))) << length;
+    }
+}
+
+// Serves files whose second read answers `result`.
+struct FlakyIO : MemIO {
+  struct File : MemFile {
+    File(FlakyIO& owner, const char* path) : MemFile(owner.files[path], "rb"), io(owner) {}
+    int Read(void* buf, int n) override { return ++reads == 2 ? io.result : MemFile::Read(buf, n); }
+    FlakyIO& io;
+    int reads = 0;
+  };
+  K7File* CreateFileX(const char* path, const char* mode) override {
+    return mode[0] == 'r' ? new File(*this, path) : MemIO::CreateFileX(path, mode);
+  }
+  int result = 0;
+};
+
+TEST(Crc, ReadsThatFailGiveNoChecksum) {
+  FlakyIO io;
+  const ScopedIO scope(&io);
+  io.Put("data.bin", Numbers(250000));
+  for (const int result : {0, -7, 100001, INT32_MAX}) {
+    io.result = result;
+    EXPECT_EQ(K7CRC::createCRCFile("data.bin"), result < 0 ? result : K7_ERR_FILE_IO) << result;
+    EXPECT_EQ(io.files.count("data.crc"), 0u);
+  }
 }
 
 TEST(Crc, CompanionIsWrittenAndVerified) {

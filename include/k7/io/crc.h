@@ -27,7 +27,8 @@ class K7_API K7CRC {
   static int createCRCFile(const char* path);
   /// Checksum of a file from `offset` to its end; behind the end it is that of no data, 0. 0,
   /// K7_ERR_BAD_ARGUMENT for a null path, K7_ERR_INVALID_DATA for a null `crc`, K7_ERR_FILE_IO when the file
-  /// cannot be opened or no file reaches to `offset`, the file's own negative result, K7_ERR_MEMORY.
+  /// cannot be opened, no file reaches to `offset` or the reading ends before the file does, the file's own
+  /// negative result, K7_ERR_MEMORY.
   static int crcFileFromOffset(const char* path, unsigned offset, unsigned* crc);
 
  protected:
