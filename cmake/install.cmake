@@ -24,10 +24,10 @@ install(FILES
 
 # Who links a static library links what it needs too.
 if(BUILD_SHARED_LIBS)
-  set(K7_PC_REQUIRES Requires.private)
-  set(K7_PC_LIBS "\nLibs.private:")
+  set(K7_PC_LIBS "")
+  set(K7_PC_CFLAGS "")
 else()
-  set(K7_PC_REQUIRES Requires)
+  set(K7_PC_LIBS " -pthread -ldl\nRequires: zlib")
   set(K7_PC_CFLAGS " -DK7_STATIC")
 endif()
 # The .pc file finds its prefix from where it lies, so that an installation can be moved.

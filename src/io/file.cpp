@@ -3,11 +3,11 @@
 #include <k7/foundation/error_string.h>
 #include <k7/io/io.h>
 
+#include "foundation/forever.h"
 #include "io/os.h"
 
 #include <algorithm>
 #include <bit>
-#include <cstdio>
 
 // Files are little-endian, and fields are read straight into memory.
 static_assert(std::endian::native == std::endian::little);
@@ -40,9 +40,7 @@ void K7File::ByteSwap32(void* p) { ReverseBytes(p, 4); }
 void K7File::ByteSwap64(void* p) { ReverseBytes(p, 8); }
 
 bool K7File::FilePathExists(const char* path) {
-  static K7Mutex mutex;
-  const K7LockGuard lock(mutex);
-  std::FILE* const stream = k7os::OpenStream(path, "rb");
-  if (stream) std::fclose(stream);
-  return stream != nullptr;
+  static K7Forever<K7Mutex> mutex;
+  const K7LockGuard lock(*mutex);
+  return k7os::IsReadable(path);
 }

@@ -2,14 +2,16 @@
 
 #include <k7/io/io_native.h>
 
+#include "foundation/forever.h"
+
 #include <new>
 
 namespace {
 
 // Guards the instance pointer. A function's static, so that it stands before any host's own statics use it.
 K7Mutex& InstanceMutex() {
-  static K7Mutex mutex;
-  return mutex;
+  static K7Forever<K7Mutex> mutex;
+  return *mutex;
 }
 
 }  // namespace

@@ -10,6 +10,33 @@
 #include <cstring>
 #include <new>
 
+namespace {
+
+bool IsSeparator(char c) { return c == '/' || c == '\\'; }
+
+// Whether `path` is `folder` or lies below it; both as the system spells them.
+bool IsWithin(const K7String& path, const K7String& folder) {
+  const int n = folder.Len();
+  if (n == 0 || path.Len() < n || std::strncmp(path, folder, static_cast<size_t>(n)) != 0) return false;
+  return path.Len() == n || IsSeparator(folder[n - 1]) || IsSeparator(path[n]);
+}
+
+// A link to a folder in which it lies, be it by a folder that its path names or by where that really is: what
+// is behind it has been listed. True also when memory is short.
+bool LeadsUp(const K7String& link) {
+  if (!k7os::IsLink(link)) return false;
+  K7String target, folder, real;
+  if (!k7os::FollowLinks(link, target)) return true;
+  for (int i = link.Len() - 1; i >= 0; --i) {
+    if (!IsSeparator(link[i])) continue;
+    if (folder.Copy(link, i > 0 ? i : 1) <= 0 || !k7os::FollowLinks(folder, real) || IsWithin(real, target))
+      return true;
+  }
+  return !IsSeparator(link[0]) && (!k7os::FollowLinks(".", real) || IsWithin(real, target));
+}
+
+}  // namespace
+
 K7FileK7::K7FileK7(const char* path, const char* mode) {
   if (path && mode) K7FileK7::Open(path, mode);
 }
@@ -119,13 +146,15 @@ void K7IOK7::FindDirsRecur(const char* dir, K7StrArray& out, int depth) {
   static const int MAX_DEPTH = 10;
   if (!dir || depth > MAX_DEPTH) return;
   K7StrArray names;
-  FindDirs(K7String(dir) + "*", names);
+  K7String path;
+  // Cut short by a lack of memory, a path would be that of another folder.
+  if (path.Create(dir) < 0 || (path += '*')) return;
+  FindDirs(path, names);
   for (int i = 0; i < names.Count(); ++i) {
-    const K7FmtString folder("%s%s", dir, names[i]);
-    const K7String path = folder + '\\';
-    if (out += path) return;
-    // A link may lead back up: a few of them would list the tree over and over, level by level.
-    if (!k7os::IsLink(folder)) FindDirsRecur(path, out, depth + 1);
+    if (path.Create(dir) < 0 || (path += names[i])) return;
+    const bool leadsUp = LeadsUp(path);
+    if ((path += '\\') || (out += path)) return;
+    if (!leadsUp) FindDirsRecur(path, out, depth + 1);
   }
 }
 
@@ -174,7 +203,9 @@ void K7IOK7::UnLoadLibrary(void* module) {
 int K7IOK7::RetrieveRVXVersionString(const char* dir) {
   K7IO* const io = Inst();
   if (!io) return K7_ERR_INVALID_DATA;
-  K7File* const file = io->CreateFileX(K7String(dir) + "RVX.version", "r");
+  K7String path;
+  if (path.Create(dir) < 0 || (path += "RVX.version")) return K7_ERR_MEMORY;
+  K7File* const file = io->CreateFileX(path, "r");
   const bool read = file && file->IsValid() && file->ReadLine(m_version, sizeof m_version);
   delete file;
   return read ? 0 : K7_ERR_INVALID_DATA;

@@ -1,8 +1,13 @@
 #include "io/os.h"
 
 #include <k7/foundation/array.h>
+#include <k7/foundation/log.h>
+#include <k7/foundation/mutex.h>
 #include <k7/foundation/string.h>
 
+#include "foundation/forever.h"
+
+#define CURL_DISABLE_TYPECHECK
 #include <curl/curl.h>
 
 #include <dirent.h>
@@ -14,6 +19,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -86,6 +92,64 @@ size_t Deliver(char* data, size_t size, size_t count, void* sink) {
   return target.deliver(target.context, data, size * count) ? size * count : 0;
 }
 
+#ifdef __APPLE__
+constexpr char CURL_LIBRARY[] = "libcurl.4.dylib";
+#else
+constexpr char CURL_LIBRARY[] = "libcurl.so.4";
+#endif
+
+// The functions of libcurl. It brings thirty libraries with it, whose loading takes longer than most programs
+// that never download anything: so it comes with the first download, and then stays.
+struct Curl {
+  decltype(&curl_global_init) Start;
+  decltype(&curl_easy_init) Open;
+  decltype(&curl_easy_cleanup) Close;
+  decltype(&curl_easy_reset) Reset;
+  decltype(&curl_easy_setopt) SetOption;
+  decltype(&curl_easy_perform) Perform;
+  decltype(&curl_slist_append) AppendHeader;
+  decltype(&curl_slist_free_all) FreeHeaders;
+  bool isReady = false;
+
+  // What fails is tried again by the next download.
+  bool Load() {
+    void* const library = isReady ? nullptr : k7os::OpenLibrary(CURL_LIBRARY);
+    if (library)
+      isReady = Find(library, "curl_global_init", Start) && Find(library, "curl_easy_init", Open) &&
+                Find(library, "curl_easy_cleanup", Close) && Find(library, "curl_easy_reset", Reset) &&
+                Find(library, "curl_easy_setopt", SetOption) && Find(library, "curl_easy_perform", Perform) &&
+                Find(library, "curl_slist_append", AppendHeader) &&
+                Find(library, "curl_slist_free_all", FreeHeaders) && Start(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+    if (!isReady) K7Log::LogMessage(K7_LOG_WARNING, "no downloads without %s", CURL_LIBRARY);
+    return isReady;
+  }
+  template <class Function>
+  static bool Find(void* library, const char* name, Function& function) {
+    function = reinterpret_cast<Function>(k7os::FindSymbol(library, name));
+    return function != nullptr;
+  }
+};
+
+// Null when the library is not there.
+const Curl* LoadCurl() {
+  static K7Forever<K7Mutex> mutex;
+  static K7Forever<Curl> curl;
+  const K7LockGuard lock(*mutex);
+  return (*curl).Load() ? &*curl : nullptr;
+}
+
+// What downloads one after the other share.
+struct Internet {
+  const Curl* curl = nullptr;
+  CURL* session = nullptr;
+
+  bool Open() {
+    if (!curl) curl = LoadCurl();
+    if (curl && !session) session = curl->Open();
+    return session != nullptr;
+  }
+};
+
 }  // namespace
 
 int k7os::FormatC(char* dst, size_t size, const char* fmt, va_list args) {
@@ -143,26 +207,50 @@ std::FILE* k7os::OpenStream(const char* path, const char* mode) {
   return nullptr;
 }
 
+bool k7os::IsReadable(const char* path) {
+  const NativePath native(path);
+  struct stat info;
+  if (!native.Text() || stat(native.Text(), &info) != 0 || S_ISDIR(info.st_mode)) return false;
+  if (S_ISFIFO(info.st_mode)) return faccessat(AT_FDCWD, native.Text(), R_OK, AT_EACCESS) == 0;
+  const int file = open(native.Text(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (file >= 0) close(file);
+  return file >= 0;
+}
+
 bool k7os::IsLink(const char* path) {
   const NativePath native(path);
   struct stat info;
-  return native.Text() && lstat(native.Text(), &info) == 0 && S_ISLNK(info.st_mode);
+  return !native.Text() || (lstat(native.Text(), &info) == 0 && S_ISLNK(info.st_mode));
 }
 
 bool k7os::DeleteFile(const char* path) { return unlink(path) == 0; }
 
 bool k7os::FollowLinks(const char* path, K7String& target) {
+  static const int MAX_LINKS = 40;
   const NativePath native(path);
-  char* const real = native.Text() ? realpath(native.Text(), nullptr) : nullptr;
-  const bool made = target.Create(real ? real : path) >= 0;
-  std::free(real);
+  if (!native.Text()) return false;
+  if (char* const real = realpath(native.Text(), nullptr)) {
+    const bool made = target.Create(real) >= 0;
+    std::free(real);
+    return made;
+  }
+  // A link to what is not there yet is followed by hand.
+  bool made = target.Create(native.Text()) >= 0;
+  char next[4096];
+  ssize_t n;
+  for (int i = 0; made && i < MAX_LINKS && (n = readlink(target, next, sizeof next - 1)) > 0; ++i) {
+    next[n] = 0;
+    const int slash = next[0] == '/' ? -1 : target.ReverseFind('/');
+    K7String folder;
+    made = folder.Copy(target, slash + 1) >= 0 && (folder += next) == 0 && target.Create(folder) >= 0;
+  }
   return made;
 }
 
 bool k7os::ReplaceFile(const char* from, const char* to) {
   struct stat info;
   const bool exists = stat(to, &info) == 0;
-  if (exists && !S_ISREG(info.st_mode)) return false;
+  if (exists && (!S_ISREG(info.st_mode) || faccessat(AT_FDCWD, to, W_OK, AT_EACCESS) != 0)) return false;
   const int file = open(from, O_RDONLY | O_CLOEXEC);
   if (file < 0) return false;
   // Best effort: not every file system knows permissions.
@@ -178,41 +266,39 @@ void* k7os::FindSymbol(void* module, const char* name) { return dlsym(module, na
 
 void k7os::CloseLibrary(void* module) { dlclose(module); }
 
-void* k7os::OpenInternet() {
-  // The library's own set-up is counted and thread-safe, so that each handle may ask for it.
-  if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) return nullptr;
-  return curl_easy_init();
-}
+void* k7os::OpenInternet() { return new (std::nothrow) Internet; }
 
 void k7os::CloseInternet(void* internet) {
-  if (!internet) return;
-  curl_easy_cleanup(internet);
-  curl_global_cleanup();
+  Internet* const handle = static_cast<Internet*>(internet);
+  if (handle && handle->session) handle->curl->Close(handle->session);
+  delete handle;
 }
 
 bool k7os::FetchURL(void* internet, const char* url, FetchSink sink, void* context) {
-  if (!internet) return false;
+  Internet* const handle = static_cast<Internet*>(internet);
+  if (!handle || !handle->Open()) return false;
+  const Curl& curl = *handle->curl;
   Sink target{sink, context};
   static const long CONNECT_SECONDS = 30;
   static const long STALLED_SECONDS = 60;
-  curl_easy_reset(internet);
-  curl_easy_setopt(internet, CURLOPT_URL, url);
-  curl_easy_setopt(internet, CURLOPT_PROTOCOLS_STR, "http,https,ftp");
-  curl_easy_setopt(internet, CURLOPT_REDIR_PROTOCOLS_STR, "http,https,ftp");
-  curl_easy_setopt(internet, CURLOPT_PROXY, "");
-  curl_easy_setopt(internet, CURLOPT_FOLLOWLOCATION, 1L);
-  curl_easy_setopt(internet, CURLOPT_MAXREDIRS, 10L);
-  curl_easy_setopt(internet, CURLOPT_NOSIGNAL, 1L);
-  curl_easy_setopt(internet, CURLOPT_CONNECTTIMEOUT, CONNECT_SECONDS);
-  curl_easy_setopt(internet, CURLOPT_LOW_SPEED_LIMIT, 1L);
-  curl_easy_setopt(internet, CURLOPT_LOW_SPEED_TIME, STALLED_SECONDS);
-  curl_easy_setopt(internet, CURLOPT_BUFFERSIZE, 8192L);
-  curl_easy_setopt(internet, CURLOPT_WRITEFUNCTION, Deliver);
-  curl_easy_setopt(internet, CURLOPT_WRITEDATA, &target);
+  curl.Reset(handle->session);
+  curl.SetOption(handle->session, CURLOPT_URL, url);
+  curl.SetOption(handle->session, CURLOPT_PROTOCOLS_STR, "http,https,ftp");
+  curl.SetOption(handle->session, CURLOPT_REDIR_PROTOCOLS_STR, "http,https,ftp");
+  curl.SetOption(handle->session, CURLOPT_PROXY, "");
+  curl.SetOption(handle->session, CURLOPT_FOLLOWLOCATION, 1L);
+  curl.SetOption(handle->session, CURLOPT_MAXREDIRS, 10L);
+  curl.SetOption(handle->session, CURLOPT_NOSIGNAL, 1L);
+  curl.SetOption(handle->session, CURLOPT_CONNECTTIMEOUT, CONNECT_SECONDS);
+  curl.SetOption(handle->session, CURLOPT_LOW_SPEED_LIMIT, 1L);
+  curl.SetOption(handle->session, CURLOPT_LOW_SPEED_TIME, STALLED_SECONDS);
+  curl.SetOption(handle->session, CURLOPT_BUFFERSIZE, 8192L);
+  curl.SetOption(handle->session, CURLOPT_WRITEFUNCTION, Deliver);
+  curl.SetOption(handle->session, CURLOPT_WRITEDATA, &target);
 
-  curl_slist* const reload = curl_slist_append(nullptr, "Cache-Control: no-cache");
-  curl_easy_setopt(internet, CURLOPT_HTTPHEADER, reload);
-  const CURLcode result = curl_easy_perform(internet);
-  curl_slist_free_all(reload);
+  curl_slist* const reload = curl.AppendHeader(nullptr, "Cache-Control: no-cache");
+  curl.SetOption(handle->session, CURLOPT_HTTPHEADER, reload);
+  const CURLcode result = curl.Perform(handle->session);
+  curl.FreeHeaders(reload);
   return result == CURLE_OK;
 }

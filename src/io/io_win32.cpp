@@ -88,6 +88,12 @@ std::FILE* k7os::OpenStream(const char* path, const char* mode) {
   return path ? std::fopen(path, mode) : nullptr;
 }
 
+bool k7os::IsReadable(const char* path) {
+  std::FILE* const stream = OpenStream(path, "rb");
+  if (stream) std::fclose(stream);
+  return stream != nullptr;
+}
+
 bool k7os::IsLink(const char* path) {
   const DWORD attributes = GetFileAttributesA(path);
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
@@ -95,7 +101,14 @@ bool k7os::IsLink(const char* path) {
 
 bool k7os::DeleteFile(const char* path) { return DeleteFileA(path) != 0; }
 
-bool k7os::FollowLinks(const char* path, K7String& target) { return target.Create(path) >= 0; }
+bool k7os::FollowLinks(const char* path, K7String& target) {
+  const HANDLE file = CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  char real[4096];
+  const DWORD n = file == INVALID_HANDLE_VALUE ? 0 : GetFinalPathNameByHandleA(file, real, sizeof real, 0);
+  if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
+  return target.Create(n > 0 && n < sizeof real ? real : path) >= 0;
+}
 
 bool k7os::ReplaceFile(const char* from, const char* to) {
   const HANDLE file =

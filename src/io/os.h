@@ -42,13 +42,18 @@ class NativePath {
 
 /// `fopen`, null also for a directory, which opens for reading on some systems but holds no bytes.
 std::FILE* OpenStream(const char* path, const char* mode);
-/// A symbolic link or junction, whatever it leads to; `path` without a separator at its end.
+/// `path` is no directory and may be opened for reading; a pipe is not waited for.
+bool IsReadable(const char* path);
+/// A symbolic link or junction, whatever it leads to; `path` without a separator at its end. True without
+/// memory.
 bool IsLink(const char* path);
 bool DeleteFile(const char* path);
-/// The file that `path` leads to through links, the path itself where there is none. False without memory.
+/// The file that `path` leads to through links, be it there or yet to be made; the path itself where there is
+/// no link. False without memory.
 bool FollowLinks(const char* path, K7String& target);
 /// Puts a whole file into the place of another of the same file system in one step, once its bytes are on the
-/// disk. The permissions of `to` stay on POSIX; a link there does not. What is no file is not replaced.
+/// disk. The permissions of `to` stay on POSIX; a link there does not. What is no file, or may not be
+/// written, is not replaced.
 bool ReplaceFile(const char* from, const char* to);
 
 void* OpenLibrary(const char* file);
@@ -58,7 +63,8 @@ void CloseLibrary(void* module);
 /// Receives a chunk of a download; false ends the transfer.
 using FetchSink = bool (*)(void* context, const void* data, size_t size);
 
-/// The handle that downloads go through; may be null, and then `FetchURL` fails.
+/// The handle that downloads go through; may be null, and then `FetchURL` fails. On POSIX, libcurl is loaded
+/// by the first download: where it is missing, each fails and says so in the log.
 void* OpenInternet();
 void CloseInternet(void* internet);
 /// Downloads `url` past all caches. True when the whole body has been delivered.

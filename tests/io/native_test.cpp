@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -36,6 +39,23 @@ std::vector<std::string> Texts(const K7StrArray& names) {
 }
 
 using Names = std::vector<std::string>;
+
+// Root may read and write everything: for a while this process is somebody else, to whom `dir` is open and
+// `file` belongs.
+class Nobody {
+ public:
+  explicit Nobody(const TempDir& dir, const char* file = nullptr) {
+    if (!Changed()) return;
+    std::filesystem::permissions(dir.Path(), std::filesystem::perms::all);
+    const bool given = !file || chown((dir / file).c_str(), USER, USER) == 0;
+    EXPECT_TRUE(given && seteuid(USER) == 0);
+  }
+  ~Nobody() { EXPECT_TRUE(!Changed() || seteuid(0) == 0); }
+  static bool Changed() { return getuid() == 0; }
+
+ private:
+  static constexpr uid_t USER = 65534;
+};
 
 class NativeIO : public testing::Test {
  protected:
@@ -106,10 +126,31 @@ TEST_F(NativeIO, FilePathExistsTakesReadableFilesOnly) {
   EXPECT_FALSE(K7File::FilePathExists(dir.Path().c_str()));
   EXPECT_FALSE(OpenFile(dir.Path(), "rb")->IsValid()) << "else its checksum would be that of an empty file";
   EXPECT_FALSE(K7File::FilePathExists(nullptr));
-  if (geteuid() != 0) {
-    std::filesystem::permissions(path, std::filesystem::perms::none);
-    EXPECT_FALSE(K7File::FilePathExists(path.c_str()));
-  }
+  std::filesystem::permissions(path, std::filesystem::perms::none);
+  ASSERT_EQ(mkfifo((dir / "pipe").c_str(), 0600), 0);
+  EXPECT_TRUE(K7File::FilePathExists((dir / "pipe").c_str())) << "and no wait for a writer";
+  const Nobody nobody(dir);
+  EXPECT_FALSE(K7File::FilePathExists(path.c_str()));
+  EXPECT_EQ(K7File::FilePathExists((dir / "pipe").c_str()), !nobody.Changed());
+}
+
+TEST_F(NativeIO, TreesAreWrittenThroughLinksAndNotOverReadOnlyFiles) {
+  K7XmlElem tree;
+  ASSERT_NE(tree.Parse("<new/>", nullptr), nullptr);
+  // A chain of links, the last to a file that is not there yet.
+  std::filesystem::create_directory(dir / "sub");
+  std::filesystem::create_symlink("sub/second", dir / "first");
+  std::filesystem::create_symlink("target.xml", dir / "sub/second");
+  EXPECT_EQ(tree.WriteFile((dir / "first").c_str()), 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(dir / "first"));
+  EXPECT_TRUE(std::filesystem::is_symlink(dir / "sub/second"));
+  EXPECT_NE(GetFile(dir / "sub/target.xml").find("<new"), std::string::npos);
+
+  PutFile(dir / "kept.xml", "kept");
+  const Nobody nobody(dir, "kept.xml");
+  std::filesystem::permissions(dir / "kept.xml", std::filesystem::perms::owner_read);
+  EXPECT_EQ(tree.WriteFile((dir / "kept.xml").c_str()), K7_ERR_FILE_IO);
+  EXPECT_EQ(GetFile(dir / "kept.xml"), "kept");
 }
 
 TEST_F(NativeIO, PatternsMatchTheLastComponentWithoutRegardToCase) {
@@ -145,11 +186,23 @@ TEST_F(NativeIO, DirectoriesAreListedInPreOrderElevenLevelsDeep) {
   std::filesystem::create_directories(deep);
   std::filesystem::create_directories(dir / "d1/a");
   std::filesystem::create_directory_symlink("..", dir / "d1/a/up");  // not followed: it would never end
+  TempDir elsewhere;
+  std::filesystem::create_directories(elsewhere / "x/y");
+  std::filesystem::create_directory_symlink(elsewhere / "x", dir / "d1/b");
+  std::filesystem::create_directory_symlink(dir / "d1", elsewhere / "x/back");          // above by its name
+  std::filesystem::create_directory_symlink(elsewhere.Path(), elsewhere / "x/y/real");  // above where it lies
+  std::filesystem::create_directory_symlink("d1/a", dir / "a_too");                     // a neighbour
 
   K7StrArray out;
   const std::string top = dir.Path() + "\\";
   io.FindDirsRecur(top.c_str(), out, 0);
-  Names expected = {top + "d1\\", top + "d1\\a\\", top + "d1\\a\\up\\"};
+  Names expected;
+  for (const char* path : {"a_too/", "a_too/up/", "d1/", "d1/a/", "d1/a/up/", "d1/b/", "d1/b/back/",
+                           "d1/b/y/", "d1/b/y/real/"}) {
+    expected.push_back(top + path);
+    std::replace(expected.back().begin() + static_cast<std::ptrdiff_t>(top.size()), expected.back().end(),
+                 '/', '\\');
+  }
   std::string path = top + "d1\\";
   for (int level = 2; level <= 11; ++level) expected.push_back(path += "d" + std::to_string(level) + "\\");
   EXPECT_EQ(Texts(out), expected);
@@ -228,6 +281,27 @@ TEST_F(NativeIO, InstanceIsMadeOnFirstUseAndReplaceable) {
   K7IO::SetInst(&io);
   EXPECT_EQ(K7IO::Inst(), &io);
   K7IO::SetInst(first);
+}
+
+// A host's own functions that run at the end of the process, registered before the library is first used, run
+// after what the library would have destroyed.
+void UseTheLibraryAtExit() {
+  K7IO* const first = K7IO::Inst();
+  const bool found = K7File::FilePathExists("/dev/null");
+  K7IO::Destroy();
+  if (!first || !found || !K7IO::Inst()) _exit(1);
+}
+
+TEST(NativeIODeathTest, ServesUntilTheProcessEnds) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process of its own
+  EXPECT_EXIT(
+      {
+        alarm(20);
+        std::atexit(UseTheLibraryAtExit);
+        UseTheLibraryAtExit();
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 TEST_F(NativeIO, ThreadsShareOneFile) {

@@ -49,7 +49,8 @@ class K7_API K7File {
   static void ByteSwap16(void* p);
   static void ByteSwap32(void* p);
   static void ByteSwap64(void* p);
-  /// True when `path` can be opened for binary reading; false for directories.
+  /// True when `path` can be opened for binary reading; false for directories. Never waits: a pipe counts by
+  /// its permissions.
   static bool FilePathExists(const char* path);
 
  protected:

@@ -50,15 +50,17 @@ class K7_API K7IOK7 : public K7IO {
   /// Appends bare names, "." and ".." left out.
   void FindDirs(const char* pattern, K7StrArray& out) override;
   /// Appends full paths in pre-order, each ending in a backslash, down to 11 levels counted from depth 0.
-  /// `dir` ends with a separator. A link to a directory is listed, but not what lies behind it.
+  /// `dir` ends with a separator. Directories behind links are searched like others, save a link that leads
+  /// to a directory above itself, which is listed only.
   void FindDirsRecur(const char* dir, K7StrArray& out, int depth) override;
   bool DeleteFileX(const char* path) override;
   /// http, https and ftp, never from a cache; a server's error page is saved like any body. A transfer that
-  /// breaks off returns false and leaves no file.
+  /// breaks off returns false and leaves no file. Other systems than Windows need libcurl, which the first
+  /// download loads; without it this is false and the log has a warning.
   bool ReadURL(const char* url, const char* localPath) override;
   void* LoadLibraryX(const char* file) override;
   void* GetSymbol(void* module, const char* name) override;
-  /// 0, or K7_ERR_INVALID_DATA when the file cannot be opened or is empty.
+  /// 0, K7_ERR_INVALID_DATA when the file cannot be opened or is empty, K7_ERR_MEMORY.
   int RetrieveRVXVersionString(const char* dir) override;
   int GetRVXVersionString(char* dst, int len) override;
   void UnLoadLibrary(void* module) override;
