@@ -8,6 +8,9 @@ namespace {
 
 K7ECEF UnitVector(const K7LatLon& p) { return k7geo::UnitVector(p.Lat(), p.Lon()); }
 
+// East and north components of `to` in the local frame of `from`, whose quotient is the tangent of the course
+// (Snyder, equation 5-4b). K7ECEF states the same course in another order of operations: the two differ in
+// the last digits.
 double InitialCourse(const K7LatLon& from, const K7LatLon& to) {
   const K7ECEF p = UnitVector(from);
   const K7ECEF q = UnitVector(to);

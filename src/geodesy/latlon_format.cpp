@@ -105,7 +105,12 @@ char* WriteWhole(char* out, const Conversion& c, int value) {
              static_cast<int>(std::to_chars(digits, digits + sizeof digits, value).ptr - digits));
 }
 
-// One coordinate, split as the fields of a template print it.
+// One coordinate, split as the fields of a template print it, in passes of a fixed order. Construction splits
+// the value: degrees, minutes and seconds, each whole and decimal, and rounds the whole seconds only.
+// `Survey` reads the template: which fields it prints decides what is rounded, and decimal minutes and
+// seconds are tried in their own width and precision, since 59.96 prints as 60 in one and not in another.
+// `Settle` rounds and carries from the seconds up, so that a carry meets no field that is settled already.
+// `Write` copies the template and puts the fields in.
 class Fields {
  public:
   Fields(double coordinate, char hemisphere)

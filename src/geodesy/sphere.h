@@ -21,7 +21,9 @@ inline K7ECEF UnitVector(double lat, double lon) {
 /// that.
 inline double Latitude(double z) { return std::asin(std::clamp(z, -1.0, 1.0)) * K7_RAD_TO_DEG; }
 
-/// Angle between unit vectors, radians.
+/// Angle between unit vectors, radians: of their product P . Q = cos and |P x Q| = sin the one that changes
+/// faster with the angle, so that neither short nor nearly antipodal ways lose digits, as the
+/// cosine alone (Snyder, equation 5-3) makes them.
 inline double Angle(const K7ECEF& p, const K7ECEF& q) {
   const double k = p.DotProduct(q);
   if (std::fabs(k) < K7_SMALL_ANGLE_COS) return std::acos(k);
@@ -71,6 +73,8 @@ struct LocalFrame {
   double z;  // sine of the latitude
 };
 
+/// In the start's local frame, the point at the arc delta = distance / radius in the direction of the course
+/// is (sin course sin delta, cos course sin delta, cos delta): Snyder's equations 5-5 and 5-6 as a vector.
 inline K7ECEF EndPoint(const K7ECEF& start, double course, double distance) {
   const double delta = distance / K7_EARTH_RADIUS_NM;
   const double psi = (90 - course) * K7_DEG_TO_RAD;

@@ -27,6 +27,8 @@ void LookAt(K7Grfx& g, const K7ECEF& eye, const K7ECEF& centre, const K7ECEF& up
 }
 
 // Depth value, [0, 1] between the clip distances, of what lies `distance` in front of a perspective camera.
+// The volume's matrix takes it to ((f + n) - 2 f n / distance) / (f - n) within [-1, 1] (OpenGL 2.1,
+// section 2.11.2, the third row of Frustum), and the depth range to half of that and a half (section 2.11.1).
 double PerspectiveDepth(double distance, double nearClip, double farClip) {
   return ((farClip + nearClip) - 2 * farClip * nearClip / distance) / ((farClip - nearClip) * 2) + 0.5;
 }
@@ -55,6 +57,8 @@ bool K7AzimuthalProjection::World2LatLon(double x, double y, double z, double& l
   return true;
 }
 
+// East is the derivative of the unit vector by the longitude; it has length 1 at the poles too, where the
+// longitude decides which way is up.
 bool K7AzimuthalProjection::CenterOn(K7Grfx* g, double lat, double lon) const {
   double x, y, z;
   if (!g || !LatLon2World(lat, lon, x, y, z)) return false;
@@ -81,6 +85,9 @@ K7Projection* K7OrthographicProjection::Clone(int* error) const {
 
 const char* K7OrthographicProjection::Name() const { return "Orthographic"; }
 
+// Half the window's width is the globe's radius: rho = sin c for the arc c from the centre (Snyder, equation
+// 20-19), so the surface lies at d - cos c = d - sqrt(1 - rho^2) along the camera's axis. Parallel depth is
+// linear in that.
 bool K7OrthographicProjection::Device2World(double dx, double dy, K7Grfx* g, int width, int height, double& x,
                                             double& y, double& z) const {
   if (!g) return false;
@@ -107,6 +114,9 @@ K7Projection* K7StereographicProjection::Clone(int* error) const {
 
 const char* K7StereographicProjection::Name() const { return "Stereographic"; }
 
+// Half the window's width spans far / near = 2 on the far plane, which touches the globe at the centre: rho
+// is half of the distance there, the tangent of the angle at the eye. On the globe the eye sees half the arc:
+// c = 2 atan(rho) (Snyder, equation 21-15), and the surface lies at 1 + cos c along the axis.
 bool K7StereographicProjection::Device2World(double dx, double dy, K7Grfx* g, int width, int height,
                                              double& x, double& y, double& z) const {
   if (!g) return false;
@@ -126,6 +136,9 @@ K7Projection* K7GnomonicProjection::Clone(int* error) const {
 
 const char* K7GnomonicProjection::Name() const { return "Gnomonic"; }
 
+// From the earth's centre the angle at the eye is the arc: c = atan(rho), where rho is the distance on the
+// plane that touches the globe (Snyder, equation 22-16), and the surface lies at cos c along the axis. Here
+// rho is the distance on the far plane, 1.1 times that: away from the centre c comes out too large.
 bool K7GnomonicProjection::Device2World(double dx, double dy, K7Grfx* g, int width, int height, double& x,
                                         double& y, double& z) const {
   if (!g) return false;
@@ -201,6 +214,10 @@ double K7PerspectiveProjection::ParamValue(int index) const {
   }
 }
 
+// An eye at m sees the globe under the angle e from its axis at the distance t with t^2 - 2 m cos(e) t + m^2
+// - 1 = 0 (law of cosines; Snyder, chapter 23, has the same view as a plane's coordinates): the nearer root,
+// t cos(e) along the axis. tan(e) is taken as if half the window's width spanned far / near = (m + 1) / m at
+// distance 1.
 bool K7PerspectiveProjection::Device2World(double dx, double dy, K7Grfx* g, int width, int height, double& x,
                                            double& y, double& z) const {
   if (!g) return false;
@@ -261,6 +278,9 @@ double K7PerspectiveProjection::ScaleError(double, double) const {
   return ratio * ratio;
 }
 
+// Along a line of sight tilted from straight down, the ground below the eye lies at (m - 1) cos(tilt). The
+// horizon is sqrt(m^2 - 1) away, asin(1 / m) from straight down: the right triangle of eye, horizon and
+// earth's centre.
 void K7PerspectiveProjection::SetClipPlanes() {
   const double m = m_eyeDistance;
   const double tilt = m_pitch + 90.0;

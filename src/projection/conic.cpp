@@ -48,6 +48,7 @@ void K7ConicProjection::SetParallel(int index, double degrees) {
 double K7ConicProjection::Lambda2Theta(double lambda) const { return m_n * WrapOnce(lambda - m_lambda0); }
 double K7ConicProjection::Theta2Lambda(double theta) const { return WrapOnce(theta / m_n + m_lambda0); }
 
+// Polar coordinates about the apex (Snyder, equations 14-1, 14-2 and 14-4), the origin latitude at y = 0.
 bool K7ConicProjection::LatLon2World(double lat, double lon, double& x, double& y, double& z) const {
   const double rho = Lat2Rho(lat * K7_DEG_TO_RAD);
   const double theta = Lambda2Theta(lon * K7_DEG_TO_RAD);
@@ -57,6 +58,8 @@ bool K7ConicProjection::LatLon2World(double lat, double lon, double& x, double& 
   return true;
 }
 
+// Snyder, equations 14-9 to 14-11. The radius has the cone constant's sign: a southern cone opens upwards,
+// and both arguments of the arc tangent change theirs.
 bool K7ConicProjection::World2LatLon(double x, double y, double, double& lat, double& lon) const {
   const double sign = m_n > 0 ? 1.0 : -1.0;
   const double fromApex = m_rho0 - y;
@@ -106,6 +109,9 @@ void K7LambertProjection::ParamValue(int index, double value) {
   ComputeCone();
 }
 
+// Both standard parallels keep their length: n rho = cos(phi) at each gives n and F (Snyder, equations 15-3
+// and 15-2; on the ellipsoid, with m for the cosine and t for the tangent of half the colatitude, 15-8 and
+// 15-10).
 void K7LambertProjection::ComputeCone() {
   if (m_ellipsoidal) {
     m_n = (std::log(m(m_phi1)) - std::log(m(m_phi2))) / (std::log(t(m_phi1)) - std::log(t(m_phi2)));
@@ -118,11 +124,14 @@ void K7LambertProjection::ComputeCone() {
   m_rho0 = K7LambertProjection::Lat2Rho(m_phi0);
 }
 
+// Snyder, equations 15-1 and 15-7.
 double K7LambertProjection::Lat2Rho(double phi) const {
   if (m_ellipsoidal) return m_scale * std::pow(t(phi), m_n);
   return m_scale / std::pow(std::tan(K7_PI / 4 + phi / 2), m_n);
 }
 
+// Snyder, equation 15-5. On the ellipsoid the conformal latitude chi comes first (15-11 and 7-13), then the
+// series 3-5, nested as 3-35 has it.
 double K7LambertProjection::Rho2Lat(double rho) const {
   if (!m_ellipsoidal) return 2 * std::atan(std::pow(m_scale / rho, 1 / m_n)) - K7_PI / 2;
   const double chi = K7_PI / 2 - 2 * std::atan(std::pow(rho / m_scale, 1 / m_n));
@@ -131,6 +140,9 @@ double K7LambertProjection::Rho2Lat(double rho) const {
   return chi + std::sin(2 * chi) * (((c[3] * cos2 + c[2]) * cos2 + c[1]) * cos2 + c[0]);
 }
 
+// The series 3-5 is a sin 2chi + b sin 4chi + c sin 6chi + d sin 8chi. With sin 4chi = 2 sin 2chi cos 2chi
+// and so on it becomes sin 2chi times a polynomial of cos 2chi with the coefficients a - c, 2b - 4d, 4c, 8d
+// (equations 3-34 and 3-35).
 void K7LambertProjection::UseEllipEqs(double a, double b) {
   m_ellipsoidal = true;
   m_e = std::sqrt(1 - b * b / (a * a));
@@ -177,6 +189,8 @@ void K7AlbersProjection::ParamValue(int index, double value) {
   ComputeCone();
 }
 
+// Equal areas: n rho d(rho) = -cos(phi) d(phi), so (n rho)^2 = C - 2 n sin(phi); true lengths at both
+// standard parallels give n and C (Snyder, equations 14-6 and 14-5).
 void K7AlbersProjection::ComputeCone() {
   const double sin1 = std::sin(m_phi1);
   const double cos1 = std::cos(m_phi1);
@@ -185,12 +199,14 @@ void K7AlbersProjection::ComputeCone() {
   m_rho0 = K7AlbersProjection::Lat2Rho(m_phi0);
 }
 
+// Snyder, equation 14-3.
 double K7AlbersProjection::Lat2Rho(double phi) const {
   // Never below 0 but by rounding: at a pole that is a standard parallel.
   const double square = m_scale - 2 * m_n * std::sin(phi);
   return std::sqrt(std::max(square, 0.0)) / m_n;
 }
 
+// Snyder, equation 14-8.
 double K7AlbersProjection::Rho2Lat(double rho) const {
   const double sine = (m_scale - rho * rho * (m_n * m_n)) / (2 * m_n);
   // Rounding may carry the poles, not more, just beyond 1.

@@ -1,8 +1,9 @@
-// The numbers of the spherical earth, once for the whole library.
+// The numbers of the spherical earth that navigation and the map projections share.
 #pragma once
 
-/// Every angle is converted and every distance scaled with these exact values, so that results computed by
-/// different classes (K7LatLon, K7ECEF, the projections) agree to the last bit.
+/// Every angle is converted and every distance in nautical miles scaled with these exact values, so that
+/// classes do not differ by their constants. The sphere on which maps are laid out has a radius of its own,
+/// K7_EARTH_RADIUS_M in k7/projection/projection.h.
 inline constexpr double K7_PI = 3.141592653589793;
 inline constexpr double K7_DEG_TO_RAD = 0.017453292519943295;
 inline constexpr double K7_RAD_TO_DEG = 57.29577951308232;
