@@ -2,6 +2,7 @@
 
 #include <k7/foundation/error_string.h>
 
+#include "io/xml_attribs.h"
 #include "io/xml_text.h"
 
 #include <algorithm>
@@ -9,11 +10,6 @@
 #include <new>
 
 namespace {
-
-constexpr int ATTRIB_BLOCK = 8;
-// From this many attributes on their arrays double: whole blocks would copy them with the square of their
-// number.
-constexpr int MANY_ATTRIBS = 64;
 
 void SetCode(int* err, int code) {
   if (err) *err = code;
@@ -55,19 +51,20 @@ struct AttribPair {
 K7XmlElem::K7XmlElem(const char* name, const char* text, const char* attribs, unsigned flags)
     : m_name(name), m_text(text), m_flags(flags) {
   if (!attribs) return;
-  K7XmlText scratch;
+  K7XmlAttribScratch scratch;
   ReadAttribs(attribs, attribs + std::strlen(attribs), scratch);
 }
 
 K7XmlElem::~K7XmlElem() {
   if (m_parent) m_parent->RemoveChild(this);
   DeleteChildren();
-  DeleteAttribArrays();
+  K7XmlAttribs::Delete(m_attribs);
 }
 
 void K7XmlElem::Clear() {
   DeleteChildren();
-  DeleteAttribArrays();
+  K7XmlAttribs::Delete(m_attribs);
+  m_attribs = nullptr;
   m_name.Clear();
   m_text.Clear();
   m_attribText.Clear();
@@ -97,9 +94,8 @@ K7XmlElem* K7XmlElem::CloneAlone() const {
   int err = CopyText(copy->m_name, m_name);
   if (err == 0) err = CopyText(copy->m_text, m_text);
   if (err == 0) err = CopyText(copy->m_attribText, m_attribText);
-  // The arrays may hold what the text cannot give back: see the class comment.
-  for (int i = 0; err == 0 && m_attribNames && i < NumAttribs(); ++i)
-    err = copy->AppendAttrib((*m_attribNames)[i], (*m_attribValues)[i]);
+  // Not split anew: these may hold what the text cannot give back, see the class comment.
+  if (err == 0 && m_attribs && !(copy->m_attribs = m_attribs->Clone())) err = K7_ERR_MEMORY;
   if (err == 0) return copy;
   delete copy;
   return nullptr;
@@ -161,103 +157,66 @@ bool K7XmlElem::RemoveChild(K7XmlElem* child) {
   return true;
 }
 
-void K7XmlElem::DeleteAttribArrays() const {
-  delete m_attribNames;
-  delete m_attribValues;
-  m_attribNames = m_attribValues = nullptr;
-}
-
-// To the arrays alone, to both or neither of them.
-int K7XmlElem::AppendAttrib(const char* name, const char* value) const {
-  if (!m_attribNames) m_attribNames = new (std::nothrow) K7StrArray(true, false, ATTRIB_BLOCK);
-  if (!m_attribValues) m_attribValues = new (std::nothrow) K7StrArray(true, false, ATTRIB_BLOCK);
-  if (!m_attribNames || !m_attribValues) return K7_ERR_MEMORY;
-  const int n = m_attribNames->Count();
-  if (n >= MANY_ATTRIBS && (n & (n - 1)) == 0)
-    if (m_attribNames->GrowTo(2 * n, false) || m_attribValues->GrowTo(2 * n, false)) return K7_ERR_MEMORY;
-  if (const int err = *m_attribNames += name) return err;
-  const int err = *m_attribValues += value;
-  if (err) m_attribNames->Remove(n, 1);
-  return err;
-}
-
-// Unpacks the attribute text unless that is done. False when there are no attributes, or no memory.
-bool K7XmlElem::HaveAttribArrays() const {
-  if (m_attribNames && m_attribValues) return true;
-  if (m_attribText.IsEmpty()) return false;
-  const char* const text = m_attribText;
-  const char* const end = text + std::strlen(text);
-  K7XmlText scratch;
-  int err = 0;
-  for (AttribPair pair; err == 0 && pair.Find(pair.next ? pair.next : text, end);) {
-    scratch.Clear();
-    scratch.Append(pair.name, static_cast<size_t>(pair.equals - pair.name));
-    scratch.AppendRun('\0', 1);
-    const int valueAt = scratch.Size();
-    scratch.AppendResolved(pair.value, static_cast<size_t>(pair.quote - pair.value));
-    err = scratch.Failed() ? K7_ERR_MEMORY : AppendAttrib(scratch.Text(), scratch.Text() + valueAt);
-  }
-  if (err) DeleteAttribArrays();
-  return err == 0;
-}
-
 int K7XmlElem::AddAttrib(const char* name, const char* value) {
   if (!name || !value) return K7_ERR_BAD_ARGUMENT;
-  if (!HaveAttribArrays() && !m_attribText.IsEmpty()) return K7_ERR_MEMORY;
   K7XmlText text;
   if (!m_attribText.IsEmpty()) text.Append(" ", 1);
   text.Append(name);
   text.Append("=\"", 2);
   text.AppendEscaped(value);
   text.Append("\"", 1);
-  if (text.Failed()) return K7_ERR_MEMORY;
-  if (const int err = AppendAttrib(name, value)) return err;
+  if (text.Failed() || !K7XmlAttribs::Append(m_attribs, name, value)) return K7_ERR_MEMORY;
   const int err = m_attribText += text.Text();
-  if (err) {
-    m_attribNames->Remove(m_attribNames->Count() - 1, 1);
-    m_attribValues->Remove(m_attribValues->Count() - 1, 1);
-  }
+  if (err) m_attribs->RemoveLast();
   return err;
 }
 
-// For an element without attributes: brings those in the text of a tag into the form in which they are
-// written. They end silently at what is no name="value" pair.
-int K7XmlElem::ReadAttribs(const char* text, const char* end, K7XmlText& scratch) {
-  scratch.Clear();
-  K7XmlText value;
-  for (AttribPair pair; pair.Find(pair.next ? pair.next : text, end);) {
-    if (scratch.Size() > 0) scratch.Append(" ", 1);
+// For an element without attributes: splits those in the text of a tag, and brings them into the form in
+// which they are written. They end silently at what is no name="value" pair.
+int K7XmlElem::ReadAttribs(const char* text, const char* end, K7XmlAttribScratch& scratch) {
+  K7XmlText& written = scratch.written;
+  K7XmlText& split = scratch.split;
+  written.Clear();
+  split.Clear();
+  int count = 0;
+  for (AttribPair pair; pair.Find(pair.next ? pair.next : text, end); ++count) {
+    if (count > 0) written.Append(" ", 1);
+    split.Append(pair.name, static_cast<size_t>(pair.equals - pair.name));
+    split.Append("", 1);
+    const size_t length = static_cast<size_t>(pair.quote - pair.value);
     if (pair.value + K7XmlText::PlainLength(pair.value) == pair.quote) {
-      scratch.Append(pair.name, static_cast<size_t>(pair.next - pair.name));
-      continue;
+      written.Append(pair.name, static_cast<size_t>(pair.next - pair.name));
+      split.Append(pair.value, length);
+    } else {
+      written.Append(pair.name, static_cast<size_t>(pair.value - pair.name));
+      const int valueAt = split.Size();
+      split.AppendResolved(pair.value, length);
+      written.AppendEscaped(split.Text() + valueAt);
+      written.Append("\"", 1);
     }
-    value.Clear();
-    value.AppendResolved(pair.value, static_cast<size_t>(pair.quote - pair.value));
-    scratch.Append(pair.name, static_cast<size_t>(pair.value - pair.name));
-    scratch.AppendEscaped(value.Text());
-    scratch.Append("\"", 1);
+    split.Append("", 1);
   }
-  if (scratch.Failed() || value.Failed()) return K7_ERR_MEMORY;
-  return scratch.Size() > 0 ? std::min(m_attribText.Copy(scratch.Text(), scratch.Size()), 0) : 0;
+  if (count == 0) return 0;
+  if (written.Failed() || split.Failed()) return K7_ERR_MEMORY;
+  m_attribs = K7XmlAttribs::Make(split.Text(), static_cast<size_t>(split.Size()), count);
+  return m_attribs ? std::min(m_attribText.Copy(written.Text(), written.Size()), 0) : K7_ERR_MEMORY;
 }
 
-int K7XmlElem::NumAttribs() const { return HaveAttribArrays() ? m_attribNames->Count() : 0; }
+int K7XmlElem::NumAttribs() const { return m_attribs ? m_attribs->Count() : 0; }
+
+const char* K7XmlElem::AttribValue(const char* name) const {
+  const int i = name && m_attribs ? m_attribs->Find(name) : -1;
+  return i < 0 ? nullptr : m_attribs->Value(i);
+}
 
 bool K7XmlElem::Attrib(const char* name, K7String& value) const {
-  if (!name) return false;
-  for (int i = 0; i < NumAttribs(); ++i) {
-    if (std::strcmp((*m_attribNames)[i], name) != 0) continue;
-    value = (*m_attribValues)[i];
-    return true;
-  }
-  return false;
+  const char* const found = AttribValue(name);
+  return found && value.Create(found) >= 0;
 }
 
 bool K7XmlElem::GetAttribByIndex(int i, K7String& name, K7String& value) const {
   if (i < 0 || i >= NumAttribs()) return false;
-  name = (*m_attribNames)[i];
-  value = (*m_attribValues)[i];
-  return true;
+  return name.Create(m_attribs->Name(i)) >= 0 && value.Create(m_attribs->Value(i)) >= 0;
 }
 
 K7XmlElem* K7XmlElem::Child(const char* name, int index) const {
@@ -272,9 +231,15 @@ K7XmlElem* K7XmlElem::Child(const char* name, const char* parentName, int index)
 }
 
 const K7String& K7XmlElem::ChildText(const char* name) const {
-  static const K7String EMPTY;
+  // Never destroyed, so that a host's static objects may still ask in their destructors.
+  union Shared {
+    Shared() : empty() {}
+    ~Shared() {}
+    K7String empty;
+  };
+  static const Shared SHARED;
   const K7XmlElem* const child = Child(name);
-  return child ? child->m_text : EMPTY;
+  return child ? child->m_text : SHARED.empty;
 }
 
 int K7XmlElem::SetName(const char* name) { return Assign(m_name, name); }

@@ -103,6 +103,7 @@ class K7XmlElem::Reader {
   K7XmlElem& m_root;
   K7XmlElem* m_open = nullptr;
   K7XmlText m_scratch;
+  K7XmlAttribScratch m_attribs;
   int m_error = 0;
   const char* m_stop = nullptr;
 };
@@ -115,12 +116,12 @@ const char* K7XmlElem::Reader::Read(const char* text) {
       const char* const stop = tag.begin ? tag.begin : text + std::strlen(text);
       return Fail(stop, tag.begin || m_open ? K7_ERR_XML_MISMATCHED_TAG : 0);
     }
+    m_stop = tag.begin;
     const char* const next = SkipSpace(tag.end);
     if (m_open)
       if (const int err = TakeText(text, tag.begin)) return Fail(text, err);
 
     if (tag.IsClosing()) {
-      m_stop = tag.begin;
       if (!m_open) return text;
       if (!ClosesOpen(tag)) return Fail(tag.begin, K7_ERR_XML_MISMATCHED_TAG);
       if (CloseElement()) return next;
@@ -175,7 +176,7 @@ int K7XmlElem::Reader::OpenElement(const Tag& tag, bool& empty) {
   const char* nameEnd = begin;
   while (nameEnd != end && !IsXmlSpace(*nameEnd)) ++nameEnd;
   if (const int err = AssignPart(elem->m_name, begin, nameEnd)) return err;
-  return nameEnd == end ? 0 : elem->ReadAttribs(nameEnd, end, m_scratch);
+  return nameEnd == end ? 0 : elem->ReadAttribs(nameEnd, end, m_attribs);
 }
 
 bool K7XmlElem::Reader::ClosesOpen(const Tag& tag) const {

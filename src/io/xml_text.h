@@ -51,3 +51,9 @@ class K7XmlText {
   size_t m_capacity = 0;  // the terminator's place included
   bool m_failed = false;
 };
+
+/// Buffers for the attributes of one tag after the other.
+struct K7XmlAttribScratch {
+  K7XmlText written;  // as the attribute text has them
+  K7XmlText split;    // names and values, resolved, each with its terminator
+};

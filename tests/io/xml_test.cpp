@@ -10,6 +10,8 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -126,6 +128,30 @@ TEST(Xml, TreeIsEdited) {
   EXPECT_EQ(Reread(Written(root)), "<r/>\n");
 }
 
+// Clean under the thread sanitizer: what is read is never made on first use.
+TEST(Xml, ThreadsReadOneTree) {
+  const std::string text = "<a>" + Repeat("<b c=\"1\" d=\"&lt;2\">t</b>", 100) + "</a>";
+  K7XmlElem root;
+  ASSERT_NE(root.Parse(text.c_str()), nullptr);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&root] {
+      int sum = 0;
+      K7String name, value;
+      for (const K7XmlElem* b = root.FirstChild(); b; b = b->NextSibling()) {
+        sum += b->NumAttribs();
+        EXPECT_TRUE(b->GetAttribByIndex(1, name, value) && name == "d" && value == "<2");
+        EXPECT_STREQ(b->AttribValue("c"), "1");
+        const std::unique_ptr<K7XmlElem> copy(b->Clone());
+        EXPECT_TRUE(copy->Attrib("d", value) && value == "<2");
+      }
+      EXPECT_EQ(sum, 200);
+      EXPECT_EQ(root.ChildText("none"), "");
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
 // A million levels, siblings and attributes, broken-off comments and quotes: linear, whatever the input.
 TEST(Xml, SizeOfTheInputCostsNeitherStackNorSquares) {
   const int million = 1000000;
@@ -180,6 +206,12 @@ TEST(Xml, FilesCutAtEveryByteGiveACodeAndALogLine) {
       EXPECT_NE(elem.Child("Units"), nullptr) << n;
     }
   }
+  // An element without a name is none for a file.
+  for (const char* const nameless : {"< />", "< a=\"1\"/>", "<></>"}) {
+    io.Put("cut.xml", std::string(nameless));
+    EXPECT_EQ(root.ParseFile("cut.xml"), K7_ERR_XML_MISMATCHED_TAG) << nameless;
+  }
+  ASSERT_EQ(root.ParseFile("whole.xml"), 0);
   EXPECT_EQ(root.ParseFile("none.xml"), K7_ERR_FILE_IO);
   EXPECT_STREQ(root.Name(), "Options");
 

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <k7/export.h>
-#include <k7/foundation/array.h>
 #include <k7/foundation/string.h>
 
-class K7XmlText;
+class K7XmlAttribs;
+struct K7XmlAttribScratch;
 
 /// One element: its name, text, attributes and children. It owns its children: deleting or clearing it
 /// deletes the whole subtree. Nothing here recurses, so depth and number of elements are limited by memory
@@ -22,16 +22,17 @@ class K7XmlText;
 /// again, with one exception: "&amp;" is resolved before the other entities, so text or a value that spells
 /// one of these out ("&lt;") comes back as its character.
 ///
-/// Not locked: one tree belongs to one thread at a time, also for reading, since attributes are unpacked on
-/// first use.
+/// Not locked: a tree belongs to one thread while it is built or changed. Any number of threads may read a
+/// finished one.
 class K7_API K7XmlElem {
  public:
   /// Bits of the flags.
   static constexpr unsigned COMMENT = 1;
   static constexpr unsigned DECLARATION = 2;
 
-  /// `attribs` is parsed at once: name="value" pairs between whitespace, up to the first thing of another
-  /// shape.
+  /// `attribs` is parsed at once: name="value" pairs between whitespace. The list ends at the first thing
+  /// that is not name="value", and what follows that is ignored. What memory runs out for is missing:
+  /// `SetName`, `SetText` and `AddAttrib` tell.
   explicit K7XmlElem(const char* name = nullptr, const char* text = nullptr, const char* attribs = nullptr,
                      unsigned flags = 0);
   K7XmlElem(const K7XmlElem&) = delete;
@@ -55,11 +56,13 @@ class K7_API K7XmlElem {
   /// Appends an attribute, also under a name that is there already. 0, K7_ERR_BAD_ARGUMENT for null,
   /// K7_ERR_MEMORY with the element unchanged.
   int AddAttrib(const char* name, const char* value);
-  /// The first attribute of that name (case matters). False, with `value` untouched, when there is none.
+  /// The first attribute of that name (case matters). False, with `value` untouched, when there is none, and
+  /// without memory for the copy.
   bool Attrib(const char* name, K7String& value) const;
-  /// False, with both untouched, outside 0 to `NumAttribs` - 1.
+  /// The same without a copy: good until the attributes change; null when there is none.
+  const char* AttribValue(const char* name) const;
+  /// False, with both untouched, outside 0 to `NumAttribs` - 1; also without memory.
   bool GetAttribByIndex(int i, K7String& name, K7String& value) const;
-  /// 0 also when there is no memory to unpack them.
   int NumAttribs() const;
 
   /// The index-th child, from 0, of that name (case matters); null without one. A null name matches children
@@ -120,17 +123,12 @@ class K7_API K7XmlElem {
   static void Walk(const K7XmlElem& top, Enter enter, Leave leave);
   const char* Read(const char* text, const char* source, bool isDocument, int& err);
 
-  bool HaveAttribArrays() const;
-  int AppendAttrib(const char* name, const char* value) const;
-  void DeleteAttribArrays() const;
-  int ReadAttribs(const char* text, const char* end, K7XmlText& scratch);
+  int ReadAttribs(const char* text, const char* end, K7XmlAttribScratch& scratch);
 
   K7String m_name;
   K7String m_text;
   K7String m_attribText;
-  // Made from the attribute text when they are first asked for: most elements of a document never are.
-  mutable K7StrArray* m_attribNames = nullptr;
-  mutable K7StrArray* m_attribValues = nullptr;
+  K7XmlAttribs* m_attribs = nullptr;  // null without any
   unsigned m_flags = 0;
   K7XmlElem* m_parent = nullptr;
   K7XmlElem* m_firstChild = nullptr;
