@@ -29,6 +29,12 @@ int64_t DaysFromDate(int64_t year, int64_t month, int64_t day) {
   return era * ERA_DAYS + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - EPOCH_DAYS;
 }
 
+// Without a name of its own the library's clock would lend the machine's. Not every system's fields have one.
+template <class Fields>
+void NameUniversalZone(Fields& fields) {
+  if constexpr (requires { fields.tm_zone; }) fields.tm_zone = "GMT";
+}
+
 // Fields of the universal calendar. False when the year does not fit.
 bool SplitSeconds(int64_t seconds, std::tm& fields) {
   const int64_t days = FloorDiv(seconds, DAY);
@@ -114,6 +120,7 @@ bool K7Time::GetTM(std::tm& fields, int offset, bool dst) const {
   const bool summer = dst && IsDaylight(m_seconds);
   if (!SplitSeconds(m_seconds - int64_t{offset} * 60 + (summer ? HOUR : 0), fields)) return false;
   fields.tm_isdst = summer;
+  NameUniversalZone(fields);
   return true;
 }
 

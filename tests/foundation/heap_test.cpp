@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <deque>
-#include <iterator>
+#include <limits>
 #include <random>
 #include <set>
 
@@ -12,9 +12,14 @@ namespace {
 
 struct Node : K7HeapObj {
   bool Precedes(const K7HeapObj& other) const override { return rank < static_cast<const Node&>(other).rank; }
+  double HeapRank() const override { return ranked ? rank : std::numeric_limits<double>::quiet_NaN(); }
   int rank = 0;
+  size_t index = 0;
+  bool ranked = false;
   bool in = false;
 };
+
+constexpr size_t NODES = 3000;
 
 }  // namespace
 
@@ -22,27 +27,43 @@ TEST(K7Heap, AgreesWithASortedSet) {
   std::mt19937 random(7);
   for (const K7HeapType type : {K7_HEAP_MIN, K7_HEAP_MAX})
     for (int d = 1; d <= 5; ++d) {
-      K7Heap heap(type, d);
-      std::deque<Node> nodes(3000);
+      // Without ranks beside the members, with them, with some: the same member must come out each time.
+      K7Heap heaps[] = {{type, d}, {type, d}, {type, d}};
+      std::deque<Node> nodes[3];
+      for (auto& each : nodes) each.resize(NODES);
       std::multiset<int> ranks;
-      for (int step = 0; step < 20000; ++step) {
+      for (int step = 0; step < 12000; ++step) {
         // Grows past the first 1024 slots, then empties.
-        Node& node = nodes[random() % nodes.size()];
-        if (step < 15000 && !node.in) {
-          ranks.insert(node.rank = static_cast<int>(random() % 500));
-          ASSERT_EQ(heap += &node, 0);
-          node.in = true;
-        } else if (random() % 2) {
-          ASSERT_EQ(heap -= &node, node.in);
-          if (node.in) ranks.erase(ranks.find(node.rank));
-          node.in = false;
-        } else if (Node* const top = static_cast<Node*>(heap.PopTop())) {
-          const auto best = type == K7_HEAP_MIN ? ranks.begin() : std::prev(ranks.end());
-          ASSERT_TRUE(top->in && top->rank == *best) << step;
-          ranks.erase(best);
-          top->in = false;
+        const size_t i = random() % NODES;
+        const int rank = static_cast<int>(random() % 500) - 250;
+        const bool in = nodes[0][i].in;
+        const auto edit = step < 8000 && !in ? 0 : random() % 2 + 1;
+        size_t out = NODES;
+        for (size_t h = 0; h < 3; ++h) {
+          Node& node = nodes[h][i];
+          if (edit == 0) {
+            node.rank = rank;
+            node.index = i;
+            node.ranked = h == 1 || (h == 2 && i % 2);
+            ASSERT_EQ(heaps[h] += &node, 0);
+          } else if (edit == 1) {
+            ASSERT_EQ(heaps[h] -= &node, in);
+          } else {
+            Node* const top = static_cast<Node*>(heaps[h].PopTop());
+            ASSERT_EQ(top != nullptr, !ranks.empty());
+            if (!top) continue;
+            ASSERT_EQ(top->rank, type == K7_HEAP_MIN ? *ranks.begin() : *ranks.rbegin()) << step;
+            if (h == 0) out = top->index;
+            ASSERT_EQ(top->index, out) << step;
+            top->in = false;
+            continue;
+          }
+          node.in = edit == 0;
         }
-        ASSERT_EQ(heap.Size(), static_cast<int>(ranks.size()));
+        if (edit == 0) ranks.insert(rank);
+        if (edit == 1 && in) ranks.erase(ranks.find(nodes[0][i].rank));
+        if (out < NODES) ranks.erase(ranks.find(nodes[0][out].rank));
+        for (const K7Heap& heap : heaps) ASSERT_EQ(heap.Size(), static_cast<int>(ranks.size()));
       }
     }
 }
@@ -61,11 +82,14 @@ TEST(K7Heap, EqualRanksComeOutInTheStatedOrder) {
 TEST(K7Heap, RefusesAndKeepsItsFirstError) {
   Node a, b;
   K7Heap heap(K7_HEAP_MIN, 2);
-  EXPECT_TRUE(heap.Insert(&a) == 0 && heap.Insert(&a) == 0 && heap.Size() == 1 && heap.IsValid());
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(heap.Insert(&a), 0);
+  EXPECT_EQ(heap.Size(), 1);
   Node copy = a;
-  EXPECT_FALSE(heap.Delete(&b) || heap.Delete(nullptr) || heap.Delete(&copy));
-  EXPECT_EQ(heap.Insert(nullptr), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(heap.Insert(&b), K7_ERR_BAD_ARGUMENT);
-  EXPECT_TRUE(!heap.IsValid() && heap.PopTop() == &a && !heap.PopTop());
+  for (Node* const stranger : {&b, &copy, static_cast<Node*>(nullptr)}) EXPECT_FALSE(heap.Delete(stranger));
+  EXPECT_TRUE(heap.IsValid());
+  for (Node* const obj : {static_cast<Node*>(nullptr), &b}) EXPECT_EQ(heap.Insert(obj), K7_ERR_BAD_ARGUMENT);
+  EXPECT_FALSE(heap.IsValid());
+  EXPECT_EQ(heap.PopTop(), &a);
+  EXPECT_EQ(heap.PopTop(), nullptr);
   EXPECT_EQ(K7Heap(K7_HEAP_MIN, 0).Insert(&a), K7_ERR_BAD_ARGUMENT);
 }

@@ -11,6 +11,10 @@ class K7_API K7HeapObj {
  public:
   /// The order, in the manner of a less-than: false for equal ranks.
   virtual bool Precedes(const K7HeapObj& other) const = 0;
+  /// The same order as a number, for a class that has one: of two members with numbers, the one that precedes
+  /// has the lesser, and equal ranks have equal numbers. The heap asks for it once, at the insertion, and is
+  /// several times as fast by it. Here not a number, which leaves the order to `Precedes`.
+  virtual double HeapRank() const;
 
  protected:
   K7HeapObj() = default;
@@ -54,15 +58,20 @@ class K7_API K7Heap {
   bool operator-=(K7HeapObj* obj) { return Delete(obj); }
 
  private:
-  bool Rises(const K7HeapObj& member, const K7HeapObj& above) const;
-  int Parent(int slot) const;
+  // A member and its rank, negated in a heap whose top is the last.
+  struct Slot {
+    K7HeapObj* obj;
+    double rank;
+  };
+
+  bool Rises(const Slot& member, const Slot& above) const;
   int ChildToFollow(int slot) const;
-  void Put(int slot, K7HeapObj* obj);
-  void SiftUp(int slot);
-  void SiftDown(int slot);
+  void Put(int slot, const Slot& member);
+  int SiftUp(int slot, Slot member);
+  void SiftDown(int slot, Slot member);
   bool Grow();
 
-  K7HeapObj** m_slots = nullptr;
+  Slot* m_slots = nullptr;
   int32_t m_count = 0;
   int32_t m_capacity = 0;
   int32_t m_branching;

@@ -56,8 +56,8 @@ class K7_API K7Time {
   /// From exactly 19 characters, "2024-02-29 12:34:56". False, without change, for anything else.
   bool SetTime(const K7String& text, int offset = 0, bool dst = false);
 
-  /// The fields as `strftime` writes them, in the host's locale. A null string for a null pattern, a year
-  /// outside 0 ... 9999, a text beyond a megabyte or without memory.
+  /// The fields as `strftime` writes them, in the host's locale; "%Z" is "GMT" save for `LOCAL`. A null
+  /// string for a null pattern, a year outside 0 ... 9999, a text beyond a megabyte or without memory.
   K7String Format(const char* pattern, int offset = 0, bool dst = false) const;
 
  private:
