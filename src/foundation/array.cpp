@@ -285,6 +285,29 @@ int K7StrArray::Insert(const char* s, int pos) {
   return err;
 }
 
+int K7StrArray::Insert(const void* elems, int pos, int n) {
+  if (n < 0 || (!elems && n > 0)) return K7_ERR_BAD_ARGUMENT;
+  const char* const* const texts = static_cast<const char* const*>(elems);
+  if (std::find(texts, texts + n, nullptr) != texts + n) return K7_ERR_BAD_ARGUMENT;
+  if (!m_ownsStrings) return K7Array::Insert(elems, pos, n);
+  // The copies stand in an array of their own, which frees them unless this one has taken them over.
+  K7StrArray copies;
+  for (int i = 0; i < n; ++i)
+    if (const int err = copies.Insert(texts[i], -1)) return err;
+  const int err = K7Array::Insert(copies.Data(), pos, n);
+  if (!err) copies.ClearNoFree();
+  return err;
+}
+
+int K7StrArray::Put(int i, const void* elem) { return elem ? Put(i, TextAt(elem)) : K7_ERR_BAD_ARGUMENT; }
+
+int K7StrArray::GrowTo(int n, bool setCount) {
+  const int err = K7Array::GrowTo(n, false);
+  if (err || !setCount) return err;
+  Remove(n, Count());
+  return K7Array::GrowTo(n, true);
+}
+
 int K7StrArray::Put(int i, const char* s) {
   if (!s) return K7_ERR_BAD_ARGUMENT;
   if (!ValidIdx(i)) return K7_ERR_INVALID_DATA;
@@ -327,12 +350,12 @@ void* K7StrMap::Insert(const K7String& key, void* value, int* err) {
   const int found = m_keys.Find(key, &place);
   if (found >= 0) {
     void* const old = m_values[found];
-    m_values.Put(found, value);
+    m_values.PutPtr(found, value);
     return old;
   }
   int code = m_keys.Insert(key, place);
   if (code == 0) {
-    code = m_values.Insert(value, place);
+    code = m_values.InsertPtr(value, place);
     if (code) m_keys.Remove(place, 1);
   }
   SetCode(err, code);

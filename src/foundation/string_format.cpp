@@ -105,6 +105,7 @@ int64_t FixedLength(const Conversion& c, double value) {
 // Walks a format beside its arguments and adds up what the text may take.
 class SizingPass {
  public:
+  /// The estimate.
   int64_t Run(const char* fmt, va_list args) {
     va_copy(m_args, args);
     int64_t estimate = 0;
@@ -114,6 +115,8 @@ class SizingPass {
       } else if (*fmt == '%') {
         ++estimate;
         ++fmt;
+      } else if (!*fmt) {
+        m_endsInPercent = true;
       } else {
         Conversion c = ReadConversion(fmt);
         fmt = c.end;
@@ -123,6 +126,8 @@ class SizingPass {
     va_end(m_args);
     return estimate;
   }
+  /// The last "%" has nothing behind it, for which the standard formatter has no meaning.
+  bool EndsInPercent() const { return m_endsInPercent; }
 
  private:
   int64_t Measure(Conversion& c) {
@@ -200,6 +205,7 @@ class SizingPass {
 
   va_list m_args;
   bool m_inStep = true;
+  bool m_endsInPercent = false;
 };
 
 // "%C" is one byte from an int argument, which the standard formatter spells "%c".
@@ -244,8 +250,14 @@ int K7String::FormatV(const char* fmt, va_list args) {
     DecodeEscape(changed.m_text);
     format = changed;
   }
-  const int64_t estimate = std::clamp<int64_t>(SizingPass().Run(format, args), 0, INT32_MAX - 1);
+  SizingPass pass;
+  const int64_t estimate = std::clamp<int64_t>(pass.Run(format, args), 0, INT32_MAX - 1);
   if (changed.m_text) SpellBytes(changed.m_text);
+  if (pass.EndsInPercent()) {
+    if (const int err = changed.Create(format); err < 0) return err;
+    if (const int err = changed += '%') return err;
+    format = changed;
+  }
 
   // Arguments may point into this string, so the text is made beside it. Most texts fit the local buffer.
   char local[512];

@@ -82,6 +82,13 @@ int CompareNames(const void* a, const void* b) {
   return order ? order : std::strcmp(left, right);
 }
 
+int FormatIn(locale_t locale, char* dst, size_t size, const char* fmt, va_list args) {
+  const locale_t previous = locale ? uselocale(locale) : nullptr;
+  const int n = std::vsnprintf(dst, size, fmt, args);
+  if (previous) uselocale(previous);
+  return n;
+}
+
 struct Sink {
   k7os::FetchSink deliver;
   void* context;
@@ -153,9 +160,17 @@ struct Internet {
 }  // namespace
 
 int k7os::FormatC(char* dst, size_t size, const char* fmt, va_list args) {
-  const locale_t previous = NumericC() ? uselocale(NumericC()) : nullptr;
-  const int n = std::vsnprintf(dst, size, fmt, args);
-  if (previous) uselocale(previous);
+  va_list again;
+  va_copy(again, args);
+  int n = FormatIn(NumericC(), dst, size, fmt, args);
+  if (n < 0) {
+    // Wide text has no other bytes than ASCII in the "C" locale: the host's writes it, its numbers replaced.
+    const locale_t host = duplocale(uselocale(nullptr));
+    const locale_t mixed = host ? newlocale(LC_NUMERIC_MASK, "C", host) : nullptr;
+    if (mixed) n = FormatIn(mixed, dst, size, fmt, again);
+    if (host) freelocale(mixed ? mixed : host);
+  }
+  va_end(again);
   return n;
 }
 

@@ -13,7 +13,7 @@ class K7String;
 
 namespace k7os {
 
-/// vsnprintf with a decimal point, whatever locale the host has set.
+/// vsnprintf with a decimal point, whatever locale the host has set; wide text in that locale's encoding.
 int FormatC(char* dst, size_t size, const char* fmt, va_list args);
 
 /// Calendar of the machine's time zone. False for a moment that the system has none for.

@@ -93,19 +93,25 @@ TEST(K7Array, FailuresLeaveTheArray) {
   K7DoubleArray array(8);
   array += 1.5;
   const double value = 2;
-  EXPECT_TRUE(array.GrowTo(-1, true) == K7_ERR_BAD_ARGUMENT && array.GrowTo(INT_MAX, true) == K7_ERR_MEMORY);
+  EXPECT_EQ(array.GrowTo(-1, true), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(array.GrowTo(INT_MAX, true), K7_ERR_MEMORY);
   EXPECT_EQ(array.Insert(&value, 2, 1), K7_ERR_INVALID_DATA);
   EXPECT_EQ(array.Insert(nullptr, 0, 1), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(array.Insert(&value, 0, -1), K7_ERR_BAD_ARGUMENT);
-  EXPECT_TRUE(array.Put(0, nullptr) == K7_ERR_BAD_ARGUMENT && array.Put(1, &value) == K7_ERR_INVALID_DATA);
-  EXPECT_TRUE(array.Count() == 1 && array[0] == 1.5 && array[1] == 0 && !array.Get(1));
+  EXPECT_EQ(array.Put(0, nullptr), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(array.Put(1, &value), K7_ERR_INVALID_DATA);
+  EXPECT_EQ(array[0], 1.5);
+  EXPECT_EQ(array[1], 0);
+  EXPECT_EQ(array.Count(), 1);
   // Within one block of 8 the storage stays where it is; what the count is raised over is zero.
   const void* const block = array.Data();
-  for (int i = 0; i < 4; ++i) array += value;
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(array += &value, 0);
   EXPECT_EQ(array.GrowTo(8, true), 0);
-  EXPECT_TRUE(array.Data() == block && array[4] == 2 && array[5] + array[6] + array[7] == 0);
+  for (int i = 1; i < 8; ++i) EXPECT_EQ(array[i], i < 5 ? 2 : 0) << i;
   array.Clear(true);
-  EXPECT_TRUE(array.Data() == block && array.Count() == 0 && *static_cast<const double*>(block) == 0);
+  EXPECT_EQ(array.Data(), block);
+  EXPECT_EQ(array.Count(), 0);
+  EXPECT_EQ(*static_cast<const double*>(block), 0);
 }
 
 TEST(K7Array, SortsAndSearchesAgreeWithTheStandardOnes) {
@@ -154,13 +160,37 @@ TEST(K7PtrArray, SharesPointersAndFreesThemOnDemand) {
   K7PtrArray array(4, nullptr, CountFree);
   for (int i = 0; i < 10; ++i) array += i == 5 ? nullptr : std::malloc(8);
   K7PtrArray copy(array);
-  EXPECT_TRUE(copy.DeepCopy(nullptr) == K7_ERR_BAD_ARGUMENT && copy.DeepCopy(&copy) == 0);
+  EXPECT_EQ(copy.DeepCopy(nullptr), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(copy.DeepCopy(&copy), 0);
   EXPECT_EQ(copy -= array[3], 1);
-  EXPECT_TRUE(copy[3] == array[4] && copy.Count() == 9 && !copy[9]);
+  EXPECT_EQ(copy[3], array[4]);
+  EXPECT_EQ(copy[9], nullptr);
   copy = array;
   freed = 0;
   copy.FreeElems();
-  EXPECT_TRUE(freed == 9 && !copy.Data());
+  EXPECT_EQ(freed, 9);
+  EXPECT_EQ(copy.Data(), nullptr);
+}
+
+template <class Array, class Elem>
+constexpr bool TAKES = requires(Array array, Elem* elem) {
+  array.GetIndexByPointer(elem);
+};
+static_assert(TAKES<K7PtrArray, void*> && !TAKES<K7PtrArray, Item>);
+
+TEST(K7PtrArray, TakesAddressesOfPointersAsInherited) {
+  int a, b, c;
+  int* const pointers[] = {&a, &b, &a};
+  K7PtrArray array;
+  EXPECT_EQ(array.Insert(pointers, 0, 3), 0);
+  EXPECT_EQ(array.GetIndex(&pointers[0]), 2);
+  EXPECT_EQ(array.FindPtr(&b), 1);
+  EXPECT_EQ(array.FindPtr(&c), -1);
+  EXPECT_EQ(array.Put(0, &pointers[1]), 0);
+  EXPECT_EQ(array[0], &b);
+  EXPECT_EQ(array.PutPtr(1, &c), 0);
+  EXPECT_EQ(array.InsertPtr(&c, 0), 0);
+  EXPECT_EQ(array.FindPtr(&c), 2);
 }
 
 // Leaks and double frees show under the address sanitizer.
@@ -169,16 +199,48 @@ TEST(K7StrArray, OwnsItsTexts) {
   for (const char* name : {"delta", "Bravo", "alpha", "CHARLIE", "bravo"}) EXPECT_EQ(names += name, 0);
   EXPECT_EQ(names += names[0], 0);
   EXPECT_EQ(names.Put(2, names[2] + 1), 0);
-  EXPECT_TRUE((names += nullptr) == K7_ERR_BAD_ARGUMENT && names.Insert("x", 7) == K7_ERR_INVALID_DATA);
+  EXPECT_EQ(names += nullptr, K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(names.Insert("x", 7), K7_ERR_INVALID_DATA);
   EXPECT_TRUE(names.QuickSort());
   int last = 0;
-  EXPECT_TRUE(names.Find("BRAVO", &last) == 0 && last == 1);
-  EXPECT_TRUE(names.Find("alpha", &last) == -1 && last == 0 && names.Find(nullptr) == -1);
+  EXPECT_EQ(names.Find("BRAVO", &last), 0);
+  EXPECT_EQ(last, 1);
+  EXPECT_EQ(names.Find("alpha", &last), -1);
+  EXPECT_EQ(last, 0);
+  EXPECT_EQ(names.Find(nullptr), -1);
   EXPECT_EQ(names.RemoveAdjDups(), 2);
   EXPECT_EQ(names -= names.Get(3), 1);
   EXPECT_EQ(names.Remove(2, 5), 1);
   EXPECT_STREQ(names[1], "CHARLIE");
+  // By the addresses of text pointers: copies too, and none without all of them.
+  const char* const more[] = {"x", "y", nullptr};
+  EXPECT_EQ(names.Insert(more, 1, 3), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(names.Insert(more, 3, 2), K7_ERR_INVALID_DATA);
+  EXPECT_EQ(names.Insert(more, 1, 2), 0);
+  EXPECT_EQ(names.Put(0, &more[1]), 0);
+  EXPECT_EQ(names += static_cast<const void*>(names.Get(3)), 0);
+  std::string all;
+  for (int i = 0; i < names.Count(); ++i) all += names[i];
+  EXPECT_EQ(all, "yxyCHARLIECHARLIE");
+  EXPECT_EQ(names.GrowTo(2, true), 0);
+  EXPECT_EQ(names.Count(), 2);
+  EXPECT_EQ(names.GrowTo(1, false), 0);
+  EXPECT_STREQ(names[1], "x");
   names.Clear(true);
+}
+
+TEST(K7StrArray, OrdersNullAddressesFirstAndUnsignedBytes) {
+  struct Opened : K7StrArray {
+    using K7Array::Compare, K7StrArray::K7StrArray;
+  };
+  const char* const texts[] = {"a", "\xB0"};
+  for (const bool ignoreCase : {false, true}) {
+    const K7CompareFunc compare = Opened(false, ignoreCase).Compare();
+    EXPECT_LT(compare(&texts[0], &texts[1]), 0);
+    EXPECT_LT(compare(nullptr, &texts[0]), 0);
+    EXPECT_GT(compare(&texts[0], nullptr), 0);
+    EXPECT_EQ(compare(nullptr, nullptr), 0);
+  }
 }
 
 TEST(K7StrMap, AgreesWithAMap) {

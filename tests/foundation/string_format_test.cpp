@@ -97,13 +97,28 @@ TEST(K7StringFormat, FirstEscapeBecomesItsByte) {
   EXPECT_STREQ(s, "%s-%s-%s");
 }
 
+TEST(K7StringFormat, EndsInAPercentSign) {
+  EXPECT_STREQ(K7FmtString("100%"), "100%");
+  EXPECT_STREQ(K7FmtString("%d%%%", 5), "5%%");
+  EXPECT_STREQ(K7FmtString("%C%", 0xB0), "\xB0%");
+  EXPECT_STREQ(K7FmtString("a\\x25"), "a%");
+  EXPECT_STREQ(K7FmtString("%d%%", 5), "5%");
+}
+
+TEST(K7StringFormat, WritesTextsAtTheLengthOfItsBuffer) {
+  for (size_t length = 509; length < 515; ++length) ExpectAsPrintf("%s|", std::string(length, 'x').c_str());
+}
+
 TEST(K7StringFormat, WritesAPointUnderADecimalCommaLocale) {
   const std::string before = std::setlocale(LC_ALL, nullptr);
   if (!std::setlocale(LC_ALL, "de_DE.UTF-8")) GTEST_SKIP() << "locale not installed";
+  const K7FmtString text("%.1f %g %5.2e", 1.5, 2.5, 3.5);
+  const K7FmtString wide("%ls %lc %.1f", L"Z\u00FCrich", L'\u00E9', 1.5);
   char comma[8];
   std::snprintf(comma, sizeof comma, "%.1f", 1.5);
-  const K7FmtString text("%.1f %g %5.2e", 1.5, 2.5, 3.5);
   std::setlocale(LC_ALL, before.c_str());
-  EXPECT_STREQ(comma, "1,5");
+  EXPECT_STREQ(comma, "1,5");  // the host's locale is back in force
   EXPECT_STREQ(text, "1.5 2.5 3.50e+00");
+  EXPECT_STREQ(wide, "Z\u00FCrich \u00E9 1.5");
+  EXPECT_LT(K7String().Format("%ls", L"\u00E9"), 0);  // the "C" locale has no bytes for it
 }

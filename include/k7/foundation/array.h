@@ -3,7 +3,9 @@
 
 #include <k7/export.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 class K7String;
 
@@ -50,6 +52,7 @@ class K7_API K7Array {
   int Remove(int pos, int n);
   /// Index of the last element whose bytes equal those at `elem`, or -1.
   int GetIndex(const void* elem) const;
+  /// The same: the address of an element's bytes, whatever the elements are.
   int GetIndexByPointer(const void* elem) const { return GetIndex(elem); }
   /// Removes the element that `GetIndex` finds. The number removed, 0 or 1.
   int Remove(const void* elem);
@@ -92,8 +95,16 @@ class K7_API K7Array {
   char* m_data = nullptr;
 };
 
+/// What the address of a pointer does not point to.
+template <class T>
+concept K7NoPointer = !std::is_pointer_v<T> && !std::is_void_v<T>;
+
 /// Array of pointers. The pointers' objects belong to the array only in so far as `FreeElems` frees them:
 /// copies share them, and the destructor leaves them alone.
+///
+/// An element is a pointer, so that what `K7Array` does by an element's address takes the address of a
+/// pointer here, and refuses that of an object when it is compiled. `+=`, `-=` and the operations with "Ptr"
+/// in their names take the pointer itself.
 class K7_API K7PtrArray : public K7Array {
  public:
   explicit K7PtrArray(int growBy = 8, K7CompareFunc compare = nullptr, K7FreeFunc freeElem = nullptr);
@@ -108,11 +119,30 @@ class K7_API K7PtrArray : public K7Array {
   int operator+=(void* p) { return K7Array::operator+=(&p); }
   /// Removes the last equal pointer. The number removed, 0 or 1.
   int operator-=(void* p) { return K7Array::Remove(&p); }
-  int Insert(void* p, int pos) { return K7Array::Insert(&p, pos, 1); }
-  int Put(int i, void* p) { return K7Array::Put(i, &p); }
-  /// Last position of the pointer, or -1. (`GetIndexByPointer` and `RemoveByPointer` take a pointer's
-  /// address.)
-  int GetIndex(void* p) const { return K7Array::GetIndex(&p); }
+  int InsertPtr(void* p, int pos) { return K7Array::Insert(&p, pos, 1); }
+  int PutPtr(int i, void* p) { return K7Array::Put(i, &p); }
+  /// Last position of the pointer, or -1.
+  int FindPtr(const void* p) const { return K7Array::GetIndex(&p); }
+
+  using K7Array::GetIndex;
+  using K7Array::GetIndexByPointer;
+  using K7Array::Insert;
+  using K7Array::Put;
+  using K7Array::Remove;
+  using K7Array::RemoveByPointer;
+  template <K7NoPointer T>
+  int GetIndex(const T* object) const = delete;
+  template <K7NoPointer T>
+  int GetIndexByPointer(const T* object) const = delete;
+  template <K7NoPointer T>
+  int Insert(const T* object, int pos, int n = 1) = delete;
+  template <K7NoPointer T>
+  int Put(int i, const T* object) = delete;
+  template <K7NoPointer T>
+  int Remove(const T* object) = delete;
+  template <K7NoPointer T>
+  int RemoveByPointer(const T* object) = delete;
+
   /// Takes over the settings and pointers of `from`. K7_ERR_BAD_ARGUMENT for null; K7_ERR_MEMORY leaves this
   /// empty.
   int DeepCopy(const K7PtrArray* from);
@@ -130,10 +160,21 @@ class K7_API K7StrArray : public K7Array {
   explicit K7StrArray(bool ownsStrings = true, bool ignoreCase = false, int growBy = 8);
   ~K7StrArray();
 
-  /// Null texts are refused with K7_ERR_BAD_ARGUMENT.
+  /// Takes a text. K7_ERR_BAD_ARGUMENT for null.
   int operator+=(const char* s) { return Insert(s, -1); }
   int Insert(const char* s, int pos);
   int Put(int i, const char* s);
+  /// As those of K7Array, by the address of the first of `n` pointers to texts. K7_ERR_BAD_ARGUMENT when one
+  /// of them is null.
+  int operator+=(const void* elem) { return Insert(elem, -1, 1); }
+  int Insert(const void* elems, int pos, int n);
+  int Put(int i, const void* elem);
+  /// Null has no type that tells the two apart.
+  int operator+=(std::nullptr_t) { return Insert(static_cast<const char*>(nullptr), -1); }
+  int Put(int i, std::nullptr_t) { return Put(i, static_cast<const char*>(nullptr)); }
+
+  /// Frees the owned texts that a lesser count leaves behind; those of a greater one are null.
+  int GrowTo(int n, bool setCount);
   int Remove(int pos, int n);
   /// As those of K7Array, by the address of a stored pointer.
   int Remove(const void* elem) { return Remove(GetIndex(elem), 1); }
@@ -160,7 +201,9 @@ class K7_API K7IntArray : public K7Array {
   explicit K7IntArray(int growBy = 8, K7CompareFunc compare = nullptr);
   /// -1 outside the array.
   int operator[](int i) const { return ValidIdx(i) ? *reinterpret_cast<int*>(At(i)) : -1; }
+  /// Appends a value; by an address as those of K7Array.
   int operator+=(int value) { return K7Array::operator+=(&value); }
+  using K7Array::operator+=;
 };
 
 class K7_API K7DoubleArray : public K7Array {
@@ -168,7 +211,11 @@ class K7_API K7DoubleArray : public K7Array {
   explicit K7DoubleArray(int growBy = 8, K7CompareFunc compare = nullptr);
   /// 0 outside the array.
   double operator[](int i) const { return ValidIdx(i) ? *reinterpret_cast<double*>(At(i)) : 0; }
+  /// Appends a value; by an address as those of K7Array.
   int operator+=(double value) { return K7Array::operator+=(&value); }
+  // A plain 0 would be as good an address.
+  int operator+=(int value) { return *this += static_cast<double>(value); }
+  using K7Array::operator+=;
 };
 
 /// Map from text to pointer, its keys in ascending byte order. Keys are copies; values stay the caller's

@@ -133,8 +133,9 @@ class K7_API K7String {
 
   /// Replaces the text by the printf-style expansion, always with a decimal point. The number of characters
   /// written, K7_ERR_MEMORY, or the formatter's negative result. Beyond printf, "%C" is one byte from an int
-  /// argument, and the first backslash-x escape of the format (backslash, "x", two hexadecimal digits)
-  /// becomes its byte. Arguments may point into this string.
+  /// argument, the first backslash-x escape of the format (backslash, "x", two hexadecimal digits) becomes
+  /// its byte, and a "%" with nothing behind it is a percent sign. "%ls" and "%lc" write the encoding of the
+  /// host's locale. Arguments may point into this string.
   int Format(const char* fmt, ...);
   int FormatV(const char* fmt, va_list args);
 

@@ -46,5 +46,7 @@ class K7_API K7NavKeyArray : public K7Array {
   explicit K7NavKeyArray(int growBy = 8);
   /// The no-record key outside the array.
   K7NavKey operator[](int i) const { return ValidIdx(i) ? *reinterpret_cast<K7NavKey*>(At(i)) : K7NavKey(); }
+  /// Appends a key; by an address as that of K7Array.
   int operator+=(const K7NavKey& key) { return K7Array::operator+=(&key); }
+  using K7Array::operator+=;
 };
