@@ -3,9 +3,14 @@
 #include <atomic>
 #include <mutex>
 #include <new>
+#include <thread>
 
+// Locking again what a thread holds already, as small reads do, costs a comparison: only the holder can find
+// itself there.
 struct K7MutexState {
-  std::recursive_mutex lock;
+  std::mutex lock;
+  std::atomic<std::thread::id> holder{};
+  int depth = 0;  // the holder's
   std::atomic<int> owners{1};
 };
 
@@ -54,6 +59,17 @@ void K7Mutex::Initialize() {
   m_state = NewState();
 }
 
-void K7Mutex::Lock() { m_state->lock.lock(); }
+void K7Mutex::Lock() {
+  const std::thread::id self = std::this_thread::get_id();
+  if (m_state->holder.load(std::memory_order_relaxed) != self) {
+    m_state->lock.lock();
+    m_state->holder.store(self, std::memory_order_relaxed);
+  }
+  ++m_state->depth;
+}
 
-void K7Mutex::Unlock() { m_state->lock.unlock(); }
+void K7Mutex::Unlock() {
+  if (--m_state->depth > 0) return;
+  m_state->holder.store({}, std::memory_order_relaxed);
+  m_state->lock.unlock();
+}

@@ -85,7 +85,7 @@ bool K7FileK7::WriteLine(const char* text) {
 int K7FileK7::Read(void* buf, int n) {
   const K7LockGuard lock(m_mutex);
   if (!m_stream || !buf || n <= 0) return 0;
-  return static_cast<int>(std::fread(buf, 1, static_cast<size_t>(n), m_stream));
+  return static_cast<int>(k7os::ReadStream(m_stream, buf, static_cast<size_t>(n)));
 }
 
 int K7FileK7::Write(const void* buf, int n) {

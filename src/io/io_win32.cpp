@@ -88,6 +88,8 @@ std::FILE* k7os::OpenStream(const char* path, const char* mode) {
   return path ? std::fopen(path, mode) : nullptr;
 }
 
+size_t k7os::ReadStream(std::FILE* stream, void* p, size_t n) { return _fread_nolock(p, 1, n, stream); }
+
 bool k7os::IsReadable(const char* path) {
   std::FILE* const stream = OpenStream(path, "rb");
   if (stream) std::fclose(stream);

@@ -42,6 +42,8 @@ class NativePath {
 
 /// `fopen`, null also for a directory, which opens for reading on some systems but holds no bytes.
 std::FILE* OpenStream(const char* path, const char* mode);
+/// `fread` of bytes for a stream that one thread at a time uses.
+size_t ReadStream(std::FILE* stream, void* p, size_t n);
 /// `path` is no directory and may be opened for reading; a pipe is not waited for.
 bool IsReadable(const char* path);
 /// A symbolic link or junction, whatever it leads to; `path` without a separator at its end. True without
