@@ -13,6 +13,10 @@ else()
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|i[3-6]86)$" AND CMAKE_SIZEOF_VOID_P EQUAL 4)
     target_compile_options(k7_options INTERFACE -msse2 -mfpmath=sse)
   endif()
+  if(UNIX AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # The calendar before 1901 and after 2038, and files of more than two gigabytes.
+    target_compile_definitions(k7_options INTERFACE _TIME_BITS=64 _FILE_OFFSET_BITS=64)
+  endif()
 endif()
 
 if(K7_SANITIZE)

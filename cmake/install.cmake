@@ -30,7 +30,16 @@ else()
   set(K7_PC_LIBS " -pthread -ldl\nRequires: zlib")
   set(K7_PC_CFLAGS " -DK7_STATIC")
 endif()
-# The .pc file finds its prefix from where it lies, so that an installation can be moved.
-file(RELATIVE_PATH K7_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+# The .pc file finds its prefix from where it lies, so that an installation can be moved: not one whose folders are
+# fixed.
+set(K7_PC_PREFIX ${CMAKE_INSTALL_PREFIX})
+set(K7_PC_LIBDIR ${CMAKE_INSTALL_FULL_LIBDIR})
+set(K7_PC_INCLUDEDIR ${CMAKE_INSTALL_FULL_INCLUDEDIR})
+if(NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" AND NOT IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
+  file(RELATIVE_PATH K7_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+  string(PREPEND K7_PC_PREFIX "\${pcfiledir}/")
+  set(K7_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
+  set(K7_PC_INCLUDEDIR "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
+endif()
 configure_file(cmake/k7core.pc.in k7core.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/k7core.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

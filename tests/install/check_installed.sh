@@ -1,7 +1,9 @@
 #!/bin/bash
 # Installs a build and uses it as a host outside the tree does: check_installed.sh SOURCE BUILD
 #   the README's program builds with find_package and with pkg-config, and prints what the README says it prints;
-#   the library exports the classes and functions of exported_names.txt and nothing else.
+#   the library exports the classes and functions of exported_names.txt and nothing else;
+#   k7chart, where it was built, draws from where it is installed;
+#   other folders and a project that holds the tree get what they ask for.
 set -euo pipefail
 source_dir=$1
 build_dir=$2
@@ -23,7 +25,8 @@ cmake --build "$work/cmake" >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
 diff -u "$work/expected.txt" "$work/cmake.txt"
 
 libdir=$(dirname "$(find "$work/prefix" -name k7core.pc)")
-export PKG_CONFIG_PATH=$libdir
+# The shared library needs no other package's file.
+export PKG_CONFIG_LIBDIR=$libdir
 # shellcheck disable=SC2046
 g++ -std=c++20 "$work/main.cpp" -o "$work/consumer" $(pkg-config --cflags --libs k7core)
 LD_LIBRARY_PATH=$(dirname "$libdir") "$work/consumer" >"$work/pkgconfig.txt"
@@ -31,3 +34,23 @@ diff -u "$work/expected.txt" "$work/pkgconfig.txt"
 
 "$source_dir/script/exported-names" "$(find "$work/prefix" -name 'libk7core.so')" >"$work/names.txt"
 diff -u "$source_dir/tests/install/exported_names.txt" "$work/names.txt"
+
+if [ -x "$work/prefix/bin/k7chart" ]; then
+  mv "$work/prefix" "$work/moved"
+  (cd "$work"
+   env -u K7CHART_DATA "$work/moved/bin/k7chart" layers >layers.txt
+   env -u K7CHART_DATA "$work/moved/bin/k7chart" draw --theme night --size 200x200 --output chart.png)
+  grep -q "$work/moved/share/k7chart/sample" "$work/layers.txt" || { cat "$work/layers.txt"; exit 1; }
+  test -s "$work/chart.png"
+fi
+
+cmake -S "$source_dir" -B "$work/absolute" -G Ninja -DCMAKE_INSTALL_PREFIX=/there -DCMAKE_INSTALL_LIBDIR=/else/lib \
+  -DK7_BUILD_TESTS=OFF -DK7_BUILD_EXAMPLES=OFF >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
+flags=$(PKG_CONFIG_LIBDIR=$work/absolute pkg-config --cflags --libs k7core)
+[ "$(echo $flags)" = "-I/there/include -L/else/lib -lk7core" ] || { echo "pkg-config: $flags"; exit 1; }
+
+mkdir "$work/holder"
+printf '%s\n' 'cmake_minimum_required(VERSION 3.23)' 'project(holder LANGUAGES CXX)' \
+  "add_subdirectory($source_dir k7)" >"$work/holder/CMakeLists.txt"
+cmake -S "$work/holder" -B "$work/held" -G Ninja >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
+! grep -rl 'file(INSTALL' "$work/held" --include=cmake_install.cmake

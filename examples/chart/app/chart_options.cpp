@@ -1,6 +1,7 @@
 #include "app/chart_options.h"
 
 #include <cstring>
+#include "app/shared_data.h"
 
 namespace {
 
@@ -82,7 +83,7 @@ std::string SetRange(const char* text, ChartRequest& request) {
 std::string SetTheme(const char* text, LookOptions& look) {
   for (const char* const shipped : {"day", "night"})
     if (K7String::IComp(text, shipped) == 0)
-      return look.theme.Read(std::string(K7CHART_THEMES) + "/" + shipped + ".xml");
+      return look.theme.Read(SharedData("themes") + "/" + shipped + ".xml");
   const std::string path = text;
   if (path.size() > 4 && K7String::IComp(text + path.size() - 4, ".xml") == 0) return look.theme.Read(path);
   return "unknown theme " + Quoted(text) + " (day, night, or a file that ends in .xml)";

@@ -1,6 +1,7 @@
 #include "app/layer_options.h"
 
 #include <k7/foundation/string.h>
+#include "app/shared_data.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -46,7 +47,8 @@ constexpr OptionRow<LayerOptions> LAYER_OPTIONS[] = {
 
 constexpr OptionRow<LayerOptions> DATA_OPTIONS[] = {
     {"--data", "FOLDER",
-     "where the layers are read from (default $K7CHART_DATA, or else the sample data of the source tree):",
+     "where the layers are read from (default $K7CHART_DATA, or else the sample data that k7chart comes "
+     "with):",
      SetData, false, DataFiles},
 };
 
@@ -67,7 +69,7 @@ std::string Find(const std::string& name, const std::string& folder, const DataS
 
 LayerOptions::LayerOptions() {
   const char* const given = std::getenv("K7CHART_DATA");
-  folder = given && *given ? given : K7CHART_DATA;
+  folder = given && *given ? given : SharedData("sample");
 }
 
 void AddLayerOptions(OptionTable& table, LayerOptions& options) { table.Add(LAYER_OPTIONS, options); }

@@ -1,0 +1,7 @@
+// Where the themes and the sample data are.
+#pragma once
+
+#include <string>
+
+/// The folder "sample" or "themes": beside an installed program as it was installed, else in the source tree.
+std::string SharedData(const char* folder);
