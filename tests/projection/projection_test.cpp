@@ -13,6 +13,7 @@
 #include <limits>
 #include <memory>
 #include <random>
+#include <vector>
 
 namespace {
 
@@ -339,6 +340,110 @@ TEST(Projection, ConesHaveTheirPolesAndSides) {
   }
 }
 
+TEST(Projection, KindsHaveTheirNamesAndDefaults) {
+  const std::vector<const char*> none;
+  const std::vector<const char*> parallels = {"Standard Parallel 1", "Standard Parallel 2"};
+  const struct {
+    const char* name;
+    double nearClip, farClip;
+    std::vector<const char*> parameters;
+    std::vector<double> values;
+    char family;
+    double scaleAt60;
+  } kinds[] = {
+      {"Lambert Conformal", -1, 1, parallels, {45, 30}, 'c', 1},
+      {"Mercator", -1, 1, none, {}, 'm', 0.5},
+      {"Orthographic", 0, 2, none, {}, 'a', 1},
+      {"Rectangular", -1, 1, {"Standard Parallel"}, {0}, 'm', 1},
+      {"Miller", -1, 1, none, {}, 'm', 1},
+      {"Albers Equal-Area", -1, 1, parallels, {45, 30}, 'c', 1},
+      {"General Perspective",
+       3,
+       3.75,
+       {"Altitude (ft)", "Heading", "Bank", "Pitch", "Field of View Y (degs)"},
+       {3 * 6378137.0 * 3.2808399, 0, 0, -90, 45},
+       'a',
+       1},
+      {"Stereographic", 1, 2, none, {}, 'a', 1},
+      {"Gnomonic", 0.25, 1.1, none, {}, 'a', 1},
+  };
+  for (int i = 0; i < 9; ++i) {
+    const auto& kind = kinds[i];
+    SCOPED_TRACE(kind.name);
+    const Projection made = Make(i);
+    EXPECT_EQ(made->Type(), i);
+    EXPECT_STREQ(made->Name(), kind.name);
+    EXPECT_DOUBLE_EQ(made->NearClip(), kind.nearClip);
+    EXPECT_DOUBLE_EQ(made->FarClip(), kind.farClip);
+    EXPECT_EQ(made->IsConic(), kind.family == 'c');
+    EXPECT_EQ(made->IsCylindrical(), kind.family == 'm');
+    EXPECT_EQ(made->IsAzimuthal(), kind.family == 'a');
+    EXPECT_NEAR(made->ScaleError(60, 10), kind.scaleAt60, 1e-15);
+    ASSERT_EQ(made->ParamCount(), static_cast<int>(kind.parameters.size()));
+    for (int p = 0; p < made->ParamCount(); ++p) {
+      EXPECT_STREQ(made->ParamName(p), kind.parameters[static_cast<size_t>(p)]);
+      EXPECT_NEAR(made->ParamValue(p), kind.values[static_cast<size_t>(p)], 1e-6);
+    }
+    if (i == K7_PROJ_RECTANGULAR) continue;  // its one name is that of every index
+    EXPECT_EQ(made->ParamName(made->ParamCount()), nullptr);
+    EXPECT_EQ(made->ParamName(-1), nullptr);
+  }
+  EXPECT_DOUBLE_EQ(K7PerspectiveProjection(2.5).ScaleError(0, 0), 4.0);
+}
+
+// The window of a cone is two earth radii wide, and the meridian of its centre runs straight up.
+TEST(Projection, ConesStandUpright) {
+  for (const int kind : {K7_PROJ_LAMBERT, K7_PROJ_ALBERS}) {
+    const Projection made = Make(kind);
+    SoftGrfx g(WIDTH, HEIGHT);
+    Show(*made, g, 40, -20);
+    double x, y, z, x2, y2, dx, dy;
+    ASSERT_TRUE(made->LatLon2World(40, -20, x, y, z) && g.Project(x, y, z, dx, dy));
+    EXPECT_NEAR(std::hypot(dx - 500, dy - 300), 0, 1e-9);
+    ASSERT_TRUE(made->LatLon2World(47, -20, x2, y2, z) && g.Project(x2, y2, z, dx, dy));
+    EXPECT_NEAR(dx, 500, 1e-9);
+    EXPECT_NEAR(300 - dy, std::hypot(x2 - x, y2 - y) * WIDTH / 2, 1e-9);
+    // 200 degrees east of the central meridian are 160 west of it.
+    const auto& cone = dynamic_cast<const K7ConicProjection&>(*made);
+    EXPECT_NEAR(cone.Lambda2Theta(110 * K7_DEG_TO_RAD), cone.Lambda2Theta(-250 * K7_DEG_TO_RAD), 1e-15);
+    EXPECT_LT(cone.Lambda2Theta(110 * K7_DEG_TO_RAD), 0);
+    EXPECT_NEAR(cone.Theta2Lambda(cone.Lambda2Theta(-1.2)), -1.2, 1e-15);
+    EXPECT_NEAR(cone.Theta2Lambda(cone.Lambda2Theta(3)), 3, 1e-14);
+    EXPECT_NEAR(cone.Theta2Lambda(cone.Lambda2Theta(1.6)), 1.6, 1e-14);
+  }
+}
+
+// The depths that two globes are stated with, seen from over 0 N 0 E: x = d - the depth along the axis, by
+// hand.
+TEST(Projection, Device2WorldKeepsItsStatedDepths) {
+  SoftGrfx g(WIDTH, HEIGHT);
+  double x, y, z;
+  const K7GnomonicProjection gnomonic;
+  Show(gnomonic, g, 0, 0);
+  ASSERT_TRUE(gnomonic.Device2World(750, 300, &g, WIDTH, HEIGHT, x, y, z));
+  EXPECT_NEAR(x, 1 / std::sqrt(1 + 2.2 * 2.2), 1e-12);  // half-way to the edge: 0.5 x 1.1 / 0.25
+  EXPECT_NEAR(y, 2 * x, 1e-12);                         // on the ray, whose tangent is 0.5 / 0.25
+  const K7PerspectiveProjection eye(4);
+  Show(eye, g, 0, 0);
+  ASSERT_TRUE(eye.Device2World(550, 300, &g, WIDTH, HEIGHT, x, y, z));
+  // A tenth of the way to the edge: tangent 1/8 of 15/4 / 3, so t^2 - 8 c t + 15 = 0 with c = 8 / sqrt(65).
+  const double c = 8 / std::sqrt(65.0), depth = (4 * c - std::sqrt(16 * c * c - 15)) * c;
+  EXPECT_NEAR(x, 4 - depth, 1e-12);
+  EXPECT_NEAR(y, depth / 10 * 5 / 3, 1e-12);  // tangent of 45 degrees by the window's sides
+  EXPECT_TRUE(eye.Device2World(596, 300, &g, WIDTH, HEIGHT, x, y, z));
+  // The horizon of the stated depth: c^2 = 15/16, tangent 1 / sqrt(15) of 5/4 at the edge.
+  EXPECT_FALSE(eye.Device2World(604, 300, &g, WIDTH, HEIGHT, x, y, z));
+  // The middle in whole pixels.
+  for (const K7Projection* projection :
+       {static_cast<const K7Projection*>(&gnomonic), static_cast<const K7Projection*>(&eye)}) {
+    SoftGrfx odd(WIDTH + 1, HEIGHT + 1);
+    ASSERT_TRUE(projection->SetupMatrix(&odd, 0, 0, WIDTH + 1, HEIGHT + 1) &&
+                projection->CenterOn(&odd, 0, 0));
+    ASSERT_TRUE(projection->Device2World(500, 300, &odd, WIDTH + 1, HEIGHT + 1, x, y, z));
+    EXPECT_NEAR(x, 1, 1e-12);
+  }
+}
+
 TEST(Projection, ParametersAndClones) {
   int err = 5;
   EXPECT_EQ(K7Projection::Create(static_cast<K7ProjType>(9), &err), nullptr);
@@ -375,14 +480,25 @@ TEST(Projection, ParametersAndClones) {
   changed.LatLon2World(50, -60, x, y, z);
   EXPECT_NEAR(y, expected, 1e-14);
 
-  // Straight down: the ground below and the horizon's plane. A new pitch waits for the next clip planes.
+  // The ellipsoidal inverse is a series to the eighth power of the eccentricity: what is left is of the
+  // tenth.
+  K7LambertProjection inverse(45, 30, -90, 0);
+  const double e2 = 0.005;
+  inverse.UseEllipEqs(1, std::sqrt(1 - e2));
+  for (double phi = -1.4; phi < 1.5; phi += 0.1)
+    EXPECT_NEAR(inverse.Rho2Lat(inverse.Lat2Rho(phi)), phi, 0.2 * std::pow(e2, 5)) << phi;
+
+  // Straight down: the ground below and the horizon's plane. A new pitch waits for the next clip planes,
+  // which the horizon at 1/4 of sine and the tilt of 60 degrees then decide.
   K7PerspectiveProjection eye(4.0);
   EXPECT_DOUBLE_EQ(eye.NearClip(), 3.0);
   EXPECT_DOUBLE_EQ(eye.FarClip(), 15.0 / 4.0);
   eye.ParamValue(3, -30);
   EXPECT_DOUBLE_EQ(eye.NearClip(), 3.0);
-  eye.SetClipPlanes();
-  EXPECT_DOUBLE_EQ(eye.NearClip(), 1.5);
+  eye.ParamValue(0, eye.ParamValue(0));
+  EXPECT_NEAR(eye.NearClip(), 1.5, 1e-12);
+  EXPECT_NEAR(eye.FarClip(),
+              std::sqrt(15.0) / 2 * std::sqrt(15.0) / 4 + std::sqrt(3.0) / 2 / 4 * std::sqrt(15.0), 1e-12);
 }
 
 }  // namespace

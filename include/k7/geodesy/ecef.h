@@ -23,6 +23,8 @@ class K7_API K7ECEF {
   double Y() const { return m_y; }
   double Z() const { return m_z; }
 
+  /// \name Positions
+  /// @{
   void SetLatLon(double lat, double lon);
   /// Longitude within +-180. Of the length only z matters: it is the sine of the latitude.
   void GetLatLon(double& lat, double& lon) const;
@@ -37,7 +39,10 @@ class K7_API K7ECEF {
   double InitCourse(const K7ECEF& to) const;
   /// Moves this to the point reached from `start` on the initial `course` after `distance`.
   void EndPoint(const K7ECEF& start, double course, double distance);
+  /// @}
 
+  /// \name Vectors
+  /// @{
   /// this = a x b; either may be this object.
   void CrossProduct(const K7ECEF& a, const K7ECEF& b) {
     *this =
@@ -77,6 +82,7 @@ class K7_API K7ECEF {
   /// Exact, component by component.
   bool operator==(const K7ECEF& b) const { return m_x == b.m_x && m_y == b.m_y && m_z == b.m_z; }
   bool operator!=(const K7ECEF& b) const { return !(*this == b); }
+  /// @}
 
  private:
   double m_x = 0;
@@ -86,6 +92,9 @@ class K7_API K7ECEF {
 
 static_assert(sizeof(K7ECEF) == 3 * sizeof(double));
 
+/// \name Headings
+/// Degrees.
+/// @{
 /// Angle between two headings within one turn, [0, 180].
 K7_API double HeadingDiff(double a, double b);
 /// The heading half-way on the shorter side. Not normalised: the result may exceed 360.
@@ -95,3 +104,4 @@ K7_API double MidHeading(double a, double b);
 K7_API double NormalizeHeading(double h);
 /// Course on arriving at `to`, [0, 360]; 261 between identical points (see K7LatLon::FinalCourse).
 K7_API double FinalCourse(const K7ECEF& from, const K7ECEF& to);
+/// @}

@@ -27,6 +27,8 @@ class K7_API K7LatLon {
   double Lat() const { return m_lat; }
   double Lon() const { return m_lon; }
 
+  /// \name Navigation
+  /// @{
   /// Great-circle distance. Symmetric, never negative; a metre and an antipode keep their digits.
   double Distance(const K7LatLon& to) const;
   /// Course on leaving this point towards `to`, [0, 360). -639 where there is no course: between points
@@ -39,7 +41,10 @@ class K7_API K7LatLon {
   /// Moves this position to the point reached from `start` on the initial `course` after `distance`. The
   /// longitude lies within +-180.
   void EndPoint(const K7LatLon& start, double course, double distance);
+  /// @}
 
+  /// \name Text out
+  /// @{
   /// Writes the latitude (longitude) by a template such as "%H %02d %04.1M": bytes are copied, and "%", an
   /// optional width and precision as in printf, and a letter print
   ///
@@ -57,7 +62,10 @@ class K7_API K7LatLon {
   /// degrees do not fit an int, or without memory.
   bool FormatLat(const char* fmt, K7String& out) const { return Format(fmt, out, true); }
   bool FormatLon(const char* fmt, K7String& out) const { return Format(fmt, out, false); }
+  /// @}
 
+  /// \name Text in
+  /// @{
   /// Reads one coordinate: degrees, minutes, seconds as separate numbers, or packed as DDMM, DDMMSS, or
   /// DDMMSS with implied decimals of seconds behind; MMSS may follow degrees. Hemisphere letter anywhere, or
   /// a sign before the first number. Separators are the bytes "-: ./\_'\";" and 176. Numbers are digits with
@@ -101,6 +109,7 @@ class K7_API K7LatLon {
   ///
   /// The characters consumed, which is the whole text; 0 on failure, which leaves this position unchanged.
   int ParsePosition(const char* text);
+  /// @}
 
  protected:
   bool Format(const char* fmt, K7String& out, bool latitude) const;

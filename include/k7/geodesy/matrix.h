@@ -16,6 +16,8 @@ class K7_API K7Matrix4x4 {
   K7Matrix4x4() = default;
 
   int Identity();
+  /// \name Elements
+  /// @{
   /// Four columns; null is K7_ERR_OUT_OF_RANGE.
   int Set(const K7Vector4* columns);
   /// 0 for an index outside 0 to 3.
@@ -27,7 +29,11 @@ class K7_API K7Matrix4x4 {
   /// A column, 0 to 3: not checked.
   K7Vector4& operator[](int col) { return m_columns[col]; }
   const K7Vector4& operator[](int col) const { return m_columns[col]; }
+  /// @}
 
+  /// \name Builders
+  /// Each multiplies its matrix onto this one.
+  /// @{
   /// this = this x m.
   int Multiply(const K7Matrix4x4& m);
   K7Matrix4x4 operator*(const K7Matrix4x4& m) const;
@@ -50,6 +56,7 @@ class K7_API K7Matrix4x4 {
   int Perspective(double fovy, double aspect, double zNear, double zFar);
   /// K7_ERR_OUT_OF_RANGE for a null pointer, an eye at the centre, or an up along the line of sight.
   int LookAt(const K7Vector3* eye, const K7Vector3* centre, const K7Vector3* up);
+  /// @}
 
   /// K7_ERR_OUT_OF_RANGE for a matrix that is singular to the precision of its numbers. Scaling rows or
   /// columns, however far, makes no matrix singular.

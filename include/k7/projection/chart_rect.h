@@ -21,6 +21,8 @@ class K7_API K7ChartRect {
   double East() const { return m_east; }
   double West() const { return m_west; }
 
+  /// \name Questions
+  /// @{
   bool IsEmpty() const { return m_south > m_north; }
   /// Exactly 90, -90, 180, -180.
   bool IsEntireWorld() const;
@@ -29,12 +31,19 @@ class K7_API K7ChartRect {
   /// The two share a point: overlap, not containment.
   bool AreaIn(double n, double s, double e, double w) const;
   bool AreaIn(const K7ChartRect& area) const;
+  /// The middle latitude and longitude, the longitude within [-180, 180].
+  void Center(double& lat, double& lon) const;
+  bool operator==(const K7ChartRect& other) const;
+  bool operator!=(const K7ChartRect& other) const { return !(*this == other); }
+  /// This lies within `other`: including this in `other` leaves it exactly as it is.
+  bool operator<(const K7ChartRect& other) const;
+  /// @}
 
+  /// \name Growing and cutting
+  /// @{
   /// Grows by the lesser way to take in a point, across 180 where that is shorter. A position that is not a
   /// number changes nothing.
   void Include(double lat, double lon);
-  /// The middle latitude and longitude, the longitude within [-180, 180].
-  void Center(double& lat, double& lon) const;
   /// Grows by margins in degrees and clamps to the world. A rectangle across 180 is clamped alike and may
   /// lose its crossing.
   void Expand(double dLat, double dLon);
@@ -52,11 +61,7 @@ class K7_API K7ChartRect {
   /// has no such limit.
   bool Intersect(const K7ChartRect& a, const K7ChartRect& b);
   K7ChartRect& operator&=(const K7ChartRect& other);
-
-  bool operator==(const K7ChartRect& other) const;
-  bool operator!=(const K7ChartRect& other) const { return !(*this == other); }
-  /// This lies within `other`: including this in `other` leaves it exactly as it is.
-  bool operator<(const K7ChartRect& other) const;
+  /// @}
 
   /// Reads north, south, east, west as 8-byte little-endian floats. What the last read returned (8 when all
   /// is well, less or a negative code at the end of the file); K7_ERR_BAD_ARGUMENT for null. A field that

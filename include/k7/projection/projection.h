@@ -47,12 +47,15 @@ class K7_API K7Projection {
   /// The kind's name in English, a static text.
   virtual const char* Name() const = 0;
 
-  /// Parameters that a user may set, each a number with a name.
+  /// \name Parameters
+  /// Numbers with a name that a user may set.
+  /// @{
   virtual int ParamCount() const;
   /// A static text, or null.
   virtual const char* ParamName(int index) const;
   virtual void ParamValue(int index, double value);
   virtual double ParamValue(int index) const;
+  /// @}
 
   /// World point under a device point: what lies there at depth 0 for the flat families, the visible surface
   /// of the globe for the azimuthal ones (see there for the limits of that). False off the globe and for a
@@ -76,9 +79,12 @@ class K7_API K7Projection {
   /// outside the projection's domain.
   virtual bool CenterOn(K7Grfx* g, double lat, double lon) const = 0;
 
+  /// \name Families
+  /// @{
   virtual bool IsCylindrical() const;
   virtual bool IsConic() const;
   virtual bool IsAzimuthal() const;
+  /// @}
   /// Local scale as a factor, for hosts that correct a scale bar; 1 where a kind has no rule of its own.
   virtual double ScaleError(double lat, double lon) const;
 
