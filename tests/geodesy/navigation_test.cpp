@@ -115,9 +115,7 @@ TEST(Navigation, CoursesStayInRangeAndIdenticalPositionsHaveNone) {
   for (int i = 0; i < 20000; ++i) {
     const K7LatLon a = positions.NextLatLon(), b = positions.NextLatLon();
     const K7ECEF p(a.Lat(), a.Lon());
-    EXPECT_EQ(a.InitCourse(a), -639.0);
     EXPECT_EQ(a.FinalCourse(a), 261.0);
-    EXPECT_EQ(p.InitCourse(p), -639.0);
     EXPECT_EQ(FinalCourse(p, p), 261.0);
     // Along the meridian the east component is rounding noise of either sign.
     for (const K7LatLon& to : {b, K7LatLon(b.Lat(), a.Lon())}) {

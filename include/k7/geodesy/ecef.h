@@ -14,9 +14,9 @@ class K7_API K7ECEF {
  public:
   K7ECEF() = default;
   K7ECEF(double x, double y, double z) : m_x(x), m_y(y), m_z(z) {}
-  /// Unit vector of a position.
+  /// Makes the unit vector of a position.
   K7ECEF(double lat, double lon);
-  /// The point reached from `start`, as EndPoint.
+  /// Makes the point reached from `start`, as `EndPoint` does.
   K7ECEF(const K7ECEF& start, double course, double distance);
 
   double X() const { return m_x; }
@@ -26,12 +26,12 @@ class K7_API K7ECEF {
   /// \name Positions
   /// @{
   void SetLatLon(double lat, double lon);
-  /// Longitude within +-180. Of the length only z matters: it is the sine of the latitude.
+  /// Answers a longitude within +-180. Of the length only z matters: it is the sine of the latitude.
   void GetLatLon(double& lat, double& lon) const;
 
-  /// Great-circle distance.
+  /// Answers the great-circle distance in nautical miles.
   double Distance(const K7ECEF& to) const;
-  /// The same in radians.
+  /// Answers the same in radians.
   double Angle(const K7ECEF& to) const;
   /// Course on leaving this point towards `to`, [0, 360). -639 where there is no course: between points
   /// whose vectors differ by at most 4 epsilon in each component (180 east and west, a pole and itself), and
@@ -43,19 +43,20 @@ class K7_API K7ECEF {
 
   /// \name Vectors
   /// @{
-  /// this = a x b; either may be this object.
+  /// Sets this to a x b. Either may be this object.
   void CrossProduct(const K7ECEF& a, const K7ECEF& b) {
     *this =
         K7ECEF(a.m_y * b.m_z - a.m_z * b.m_y, a.m_z * b.m_x - a.m_x * b.m_z, a.m_x * b.m_y - a.m_y * b.m_x);
   }
   double DotProduct(const K7ECEF& b) const { return m_x * b.m_x + m_y * b.m_y + m_z * b.m_z; }
-  /// this = a x b, normalised; false when its length is not above 0, with the product left as it is.
+  /// Sets this to a x b, normalised. Answers false, and leaves the product as it is, when its length is not
+  /// above 0.
   bool UnitNormal(const K7ECEF& a, const K7ECEF& b) {
     CrossProduct(a, b);
     return Normalize();
   }
   double Magnitude() const { return std::sqrt(DotProduct(*this)); }
-  /// False, and unchanged, when the length is not above 0.
+  /// Divides by the length. Answers false, and changes nothing, when the length is not above 0.
   bool Normalize() {
     const double length = Magnitude();
     if (!(length > 0)) return false;
@@ -79,7 +80,7 @@ class K7_API K7ECEF {
     m_z /= k;
     return *this;
   }
-  /// Exact, component by component.
+  /// Compares exactly, component by component.
   bool operator==(const K7ECEF& b) const { return m_x == b.m_x && m_y == b.m_y && m_z == b.m_z; }
   bool operator!=(const K7ECEF& b) const { return !(*this == b); }
   /// @}
@@ -95,9 +96,9 @@ static_assert(sizeof(K7ECEF) == 3 * sizeof(double));
 /// \name Headings
 /// Degrees.
 /// @{
-/// Angle between two headings within one turn, [0, 180].
+/// Answers the angle between two headings within one turn, [0, 180].
 K7_API double HeadingDiff(double a, double b);
-/// The heading half-way on the shorter side. Not normalised: the result may exceed 360.
+/// Answers the heading half-way on the shorter side. The result is not normalised: it may exceed 360.
 K7_API double MidHeading(double a, double b);
 /// The heading within [0, 360]; 360 itself and its positive multiples give 360. Not a number for an infinite
 /// one.

@@ -29,7 +29,8 @@ class K7_API K7LatLon {
 
   /// \name Navigation
   /// @{
-  /// Great-circle distance. Symmetric, never negative; a metre and an antipode keep their digits.
+  /// Answers the great-circle distance, the same both ways and never negative. A metre and an antipode keep
+  /// their digits.
   double Distance(const K7LatLon& to) const;
   /// Course on leaving this point towards `to`, [0, 360). -639 where there is no course: between points
   /// whose vectors differ by at most 4 epsilon in each component (180 east and west, a pole and itself), and

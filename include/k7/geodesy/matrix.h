@@ -18,12 +18,12 @@ class K7_API K7Matrix4x4 {
   int Identity();
   /// \name Elements
   /// @{
-  /// Four columns; null is K7_ERR_OUT_OF_RANGE.
+  /// Takes four columns. Null is K7_ERR_OUT_OF_RANGE.
   int Set(const K7Vector4* columns);
-  /// 0 for an index outside 0 to 3.
+  /// Answers 0 for an index outside 0 to 3.
   double GetValue(int row, int col) const;
   int SetValue(int row, int col, double value);
-  /// The sixteen numbers in place.
+  /// Hands out the sixteen numbers in place.
   double* ToArray() { return m_columns[0].ToArray(); }
   const double* ToArray() const { return m_columns[0].ToArray(); }
   /// A column, 0 to 3: not checked.
@@ -41,7 +41,8 @@ class K7_API K7Matrix4x4 {
   bool operator==(const K7Matrix4x4& m) const;
   bool operator!=(const K7Matrix4x4& m) const { return !(*this == m); }
 
-  /// By exactly nothing, it leaves even a matrix that holds no numbers as it is.
+  /// Moves what the matrix is given. A move by exactly nothing leaves even a matrix that holds no numbers as
+  /// it is.
   int Translate(double x, double y, double z);
   int Scale(double x, double y, double z);
   /// `angle` in degrees about the axis, counter-clockwise as seen from its tip. A zero axis is

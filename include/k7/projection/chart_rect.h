@@ -26,16 +26,16 @@ class K7_API K7ChartRect {
   bool IsEmpty() const { return m_south > m_north; }
   /// Exactly 90, -90, 180, -180.
   bool IsEntireWorld() const;
-  /// False for what is not a number.
+  /// Answers false for what is not a number.
   bool PtIn(double lat, double lon) const;
-  /// The two share a point: overlap, not containment.
+  /// Answers whether the two share a point: overlap, not containment.
   bool AreaIn(double n, double s, double e, double w) const;
   bool AreaIn(const K7ChartRect& area) const;
-  /// The middle latitude and longitude, the longitude within [-180, 180].
+  /// Answers the middle latitude and longitude. The longitude lies within [-180, 180].
   void Center(double& lat, double& lon) const;
   bool operator==(const K7ChartRect& other) const;
   bool operator!=(const K7ChartRect& other) const { return !(*this == other); }
-  /// This lies within `other`: including this in `other` leaves it exactly as it is.
+  /// Answers whether this lies within `other`: including this in `other` leaves it exactly as it is.
   bool operator<(const K7ChartRect& other) const;
   /// @}
 
