@@ -70,10 +70,15 @@ bool K7XmlText::Grow(size_t n) {
 
 void K7XmlText::AppendEscaped(const char* text) {
   while (true) {
-    const size_t plain = PlainLength(text);
-    Append(text, plain);
-    text += plain;
+    char* p = m_bytes + m_size;
+    const char* const end = p + Room();
+    while (p != end && !STOPS[static_cast<unsigned char>(*text)]) *p++ = *text++;
+    m_size = static_cast<size_t>(p - m_bytes);
     if (!*text) return;
+    if (p == end) {
+      if (!Reserve(1)) return;
+      continue;
+    }
     const std::string_view entity = EntityOf(*text++);
     Append(entity.data(), entity.size());
   }

@@ -22,7 +22,14 @@ class K7XmlText {
     std::memcpy(m_bytes + m_size, text, n);
     m_size += n;
   }
-  void Append(const char* text) { Append(text, std::strlen(text)); }
+  /// Byte by byte: names and values are short, and so their length is not counted first.
+  void Append(const char* text) {
+    char* p = m_bytes + m_size;
+    const char* const end = p + Room();
+    while (p != end && *text) *p++ = *text++;
+    m_size = static_cast<size_t>(p - m_bytes);
+    if (*text) Append(text, std::strlen(text));
+  }
   void AppendRun(char c, size_t n) {
     if (!Reserve(n)) return;
     std::memset(m_bytes + m_size, c, n);
@@ -42,6 +49,8 @@ class K7XmlText {
   int Size() const { return static_cast<int>(m_size); }
 
  private:
+  // How many bytes fit without growing.
+  size_t Room() const { return m_capacity ? m_capacity - 1 - m_size : 0; }
   // Room for `n` more bytes, or false.
   bool Reserve(size_t n) { return n < m_capacity - m_size || Grow(n); }
   bool Grow(size_t n);

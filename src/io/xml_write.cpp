@@ -7,12 +7,11 @@
 #include <k7/io/io.h>
 #include <k7/io/io_native.h>
 
-#include "io/os.h"
+#include "io/xml_file.h"
 #include "io/xml_text.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <typeinfo>
 
@@ -21,54 +20,14 @@ namespace {
 constexpr char DECLARATION_LINE[] = "<?xml version=\"1.0\" encoding=\"windows-1252\"?>\n";
 constexpr int DECLARATION_LENGTH = sizeof DECLARATION_LINE - 1;
 
-// `text` begins with the declaration line.
-bool WriteText(K7IO& io, const char* path, const K7XmlText& text) {
+// Only the native file system can put one file into the place of another; a host's own has the named file
+// opened and no other. `text` begins with the declaration line.
+int Save(K7IO& io, const char* path, const K7XmlText& text) {
+  if (typeid(io) == typeid(K7IOK7)) return SaveXmlFile(path, text);
   const std::unique_ptr<K7File> file(io.CreateFileX(path, "w"));
-  if (!file || !file->IsValid() || !file->WriteLine(DECLARATION_LINE)) return false;
+  if (!file || !file->IsValid() || !file->WriteLine(DECLARATION_LINE)) return K7_ERR_FILE_IO;
   const int rest = text.Size() - DECLARATION_LENGTH;
-  return file->Write(text.Text() + DECLARATION_LENGTH, rest) == rest;
-}
-
-// A full disk may show itself only when the last buffer is written, and neither flushing nor closing reports
-// it: what the file holds does.
-bool Holds(K7IO& io, const char* path, const K7XmlText& text) {
-  const std::unique_ptr<K7File> file(io.CreateFileX(path, "r"));
-  if (!file || !file->IsValid()) return false;
-  char chunk[4096];
-  const char* expected = text.Text();
-  const char* const end = expected + text.Size();
-  while (expected != end) {
-    const int wanted = static_cast<int>(std::min<std::ptrdiff_t>(end - expected, sizeof chunk));
-    const int n = file->Read(chunk, wanted);
-    if (n <= 0 || n > wanted || std::memcmp(chunk, expected, static_cast<size_t>(n)) != 0) return false;
-    expected += n;
-  }
-  return file->Read(chunk, 1) <= 0;
-}
-
-// Only the native file system can put one file into the place of another.
-bool CanReplace(const K7IO& io) { return typeid(io) == typeid(K7IOK7); }
-
-bool MoveOver(const char* from, const char* to) {
-  const k7os::NativePath nativeFrom(from);
-  const k7os::NativePath nativeTo(to);
-  return nativeFrom.Text() && nativeTo.Text() && k7os::ReplaceFile(nativeFrom.Text(), nativeTo.Text());
-}
-
-bool WriteWhole(K7IO& io, const char* path, const char* beside, const K7XmlText& text) {
-  if (!WriteText(io, beside, text) || !Holds(io, beside, text)) {
-    io.DeleteFileX(beside);
-    return false;
-  }
-  if (CanReplace(io)) {
-    if (MoveOver(beside, path)) return true;
-    io.DeleteFileX(beside);
-    return false;
-  }
-  // From here on the file beside the target is the whole one, and stays unless the target is whole too.
-  if (!WriteText(io, path, text) || !Holds(io, path, text)) return false;
-  io.DeleteFileX(beside);
-  return true;
+  return file->Write(text.Text() + DECLARATION_LENGTH, rest) == rest ? 0 : K7_ERR_FILE_IO;
 }
 
 }  // namespace
@@ -100,8 +59,11 @@ class K7XmlElem::Writer {
   int Write(const K7XmlElem& top);
 
  private:
+  // Above this many levels a text's indentation is small beside what fits into memory.
+  static constexpr int64_t DEEP = 4096;
+
   static bool HasContent(const K7XmlElem& elem) { return elem.m_firstChild && !elem.m_flags; }
-  bool IndentFits(const K7XmlElem& top) const;
+  bool IndentFits(const K7XmlElem& top, int64_t depth) const;
   void WriteStart(const K7XmlElem& elem);
   void WriteMarked(const K7XmlElem& elem);
   void WriteEnd(const K7XmlElem& elem);
@@ -109,31 +71,39 @@ class K7XmlElem::Writer {
 
   K7XmlText& m_out;
   int64_t m_depth;
+  bool m_fits = true;
 };
 
 int K7XmlElem::Writer::Write(const K7XmlElem& top) {
-  if (!IndentFits(top)) return K7_ERR_MEMORY;
+  const int64_t first = m_depth;
+  const int64_t deep = std::max(first, DEEP);
+  m_fits = first <= DEEP || IndentFits(top, first);
+  bool measured = false;
   Walk(
       top,
-      [this](const K7XmlElem& elem) {
+      [&](const K7XmlElem& elem) {
+        if (!m_fits) return false;
         Indent();
         elem.m_flags ? WriteMarked(elem) : WriteStart(elem);
         if (!HasContent(elem)) return false;
-        ++m_depth;
+        if (++m_depth > deep && !measured) {
+          measured = true;
+          m_fits = IndentFits(top, first);
+        }
         return true;
       },
       [this](const K7XmlElem& elem) {
         --m_depth;
+        if (!m_fits) return;
         Indent();
         WriteEnd(elem);
       });
-  return m_out.Failed() ? K7_ERR_MEMORY : 0;
+  return m_fits && !m_out.Failed() ? 0 : K7_ERR_MEMORY;
 }
 
 // Indentation grows with the square of the depth: a text that it makes too long is refused before gigabytes
-// of tabs.
-bool K7XmlElem::Writer::IndentFits(const K7XmlElem& top) const {
-  int64_t depth = m_depth;
+// of tabs. Measured only once a tree turns out to be deep.
+bool K7XmlElem::Writer::IndentFits(const K7XmlElem& top, int64_t depth) const {
   int64_t total = 0;
   Walk(
       top,
@@ -203,10 +173,5 @@ int K7XmlElem::WriteFile(const char* path) const {
   if (const int err = Writer(text, 0).Write(*this)) return err;
   K7IO* const io = K7IO::Inst();
   if (!io) return K7_ERR_FILE_IO;
-  // Behind a link the file may be on another file system, where it can only be replaced from.
-  K7String target(path);
-  if (CanReplace(*io) && !k7os::FollowLinks(path, target)) return K7_ERR_MEMORY;
-  K7String beside(target);
-  if (beside += ".tmp") return K7_ERR_MEMORY;
-  return WriteWhole(*io, target, beside, text) ? 0 : K7_ERR_FILE_IO;
+  return Save(*io, path, text);
 }

@@ -70,13 +70,13 @@ TEST_F(OptionsTest, FailuresLeaveSettingsAndFileAlone) {
   }
   EXPECT_STREQ(m_options.GetValueByKey("Kept"), "yes");
 
-  m_options.SetOption("More", "text");
-  m_io.room = whole.size();
-  EXPECT_EQ(m_options.Write("o.xml"), K7_ERR_INVALID_DATA);
-  m_io.room = SIZE_MAX;
   m_options.SetOption("Not a name", "1");
   EXPECT_EQ(m_options.Write("o.xml"), K7_ERR_INVALID_DATA);
   EXPECT_EQ(File("o.xml"), whole);
+  m_options.SetOption("Not a name", "1");
+  m_io.room = whole.size() - 1;
+  EXPECT_EQ(m_options.Write("other.xml"), K7_ERR_INVALID_DATA);
+  m_io.room = SIZE_MAX;
 
   m_io.Put("empty.xml", std::string("<Options/>"));
   ASSERT_EQ(m_options.Read("empty.xml"), 0);

@@ -7,8 +7,14 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -195,7 +201,6 @@ TEST(Xml, FilesCutAtEveryByteGiveACodeAndALogLine) {
   ASSERT_EQ(root.ParseFile("whole.xml"), 0);
   ASSERT_EQ(root.WriteFile("copy.xml"), 0);
   EXPECT_EQ(io.Get("copy.xml"), io.Get("whole.xml"));
-  EXPECT_EQ(io.files.count("copy.xml.tmp"), 0u);
 
   const std::string document = DOCUMENT;
   for (size_t n = 0; n + 1 < document.size(); ++n) {
@@ -225,45 +230,135 @@ TEST(Xml, FilesCutAtEveryByteGiveACodeAndALogLine) {
             std::string::npos);
 }
 
-TEST(Xml, FullDiskLeavesTheOldFile) {
+TEST(Xml, HostsServicesOpenTheNamedFileAlone) {
   MemIO io;
   const ScopedIO scope(&io);
-  io.Put("o.xml", std::string("<Old/>"));
+  io.Put("o.xml.tmp", std::string("the user's"));
   K7XmlElem root("New", "text");
-  for (io.room = 0; root.WriteFile("o.xml") != 0; ++io.room) {
-    ASSERT_EQ(io.Get("o.xml").size(), 6u) << io.room;
-    ASSERT_EQ(io.files.size(), 1u);
-  }
+  for (io.room = 0; root.WriteFile("o.xml") != 0; ++io.room) ASSERT_EQ(io.files.size(), 2u) << io.room;
   EXPECT_EQ(io.room, io.Get("o.xml").size());
+  EXPECT_EQ(io.files.size(), 2u);
+  EXPECT_EQ(io.Get("o.xml.tmp").size(), 10u);
 }
 
-TEST(Xml, NativeFileIsReplacedInOneStep) {
-  K7IOK7 io;
-  const ScopedIO scope(&io);
-  const fs::path dir = fs::temp_directory_path() / "k7_xml_test";
-  fs::remove_all(dir);
-  fs::create_directories(dir);
-  const std::string target = (dir / "o.xml").string();
+std::string FileText(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// A folder of the test's own, and the native services.
+class XmlFile : public testing::Test {
+ protected:
+  XmlFile() : m_scope(&m_io) {
+    std::string name = (fs::temp_directory_path() / "k7_xml_XXXXXX").string();
+    m_dir = mkdtemp(name.data());
+  }
+  ~XmlFile() override { fs::remove_all(m_dir); }
+
+  int Write(const fs::path& path) const { return m_tree.WriteFile(path.c_str()); }
+  std::ptrdiff_t Names() const { return std::distance(fs::directory_iterator(m_dir), {}); }
+
+  K7IOK7 m_io;
+  ScopedIO m_scope;
+  fs::path m_dir;
+  K7XmlElem m_tree{"New", "100% sure"};
+  const std::string m_text = "<?xml version=\"1.0\" encoding=\"windows-1252\"?>\n<New>100% sure</New>\n";
+};
+
+TEST_F(XmlFile, IsReplacedBehindItsLink) {
   // On another file system than the link, where there is one.
-  const fs::path real = (fs::is_directory("/dev/shm") ? "/dev/shm" : dir) / "k7_xml_test_real.xml";
+  const fs::path other = fs::is_directory("/dev/shm") ? "/dev/shm" : m_dir;
+  const fs::path real = other / (m_dir.filename().string() + ".xml");
   std::ofstream(real) << "old";
-  fs::permissions(real, fs::perms::owner_read | fs::perms::owner_write);
-  fs::create_symlink(real, dir / "o.xml");
-
-  K7XmlElem root("New", "100% sure");
-  EXPECT_EQ(root.WriteFile(target.c_str()), 0);
-  EXPECT_TRUE(fs::is_symlink(dir / "o.xml"));
-  EXPECT_EQ(fs::status(real).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-  K7XmlElem back;
-  EXPECT_EQ(back.ParseFile(target.c_str()), 0);
-  EXPECT_EQ(Written(back), "<New>100% sure</New>\n");
-  EXPECT_FALSE(fs::exists(real.string() + ".tmp") || fs::exists(target + ".tmp"));
-
-  EXPECT_EQ(root.WriteFile("/dev/full"), K7_ERR_FILE_IO);
-  EXPECT_EQ(root.WriteFile((dir / "none" / "o.xml").string().c_str()), K7_ERR_FILE_IO);
-  EXPECT_EQ(back.ParseFile(dir.string().c_str()), K7_ERR_FILE_IO);
+  const fs::perms mine = fs::perms::owner_read | fs::perms::owner_write;
+  fs::permissions(real, mine);
+  fs::create_symlink(real, m_dir / "o.xml");
+  std::ofstream(real.string() + ".tmp") << "the user's";
+  std::ifstream reader(real);  // still sees the file that it opened
+  EXPECT_EQ(Write(m_dir / "o.xml"), 0);
+  EXPECT_TRUE(fs::is_symlink(m_dir / "o.xml"));
+  EXPECT_EQ(FileText(real), m_text);
+  EXPECT_EQ(fs::status(real).permissions(), mine);
+  EXPECT_EQ(FileText(real.string() + ".tmp"), "the user's");
+  std::string before;
+  EXPECT_TRUE(reader >> before && before == "old");
+  EXPECT_EQ(Names(), 1);
   fs::remove(real);
-  fs::remove_all(dir);
+  fs::remove(real.string() + ".tmp");
+}
+
+TEST_F(XmlFile, IsWrittenItselfWhereNoOtherMayTakeItsPlace) {
+  // A second name, and a link that leads to no file yet.
+  std::ofstream(m_dir / "one.xml") << "old";
+  fs::create_hard_link(m_dir / "one.xml", m_dir / "two.xml");
+  EXPECT_EQ(Write(m_dir / "two.xml"), 0);
+  EXPECT_EQ(FileText(m_dir / "one.xml"), m_text);
+  fs::create_symlink("later.xml", m_dir / "link.xml");
+  EXPECT_EQ(Write(m_dir / "link.xml"), 0);
+  EXPECT_TRUE(fs::is_symlink(m_dir / "link.xml"));
+  EXPECT_EQ(FileText(m_dir / "later.xml"), m_text);
+
+  // Another owner, whom only root can make.
+  if (chown((m_dir / "later.xml").c_str(), 12345, 12345) == 0) {
+    EXPECT_EQ(Write(m_dir / "later.xml"), 0);
+    struct stat info;
+    ASSERT_EQ(stat((m_dir / "later.xml").c_str(), &info), 0);
+    EXPECT_EQ(info.st_uid, 12345u);
+    EXPECT_EQ(FileText(m_dir / "later.xml"), m_text);
+  }
+  // A pipe takes the text; nothing is made of it.
+  const fs::path pipe = m_dir / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  std::string piped;
+  std::thread reader([&] { piped = FileText(pipe); });
+  EXPECT_EQ(Write(pipe), 0);
+  reader.join();
+  EXPECT_EQ(piped, m_text);
+  EXPECT_TRUE(fs::is_fifo(pipe));
+  EXPECT_EQ(Names(), 5);
+
+  EXPECT_EQ(Write(m_dir / "none" / "o.xml"), K7_ERR_FILE_IO);
+  EXPECT_EQ(Write(m_dir), K7_ERR_FILE_IO);
+  EXPECT_EQ(K7XmlElem().ParseFile(m_dir.c_str()), K7_ERR_FILE_IO);
+}
+
+// True when `act` in a process of its own gives `expected`.
+bool GivesApart(int expected, const std::function<int()>& act) {
+  const pid_t child = fork();
+  if (child == 0) _exit(act() == expected ? 0 : 1);
+  int status = 1;
+  return waitpid(child, &status, 0) == child && status == 0;
+}
+
+TEST_F(XmlFile, ClosedFoldersAndProtectedFiles) {
+  const fs::path open = m_dir / "open.xml", closed = m_dir / "closed.xml";
+  std::ofstream(open) << "old";
+  std::ofstream(closed) << "old";
+  fs::permissions(open, static_cast<fs::perms>(0666));
+  fs::permissions(closed, static_cast<fs::perms>(0444));
+  fs::permissions(m_dir, static_cast<fs::perms>(0555));
+  const auto asNobody = [&](const fs::path& path) {
+    // Root's rights would open everything.
+    return geteuid() != 0 || setuid(65534) == 0 ? Write(path) : 1;
+  };
+  EXPECT_TRUE(GivesApart(0, [&] { return asNobody(open); }));
+  EXPECT_EQ(FileText(open), m_text);
+  fs::permissions(m_dir, static_cast<fs::perms>(0777));
+  EXPECT_TRUE(GivesApart(K7_ERR_FILE_IO, [&] { return asNobody(closed); }));
+  EXPECT_EQ(FileText(closed), "old");
+  EXPECT_EQ(Names(), 2);
+}
+
+// Files may grow to a few bytes only: as full as a disk that fills up in the middle.
+TEST_F(XmlFile, FullDiskLeavesTheOldFile) {
+  std::ofstream(m_dir / "o.xml") << "old";
+  EXPECT_TRUE(GivesApart(K7_ERR_FILE_IO, [&] {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{m_text.size() - 1, m_text.size() - 1};
+    return setrlimit(RLIMIT_FSIZE, &limit) == 0 ? Write(m_dir / "o.xml") : 1;
+  }));
+  EXPECT_EQ(FileText(m_dir / "o.xml"), "old");
+  EXPECT_EQ(Names(), 1);
 }
 
 }  // namespace

@@ -104,12 +104,15 @@ class K7_API K7XmlElem {
   /// Reads the root element of a file. The code of `Parse`; K7_ERR_XML_MISMATCHED_TAG for a file without a
   /// named element; K7_ERR_FILE_IO, with this element unchanged, for one that does not open or read.
   int ParseFile(const char* path);
-  /// Writes the declaration line and this subtree. The text goes to a file beside the target first (its path
-  /// with ".tmp" added), is read back, and only then takes the target's place, so that neither a full disk
-  /// nor a crash costs a whole file that was there. On the native file system that last step is one step, and
-  /// a link leads to the file that is replaced; a host's own, which can only write, gets the target written
-  /// anew, and the file beside it stays if that fails. 0, K7_ERR_MEMORY, K7_ERR_BAD_ARGUMENT for null, or
+  /// Writes the declaration line and this subtree. 0, K7_ERR_MEMORY, K7_ERR_BAD_ARGUMENT for null, or
   /// K7_ERR_FILE_IO.
+  ///
+  /// On the native file system a file is replaced in one step once the new bytes are on the disk: neither a
+  /// full disk nor a crash costs a whole file that was there. They go to a file beside it, under a name that
+  /// nobody uses; a link leads to the file that is replaced, and permissions stay. Where another file cannot
+  /// take its place (the folder takes no new files, the file has several names or another owner, the link
+  /// leads to none yet, it is a device) the named file itself is written. Through a host's own `K7IO` the
+  /// named file is opened, and no other.
   int WriteFile(const char* path) const;
 
  private:

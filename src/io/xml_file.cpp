@@ -1,0 +1,73 @@
+#include "io/xml_file.h"
+
+#include <k7/foundation/error_string.h>
+#include <k7/foundation/string.h>
+
+#include "io/os.h"
+#include "io/xml_text.h"
+
+#include <atomic>
+#include <cstdint>
+#include <ctime>
+
+namespace {
+
+constexpr int DIRECTLY = 1;
+
+// A full disk may show itself only when the last buffer is written, and some show it when the file is closed.
+bool WriteAndClose(std::FILE* stream, const K7XmlText& text) {
+  const size_t size = static_cast<size_t>(text.Size());
+  const bool written = std::fwrite(text.Text(), 1, size, stream) == size && k7os::Store(stream);
+  return std::fclose(stream) == 0 && written;
+}
+
+// Opens a file beside `target` under a name that nobody uses: the mode's "x" takes no other. Null where the
+// folder takes no new file. `path` is empty without memory.
+std::FILE* OpenBeside(const K7String& target, K7String& path) {
+  static std::atomic<unsigned> count{0};
+  static const int ATTEMPTS = 8;
+  const unsigned start = static_cast<unsigned>(std::time(nullptr)) * 2654435761U +
+                         static_cast<unsigned>(reinterpret_cast<uintptr_t>(&path) >> 4);
+  std::FILE* stream = nullptr;
+  for (int i = 0; i < ATTEMPTS && !stream; ++i) {
+    if (path.Format("%s.%08x.tmp", static_cast<const char*>(target), start + count++) < 0) {
+      path.Clear();
+      return nullptr;
+    }
+    stream = k7os::OpenStream(path, "wx");
+  }
+  return stream;
+}
+
+// 0, a code, or DIRECTLY with `target` untouched.
+int Replace(const K7String& target, const K7XmlText& text) {
+  K7String path;
+  std::FILE* const stream = OpenBeside(target, path);
+  if (!stream) return path.IsEmpty() ? K7_ERR_MEMORY : DIRECTLY;
+  const k7os::NativePath from(path);
+  const k7os::NativePath to(target);
+  int result = from.Text() && to.Text() ? 0 : K7_ERR_MEMORY;
+  if (result == 0 && !k7os::CanTakePlace(stream, to.Text())) result = DIRECTLY;
+  if (result != 0) {
+    std::fclose(stream);
+  } else if (!WriteAndClose(stream, text)) {
+    result = K7_ERR_FILE_IO;
+  } else if (!k7os::ReplaceFile(from.Text(), to.Text())) {
+    // The new bytes found room, so that the old file may be given up: a mounted file, say, keeps its place.
+    result = DIRECTLY;
+  }
+  if (result != 0 && from.Text()) k7os::DeleteFile(from.Text());
+  return result;
+}
+
+}  // namespace
+
+int SaveXmlFile(const char* path, const K7XmlText& text) {
+  K7String target;
+  if (!k7os::FollowLinks(path, target)) return K7_ERR_MEMORY;
+  // A link that is still one leads nowhere yet: writing makes the file that it names.
+  const int result = k7os::IsLink(target) ? DIRECTLY : Replace(target, text);
+  if (result != DIRECTLY) return result;
+  std::FILE* const stream = k7os::OpenStream(target, "w");
+  return stream && WriteAndClose(stream, text) ? 0 : K7_ERR_FILE_IO;
+}
