@@ -46,18 +46,20 @@ int LoadSettings(const K7XmlElem& root, K7PtrArray& settings) {
   for (const K7XmlElem* elem = root.FirstChild(); elem; elem = elem->NextSibling()) ++count;
   if (const int err = settings.GrowTo(count, false)) return err;
   for (const K7XmlElem* elem = root.FirstChild(); elem; elem = elem->NextSibling()) {
-    K7String group;
-    elem->Attrib(GROUP, group);
-    if (const int err = AppendSetting(settings, elem->Name(), elem->Text(), group)) return err;
+    if (const int err = AppendSetting(settings, elem->Name(), elem->Text(), elem->AttribValue(GROUP)))
+      return err;
   }
   return 0;
 }
 
+// Whatever the reader takes for the name again: a "/" at its beginning would close, at its end empty it.
 bool CanNameElement(const char* key) {
-  return *key && !std::strpbrk(key, " \t\n\v\f\r<>/") && *key != '?' && *key != '!';
+  return *key && !std::strpbrk(key, " \t\n\v\f\r<>") && !std::strchr("?!/", *key) &&
+         key[std::strlen(key) - 1] != '/';
 }
 
 int MakeTree(const K7PtrArray& settings, K7XmlElem& root) {
+  if (const int err = root.SetName(ROOT)) return err;
   for (int i = 0; i < settings.Count(); ++i) {
     const K7KeyValue& setting = *At(settings, i);
     if (!CanNameElement(setting.key)) return K7_ERR_INVALID_DATA;
@@ -107,7 +109,7 @@ int K7Options::Read(const char* path) {
 
 int K7Options::Write(const char* path) {
   const K7LockGuard lock(m_mutex);
-  K7XmlElem root(ROOT);
+  K7XmlElem root;
   int err = MakeTree(m_settings, root);
   if (err == 0) err = root.WriteFile(path);
   return err == 0 || err == K7_ERR_MEMORY ? err : K7_ERR_INVALID_DATA;

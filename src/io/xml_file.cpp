@@ -7,6 +7,7 @@
 #include "io/xml_text.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cstdint>
 #include <ctime>
 
@@ -23,14 +24,14 @@ bool WriteAndClose(std::FILE* stream, const K7XmlText& text) {
 
 // Opens a file beside `target` under a name that nobody uses: the mode's "x" takes no other. Null where the
 // folder takes no new file. `path` is empty without memory.
-std::FILE* OpenBeside(const K7String& target, K7String& path) {
+std::FILE* OpenBeside(const char* target, K7String& path) {
   static std::atomic<unsigned> count{0};
   static const int ATTEMPTS = 8;
   const unsigned start = static_cast<unsigned>(std::time(nullptr)) * 2654435761U +
                          static_cast<unsigned>(reinterpret_cast<uintptr_t>(&path) >> 4);
   std::FILE* stream = nullptr;
   for (int i = 0; i < ATTEMPTS && !stream; ++i) {
-    if (path.Format("%s.%08x.tmp", static_cast<const char*>(target), start + count++) < 0) {
+    if (path.Format("%s.%08x.tmp", target, start + count++) < 0) {
       path.Clear();
       return nullptr;
     }
@@ -39,24 +40,22 @@ std::FILE* OpenBeside(const K7String& target, K7String& path) {
   return stream;
 }
 
-// 0, a code, or DIRECTLY with `target` untouched.
-int Replace(const K7String& target, const K7XmlText& text) {
+// 0, a code, or DIRECTLY with `target`, a native path, untouched.
+int Replace(const char* target, const K7XmlText& text) {
   K7String path;
   std::FILE* const stream = OpenBeside(target, path);
   if (!stream) return path.IsEmpty() ? K7_ERR_MEMORY : DIRECTLY;
-  const k7os::NativePath from(path);
-  const k7os::NativePath to(target);
-  int result = from.Text() && to.Text() ? 0 : K7_ERR_MEMORY;
-  if (result == 0 && !k7os::CanTakePlace(stream, to.Text())) result = DIRECTLY;
-  if (result != 0) {
+  int result = 0;
+  if (!k7os::CanTakePlace(stream, target)) {
     std::fclose(stream);
+    result = DIRECTLY;
   } else if (!WriteAndClose(stream, text)) {
     result = K7_ERR_FILE_IO;
-  } else if (!k7os::ReplaceFile(from.Text(), to.Text())) {
-    // The new bytes found room, so that the old file may be given up: a mounted file, say, keeps its place.
+  } else if (!k7os::ReplaceFile(path, target)) {
+    // The new bytes found room, so that the old ones may be given up: a mounted file, say, keeps its place.
     result = DIRECTLY;
   }
-  if (result != 0 && from.Text()) k7os::DeleteFile(from.Text());
+  if (result != 0) k7os::DeleteFile(path);
   return result;
 }
 
@@ -65,9 +64,13 @@ int Replace(const K7String& target, const K7XmlText& text) {
 int SaveXmlFile(const char* path, const K7XmlText& text) {
   K7String target;
   if (!k7os::FollowLinks(path, target)) return K7_ERR_MEMORY;
+  const k7os::NativePath native(target);
+  if (!native.Text()) return K7_ERR_MEMORY;
   // A link that is still one leads nowhere yet: writing makes the file that it names.
-  const int result = k7os::IsLink(target) ? DIRECTLY : Replace(target, text);
+  const int result = k7os::IsLink(native.Text()) ? DIRECTLY : Replace(native.Text(), text);
   if (result != DIRECTLY) return result;
-  std::FILE* const stream = k7os::OpenStream(target, "w");
-  return stream && WriteAndClose(stream, text) ? 0 : K7_ERR_FILE_IO;
+  errno = 0;
+  std::FILE* const stream = k7os::OpenStream(native.Text(), "w");
+  if (!stream) return errno == ENOMEM ? K7_ERR_MEMORY : K7_ERR_FILE_IO;
+  return WriteAndClose(stream, text) ? 0 : K7_ERR_FILE_IO;
 }

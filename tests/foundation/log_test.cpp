@@ -2,10 +2,16 @@
 #include <k7/io/io_native.h>
 
 #include "support/mem_io.h"
+#include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <csignal>
 #include <ctime>
+#include <fstream>
 
 namespace {
 
@@ -53,12 +59,14 @@ TEST(Log, LinesAreExact) {
   const std::string longText(10000, 'x');
   EXPECT_TRUE(K7Log::LogMessage(K7_LOG_CRITICAL, "%s", longText.c_str()));
   EXPECT_TRUE(K7Log::LogMessage(K7_LOG_CRITICAL, ""));
+  const char* const percent = "done to 100%";
+  EXPECT_TRUE(K7Log::LogMessage(K7_LOG_CRITICAL, percent));
   EXPECT_TRUE(K7Log::CloseLogFile());
   EXPECT_TRUE(K7Log::CloseLogFile());
   EXPECT_FALSE(K7Log::LogMessage(K7_LOG_CRITICAL, "behind"));
   EXPECT_EQ(WithoutTimes(Text(io)),
             "earlier\n\n\n  I  3 files in a/b\n  W  100% of %s, %d\n  D  two\nlines\n  C  " + longText +
-                "\n  C  \n" + BANNER);
+                "\n  C  \n  C  done to 100%\n" + BANNER);
 
   // A new log closes the one before it, and its threshold with it.
   io.Put("log", std::string());
@@ -81,7 +89,31 @@ TEST(Log, FailuresAnswerFalse) {
   EXPECT_TRUE(K7Log::CreateLogFile("/no/such/folder/log", &native));
   EXPECT_FALSE(K7Log::LogMessage(K7_LOG_CRITICAL, "no file"));
   EXPECT_TRUE(K7Log::CloseLogFile());
-  EXPECT_FALSE(K7Log::CreateLogFile(nullptr, &native));
+  EXPECT_TRUE(K7Log::CreateLogFile(nullptr, &native));
+  EXPECT_FALSE(K7Log::LogMessage(K7_LOG_CRITICAL, "no file"));
+  EXPECT_TRUE(K7Log::CloseLogFile());
+}
+
+// Files may grow to a few bytes only: a disk that fills up in the middle of a line.
+TEST(Log, FullDiskIsReported) {
+  const TempDir temp;
+  const std::string path = temp / "log";
+  std::ofstream(path) << "earlier 100%";
+  const pid_t child = fork();
+  if (child == 0) {
+    K7IOK7 io;
+    K7Log::CreateLogFile(path.c_str(), &io);
+    bool right = K7Log::LogMessage(K7_LOG_INFO, "%s", "fits, 100%% and %%d");
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{60, 60};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    for (int i = 0; i < 3; ++i) right = right && !K7Log::LogMessage(K7_LOG_INFO, "too long for what is left");
+    K7Log::CloseLogFile();
+    _exit(right ? 0 : 1);
+  }
+  int status = 1;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <k7/io/xml_elem.h>
 
 #include "support/mem_io.h"
+#include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
 
@@ -249,18 +250,13 @@ std::string FileText(const fs::path& path) {
 // A folder of the test's own, and the native services.
 class XmlFile : public testing::Test {
  protected:
-  XmlFile() : m_scope(&m_io) {
-    std::string name = (fs::temp_directory_path() / "k7_xml_XXXXXX").string();
-    m_dir = mkdtemp(name.data());
-  }
-  ~XmlFile() override { fs::remove_all(m_dir); }
-
   int Write(const fs::path& path) const { return m_tree.WriteFile(path.c_str()); }
   std::ptrdiff_t Names() const { return std::distance(fs::directory_iterator(m_dir), {}); }
 
   K7IOK7 m_io;
-  ScopedIO m_scope;
-  fs::path m_dir;
+  ScopedIO m_scope{&m_io};
+  TempDir m_temp;
+  const fs::path m_dir = m_temp.Path();
   K7XmlElem m_tree{"New", "100% sure"};
   const std::string m_text = "<?xml version=\"1.0\" encoding=\"windows-1252\"?>\n<New>100% sure</New>\n";
 };

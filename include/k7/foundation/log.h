@@ -29,8 +29,8 @@ class K7_API K7Log {
   K7Log& operator=(const K7Log&) = delete;
 
   /// Closes the current log and opens `path` through `io` (null: `K7IO::Inst`) to be appended to, two empty
-  /// lines first. True when there is a file object, also one that failed to open: then `LogMessage` answers
-  /// false.
+  /// lines first. True when `io` gives a file object, also one that failed to open (the native services give
+  /// one for a null path, too): then `LogMessage` answers false.
   static bool CreateLogFile(const char* path, K7IO* io);
   /// Writes the closing banner, a line of 41 asterisks with an empty line on each side, and ends the log.
   /// True.
@@ -40,8 +40,9 @@ class K7_API K7Log {
   static void SetMinReportedSeverity(K7LogSeverity level);
   /// Writes one line, `fmt` expanded as by `K7String::Format`; a newline is added unless the message ends
   /// with one. The line goes through `K7File::WriteLine`, so that two percent signs in a row in the expansion
-  /// become one. False without an open log, for a level outside 0 to 3, and when the line could not be made
-  /// or written. A suppressed message is a success. K7_ERR_LOG is the code for a caller that must report one.
+  /// become one. False without an open log, for a null `fmt` or a level outside 0 to 3, and when the line
+  /// could not be made or written, as on a full disk. A template that cannot be expanded is written as it
+  /// stands. A suppressed message is a success. K7_ERR_LOG is the code for a caller that must report one.
   static bool LogMessage(K7LogSeverity level, const char* fmt, ...);
 
  private:

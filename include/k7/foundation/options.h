@@ -32,8 +32,9 @@ class K7_API K7Options {
   /// `K7XmlElem::ParseFile`, or K7_ERR_MEMORY.
   int Read(const char* path);
   /// Writes the settings in their order, with `K7XmlElem::WriteFile`: a failure leaves a whole file whole. 0,
-  /// K7_ERR_MEMORY, or K7_ERR_INVALID_DATA when the file cannot be written or a key cannot name an element
-  /// (it holds whitespace or one of "<>/", or starts with "?" or "!"): the file could not be read again.
+  /// K7_ERR_MEMORY, or K7_ERR_INVALID_DATA when the file cannot be written or a key cannot name an element:
+  /// it is empty, holds whitespace, "<" or ">", starts with "?", "!" or "/", or ends in "/". The file could
+  /// not be read again.
   int Write(const char* path);
 
   /// The setting at a place in file order, from 0; null behind the last. For whoever checks a whole file.
