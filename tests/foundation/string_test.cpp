@@ -62,10 +62,17 @@ TEST(K7String, CapacityFollowsTheGrowthRule) {
   const char* const bytes = s;
   EXPECT_TRUE(std::all_of(bytes + 2, bytes + 111, [](char c) { return c == 0; }));
   // Exhausted memory leaves the text and its place.
-  for (const int n : {INT_MAX, INT_MAX - 1}) EXPECT_EQ(s.Alloc(n), K7_ERR_MEMORY);
+  EXPECT_EQ(s.Alloc(INT_MAX - 1), K7_ERR_MEMORY);
   EXPECT_EQ(static_cast<const char*>(s), bytes);
   EXPECT_EQ(Text(s), "ab");
   EXPECT_EQ(K7String(s).AllocLen(), 111);
+  // A move takes the larger of the two buffers.
+  K7String moved("x");
+  moved = std::move(s);
+  EXPECT_EQ(moved.AllocLen(), 111);
+  moved = K7String("y");
+  EXPECT_EQ(Text(moved), "y");
+  EXPECT_EQ(moved.AllocLen(), 111);
 }
 
 TEST(K7String, EditsAgreeWithARestatement) {
@@ -139,25 +146,40 @@ TEST(K7String, ANullStringIsTheEmptyText) {
   s.MakeReverse();
   s.MakeInitial();
   s.Trim("x");
-  EXPECT_EQ(s.Replace('a', 'b') + s.Replace("a", "b") + s.Remove('a') + s.Delete(0) + s.Copy(nullptr), 0);
-  EXPECT_EQ(s.Insert(1, "x") + (s += nullptr) + s.Token(",", 0, s), 0);
-  EXPECT_TRUE(s.IsEmpty() && s.Len() == 0 && s[0] == 0 && *static_cast<const char*>(s) == 0);
-  EXPECT_TRUE(s.Find('a') == -1 && s.Find("a") == -1 && s.FindAny("a") == -1 && s.ReverseFind('a') == -1);
-  EXPECT_TRUE(s == nullptr && s == "" && s < "a" && s.Comp("a") == -1 && K7String("a").Comp(nullptr) == 1);
-  EXPECT_TRUE(s.Comp("abc", 2) == -1 && K7String("abc").Comp(nullptr, 2) == 1 && s.Comp(nullptr, 2) == 0);
+  for (const int none : {s.Replace('a', 'b'), s.Replace("a", "b"), s.Remove('a'), s.Delete(0),
+                         s.Copy(nullptr), s.Insert(1, "x"), s += nullptr, s.Token(",", 0, s), s.Len(),
+                         int{s[0]}, K7String("abc").Left(0).AllocLen(), K7String("abc").Mid(3).AllocLen()})
+    EXPECT_EQ(none, 0);
+  for (const int none : {s.Find('a'), s.Find("a"), s.FindAny("a"), s.ReverseFind('a'), s.Comp("a"),
+                         s.Comp("abc", 2), -K7String("a").Comp(nullptr), -K7String("abc").Comp(nullptr, 2)})
+    EXPECT_EQ(none, -1);
+  EXPECT_STREQ(s, "");
+  EXPECT_TRUE(s.IsEmpty());
+  EXPECT_EQ(s.Comp(nullptr, 2), 0);
   int err = 1;
-  EXPECT_TRUE(K7String().Dup(&err) == nullptr && err == 0);
-  EXPECT_EQ(K7String("abc").Left(0, &err).AllocLen() + K7String("abc").Mid(3).AllocLen(), 0);
+  EXPECT_EQ(s.Dup(&err), nullptr);
+  EXPECT_EQ(err, 0);
 }
 
 TEST(K7String, ComparesUnsignedBytes) {
-  const K7String s("Zulu\xB0");
-  EXPECT_TRUE(s > "Zulu~" && s.Comp("Zulu") == 1 && s.Comp("Zulux", 4) == 0);
-  EXPECT_TRUE(s.IComp("zULU\xB0") == 0 && s.IComp("zULU\xF0") < 0 && s.IComp("zuma", 2) == 0);
-  EXPECT_TRUE(K7String("_").IComp("a") > 0 && K7String::IComp(nullptr, "a") == 0);  // "_" follows "A"
+  // Pairs in ascending order, both ways; "_" lies between the cases of letters, "\xB0" behind all of them.
+  const char* const ascending[][2] = {{"Zulu", "Zulu~"}, {"Zulu~", "Zulu\xB0"}, {"z", "\xB0"}, {"", "a"}};
+  for (const auto& [low, high] : ascending) {
+    EXPECT_EQ(K7String(low).Comp(high), -1) << low;
+    EXPECT_EQ(K7String(high).Comp(low), 1) << low;
+    EXPECT_LT(K7String(low).IComp(high), 0) << low;
+    EXPECT_TRUE(K7String(high) > low) << low;
+  }
+  EXPECT_GT(K7String("_").IComp("a"), 0);
+  EXPECT_EQ(K7String("Zulu").Comp("Zulx", 3), 0);
+  EXPECT_EQ(K7String("Zulu\xB0").IComp("zULU\xB0"), 0);
+  EXPECT_EQ(K7String("Zulu").IComp("zuma", 2), 0);
+  EXPECT_EQ(K7String::IComp(nullptr, "a"), 0);
   const char* const list[] = {"ABC", "def", nullptr};
-  EXPECT_TRUE(K7String::Index("DEF", list) == 1 && K7String::Index("de", list) == -1);
-  EXPECT_TRUE(K7String::Index(nullptr, list) == 0 && K7String::Index(nullptr, list + 2) == -1);
+  EXPECT_EQ(K7String::Index("DEF", list), 1);
+  EXPECT_EQ(K7String::Index("de", list), -1);
+  EXPECT_EQ(K7String::Index(nullptr, list), 0);
+  EXPECT_EQ(K7String::Index(nullptr, list + 2), -1);
 }
 
 TEST(K7String, TitleCase) {
@@ -176,7 +198,8 @@ TEST(K7String, TokensAndClasses) {
   K7String token;
   for (int pos = 0; (pos = text.Token(",", pos, token)) > 0;) tokens += "[" + Text(token) + "]";
   EXPECT_EQ(tokens, "[a][][b]");
-  EXPECT_TRUE(text.Token(",", 5, token) == 0 && token == "b");
+  EXPECT_EQ(text.Token(",", 5, token), 0);
+  EXPECT_EQ(Text(token), "b");
   const std::pair<bool (*)(char), int (*)(int)> classes[] = {
       {K7String::IsLower, std::islower}, {K7String::IsAlpha, std::isalpha},
       {K7String::IsDigit, std::isdigit}, {K7String::IsSpace, std::isspace},
