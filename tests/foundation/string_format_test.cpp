@@ -95,6 +95,8 @@ TEST(K7StringFormat, FirstEscapeBecomesItsByte) {
   K7String s("%s-%s");
   EXPECT_EQ(s.Format(s, static_cast<const char*>(s), static_cast<const char*>(s) + 3), 8);
   EXPECT_STREQ(s, "%s-%s-%s");
+  EXPECT_EQ(s.Format("%s", ""), 0);
+  EXPECT_STREQ(s, "");
 }
 
 TEST(K7StringFormat, EndsInAPercentSign) {
