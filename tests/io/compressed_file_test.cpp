@@ -141,6 +141,14 @@ TEST(StringFile, DamagedFilesAndFullDisksAreReported) {
   EXPECT_EQ(read({5}), K7_ERR_FILE_IO);
   EXPECT_EQ(read({2, 0, 'a', 'b'}), 0);
   EXPECT_STREQ(text, "ab") << "a damaged file may hold no terminator";
+  struct Failing : MemFile {
+    using MemFile::MemFile;
+    int Read(void*, int) override { return -7; }
+    int Write(const void*, int) override { return -8; }
+  } failing(std::make_shared<Bytes>(9), "rb");
+  EXPECT_EQ(text.Read(&failing), -7);
+  EXPECT_EQ(failing.Read32(&io), -7);
+  EXPECT_EQ(K7String("AB").Write(&failing), -8);
   io.room = 1;
   const std::unique_ptr<K7File> full(io.CreateFileX(PATH, "wb"));
   EXPECT_EQ(K7String("AB").Write(full.get()), K7_ERR_FILE_IO);

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -102,6 +103,9 @@ TEST_F(NativeIO, LinesKeepCarriageReturnsAndPercentSigns) {
     EXPECT_TRUE(file->WriteLine("100%% sure\r\n"));
     EXPECT_TRUE(file->WriteLine("%s and %d%n stay\n"));
     EXPECT_TRUE(file->WriteLine("%%%"));
+    EXPECT_EQ(GetFile(path), "");
+    file->Flush();
+    EXPECT_NE(GetFile(path), "");
   }
   EXPECT_EQ(GetFile(path), "100% sure\r\n%s and %d%n stay\n%%");
 
@@ -305,23 +309,58 @@ TEST(NativeIODeathTest, ServesUntilTheProcessEnds) {
 }
 
 TEST_F(NativeIO, ThreadsShareOneFile) {
-  const std::string path = dir / "shared.txt";
-  constexpr int LINES = 500;
-  {
-    const auto file = OpenFile(path, "wb");
-    std::vector<std::thread> writers;
-    for (const char* line : {"first\n", "second line\n", "the third\n"})
-      writers.emplace_back([&, line] {
-        for (int i = 0; i < LINES; ++i) file->WriteLine(line);
-      });
-    for (std::thread& writer : writers) writer.join();
-  }
-  const auto file = OpenFile(path, "rb");
-  char line[32];
+  const auto inThreads = [](const auto& work) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) threads.emplace_back([&work, i] { work(i); });
+    for (std::thread& thread : threads) thread.join();
+  };
+  // A line with a percent sign is written in two pieces.
+  constexpr int LINES = 3000;
+  const char* const texts[] = {"first %% half\n", "second %% line\n", "the %% third\n"};
+  const auto lines = OpenFile(dir / "shared.txt", "wb");
+  inThreads([&](int i) {
+    for (int n = 0; n < LINES; ++n) lines->WriteLine(texts[i]);
+  });
+  lines->Close();
+  lines->Open((dir / "shared.txt").c_str(), "rb");
+  char line[64];
   std::map<std::string, int> counts;
-  while (file->ReadLine(line, sizeof line)) ++counts[line];
-  EXPECT_EQ(counts,
-            (std::map<std::string, int>{{"first", LINES}, {"second line", LINES}, {"the third", LINES}}));
+  while (lines->ReadLine(line, sizeof line)) ++counts[line];
+  EXPECT_EQ(counts, (std::map<std::string, int>{
+                        {"first % half", LINES}, {"second % line", LINES}, {"the % third", LINES}}));
+
+  // Every word comes once, whoever reads it.
+  constexpr uint32_t WORDS = 300000;
+  std::string bytes;
+  for (uint32_t i = 0; i < WORDS; ++i) bytes.append(reinterpret_cast<const char*>(&i), sizeof i);
+  PutFile(dir / "words.bin", bytes);
+  const auto words = OpenFile(dir / "words.bin", "rb");
+  std::vector<std::vector<uint32_t>> read(3);
+  inThreads([&](int i) {
+    uint32_t word = 0;
+    while (i == 0 ? words->Read32(&word) == 0 : words->Read(&word, sizeof word) == sizeof word)
+      read[static_cast<size_t>(i)].push_back(word);
+  });
+  std::vector<int> seen(WORDS);
+  for (const std::vector<uint32_t>& part : read)
+    for (const uint32_t word : part) ++seen[std::min(word, WORDS - 1)];
+  EXPECT_EQ(seen, std::vector<int>(WORDS, 1));
+}
+
+TEST_F(NativeIO, ThreadsShareOneInstance) {
+  for (int round = 0; round < 100; ++round) {
+    K7IO::Destroy();
+    std::atomic<int> ready = 0;
+    std::vector<K7IO*> found(3);
+    std::vector<std::thread> threads;
+    for (K7IO*& instance : found)
+      threads.emplace_back([&] {
+        for (++ready; ready < 3;) continue;
+        instance = K7IO::Inst();
+      });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_TRUE(found[0] && found[0] == found[1] && found[1] == found[2]);
+  }
 }
 
 }  // namespace
