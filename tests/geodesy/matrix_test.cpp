@@ -164,6 +164,8 @@ TEST(MatrixStack, CombinesProjectionAndModelView) {
   stack.MatrixMode(K7_MATRIX_PROJECTION);
   stack.Ortho(-1, 3, -1, 1, 0, 5);
   K7Matrix4x4 model, projection, both;
+  stack.GetTextureMatrix(both);
+  EXPECT_EQ(both, IdentityMatrix());
   stack.GetModelMatrix(model);
   stack.GetProjectionMatrix(projection);
   std::copy(stack.GetModelviewProjectionMatrix(), stack.GetModelviewProjectionMatrix() + 16, both.ToArray());
