@@ -135,6 +135,57 @@ TEST(Xml, TreeIsEdited) {
   EXPECT_EQ(Reread(Written(root)), "<r/>\n");
 }
 
+TEST(Xml, ChildrenKeepTheirOrder) {
+  K7XmlElem root("r");
+  K7XmlElem* child[4];
+  for (int i = 0; i < 4; ++i) child[i] = new K7XmlElem(std::to_string(i).c_str());
+  for (int i = 0; i < 3; ++i) root.AddChild(child[i]);
+  delete child[2];  // the last, so that the next is appended behind another
+  root.AddChild(child[3]);
+  delete child[0];
+  root.AddChild(child[1]);  // to the end
+  EXPECT_EQ(Written(root), "<r>\n\t<3/>\n\t<1/>\n</r>\n");
+  EXPECT_EQ(root.FirstChild()->NextSibling(), child[1]);
+  EXPECT_EQ(child[1]->NextSibling(), nullptr);
+  EXPECT_EQ(root.Child("3", -1), nullptr);
+  EXPECT_EQ(root.AddChild(nullptr), K7_ERR_BAD_ARGUMENT);
+
+  root.AddAttrib("a", "1");
+  EXPECT_EQ(child[1]->SetText("t"), 0);
+  child[1]->Clear();
+  EXPECT_EQ(child[1]->Parent(), &root);
+  EXPECT_EQ(root.SetName(nullptr), 0);
+  EXPECT_EQ(Written(root, -1), "< a=\"1\">\n\t<3/>\n\t< />\n</>\n");
+  root.Clear();
+  EXPECT_EQ(root.NumAttribs(), 0);
+  EXPECT_EQ(Written(root), "< />\n");
+}
+
+// Also those that their text cannot give back: see the class comment.
+TEST(Xml, AttributesAreKeptAsTheyAreSet) {
+  K7XmlElem root("r");
+  EXPECT_EQ(root.AddAttrib("0", "&lt;"), 0);
+  for (int i = 1; i < 100; ++i)
+    ASSERT_EQ(root.AddAttrib(std::to_string(i % 50).c_str(), std::string(i % 30, 'x').c_str()), 0);
+  EXPECT_EQ(root.AddAttrib("self", root.AttribValue("29")), 0);
+  EXPECT_EQ(root.AddAttrib(nullptr, ""), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(root.AddAttrib("n", nullptr), K7_ERR_BAD_ARGUMENT);
+  const std::unique_ptr<K7XmlElem> copy(root.Clone());
+  root.Clear();
+  ASSERT_EQ(copy->NumAttribs(), 101);
+  K7String name, value;
+  for (int i = 1; i < 100; ++i) {
+    EXPECT_TRUE(copy->GetAttribByIndex(i, name, value));
+    EXPECT_EQ(std::string(name) + "=" + std::string(value),
+              std::to_string(i % 50) + "=" + std::string(i % 30, 'x'));
+  }
+  EXPECT_STREQ(copy->AttribValue("0"), "&lt;");
+  EXPECT_STREQ(copy->AttribValue("7"), "xxxxxxx") << "the first of that name";
+  EXPECT_EQ(copy->AttribValue("self"), std::string(29, 'x'));
+  EXPECT_EQ(copy->AttribValue(nullptr), nullptr);
+  EXPECT_FALSE(copy->GetAttribByIndex(-1, name, value));
+}
+
 // Clean under the thread sanitizer: what is read is never made on first use.
 TEST(Xml, ThreadsReadOneTree) {
   const std::string text = "<a>" + Repeat("<b c=\"1\" d=\"&lt;2\">t</b>", 100) + "</a>";
@@ -313,6 +364,7 @@ TEST_F(XmlFile, IsWrittenItselfWhereNoOtherMayTakeItsPlace) {
   EXPECT_TRUE(fs::is_fifo(pipe));
   EXPECT_EQ(Names(), 5);
 
+  EXPECT_EQ(m_tree.WriteFile(nullptr), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(Write(m_dir / "none" / "o.xml"), K7_ERR_FILE_IO);
   EXPECT_EQ(Write(m_dir), K7_ERR_FILE_IO);
   EXPECT_EQ(K7XmlElem().ParseFile(m_dir.c_str()), K7_ERR_FILE_IO);
