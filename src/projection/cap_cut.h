@@ -16,15 +16,15 @@ class CapCutter {
   void StartArea();
   /// A closed ring, the last point the first again. One wholly within the cap is handed on at once.
   void AddRing(const Buffer<K7ECEF>& ring, DevicePath& path, K7Grfx& g);
-  /// Joins what the rings left. True when no ring met the rim or lay within: then the rim is wholly inside
-  /// the area or wholly outside.
-  bool FinishArea(DevicePath& path, K7Grfx& g);
+  /// Takes stock of the rings. True when what the area covers depends on whether a point of the rim, which is
+  /// given, lies in it: no ring meets the rim, or one leaves the cap where one enters it.
+  bool AsksForRim(double& lat, double& lon);
+  /// Joins what the rings left. `rimInside` is the answer, of no matter where it was not asked for.
+  void FinishArea(bool rimInside, DevicePath& path, K7Grfx& g);
 
   void AddLine(const Buffer<K7ECEF>& line, DevicePath& path, K7Grfx& g) const;
   /// The whole rim as a ring.
   void AddRim(DevicePath& path, K7Grfx& g) const;
-  /// A point of the rim, askew to the compass, so that it is not likely to lie in line with a corner.
-  void RimPoint(double& lat, double& lon) const;
 
   bool Failed() const {
     return m_points.Failed() || m_runs.Failed() || m_crossings.Failed() || m_open.Failed();
@@ -34,7 +34,7 @@ class CapCutter {
   // A run of a ring inside the cap, from where it enters to where it leaves.
   struct Run {
     int begin, end;      // in m_points
-    double entry, exit;  // azimuths
+    double entry, exit;  // azimuths, in turn around the rim once `FinishArea` has put them in order
     int next;            // the one that the area's edge goes on with
     bool joined;
   };
@@ -46,16 +46,21 @@ class CapCutter {
   };
 
   bool Holds(const K7ECEF& p) const { return m_axis.DotProduct(p) >= m_cosRadius; }
+  bool DipsIn(const K7ECEF& a, const K7ECEF& b, K7ECEF& deepest) const;
   K7ECEF RimCrossing(K7ECEF inside, K7ECEF outside) const;
   double Azimuth(const K7ECEF& point) const;
   void AddRimPoints(double from, double to, DevicePath& path) const;
-  void SortCrossings();
+  void AddRun(int begin);
+  int PlaceEnd(int begin) const;
+  void OrderPlaces(int cover);
+  void StartUncovered();
   void JoinRuns();
 
   K7ECEF m_axis;
   double m_radius = 0;
   double m_cosRadius = 1;
   double m_step = 1;
+  double m_samePlace = 0;  // azimuths closer than this differ by rounding only
   Buffer<K7ECEF> m_points;
   Buffer<Run> m_runs;
   Buffer<Crossing> m_crossings;

@@ -51,8 +51,6 @@ struct K7MapFeatureStore {
   PointSpan Points(const FeaturePart& part) const {
     return {lat.Data() + part.first, lon.Data() + part.first, part.count};
   }
+  /// Even-odd rule in plane latitude and longitude over the rings of an area.
+  bool Contains(const Feature& area, double placeLat, double placeLon) const;
 };
-
-/// Even-odd rule in plane latitude and longitude over closed rings. Rings may run on across 180, so the place
-/// is looked for a turn to either side too.
-bool RingsContain(const PointSpan& ring, double lat, double lon);

@@ -125,6 +125,24 @@ void AddOutlines(K7MapFeatureStore& store, const FeaturePart& ring) {
 
 }  // namespace
 
+bool K7MapFeatureStore::Contains(const Feature& area, double placeLat, double placeLon) const {
+  bool in = false;
+  for (int part = area.firstPart; part < area.firstPart + area.partCount; ++part) {
+    const FeaturePart& row = parts[part];
+    if (!(placeLat >= row.box.south && placeLat <= row.box.north)) continue;
+    const PointSpan ring = Points(row);
+    for (int i = 0; i + 1 < ring.count; ++i) {
+      const double aLat = ring.lat[i], bLat = ring.lat[i + 1];
+      if ((aLat > placeLat) == (bLat > placeLat)) continue;
+      const double edge = ring.lon[i] + (ring.lon[i + 1] - ring.lon[i]) * (placeLat - aLat) / (bLat - aLat);
+      // Rings may run on across 180: the place lies to the west of an edge once a turn. How many turns there
+      // are does not matter, as a closed ring's edges are even.
+      if (std::fmod(std::ceil((edge - placeLon) / 360), 2) != 0) in = !in;
+    }
+  }
+  return in;
+}
+
 K7MapFeatures::K7MapFeatures() : m_store(new (std::nothrow) K7MapFeatureStore) {}
 K7MapFeatures::~K7MapFeatures() { delete m_store; }
 
@@ -212,26 +230,7 @@ K7LatLon K7MapFeatures::Point(int feature, int i) const {
   return {m_store->lat[at], m_store->lon[at]};
 }
 
-bool RingsContain(const PointSpan& ring, double lat, double lon) {
-  bool in = false;
-  for (int i = 0; i + 1 < ring.count; ++i) {
-    const double aLat = ring.lat[i], bLat = ring.lat[i + 1];
-    if ((aLat > lat) == (bLat > lat)) continue;
-    const double edge = ring.lon[i] + (ring.lon[i + 1] - ring.lon[i]) * (lat - aLat) / (bLat - aLat);
-    for (const double turn : {-360.0, 0.0, 360.0})
-      if (lon + turn < edge) in = !in;
-  }
-  return in;
-}
-
 bool K7MapFeatures::Contains(int feature, double lat, double lon) const {
   const Feature* const f = m_store ? m_store->At(feature) : nullptr;
-  if (!f || f->kind != K7_MAP_AREA) return false;
-  bool in = false;
-  for (int i = 0; i < f->partCount; ++i) {
-    const FeaturePart& ring = m_store->parts[f->firstPart + i];
-    if (lat < ring.box.south || lat > ring.box.north) continue;
-    if (RingsContain(m_store->Points(ring), lat, lon)) in = !in;
-  }
-  return in;
+  return f && f->kind == K7_MAP_AREA && m_store->Contains(*f, lat, lon);
 }

@@ -57,10 +57,8 @@ struct BoxSides {
     return (p.lon < west ? 1 : 0) | (p.lon > east ? 2 : 0) | (p.lat < south ? 4 : 0) |
            (p.lat > north ? 8 : 0);
   }
-  bool Misses(const DegreeBox& box, double turn) const {
-    return box.IsEmpty() || box.east + turn < west || box.west + turn > east || box.north < south ||
-           box.south > north;
-  }
+  // Whatever the longitudes.
+  bool Misses(const DegreeBox& box) const { return box.IsEmpty() || box.north < south || box.south > north; }
   bool Holds(const DegreeBox& box, double turn) const {
     return box.west + turn >= west && box.east + turn <= east && box.south >= south && box.north <= north;
   }
@@ -87,9 +85,6 @@ void AddArc(Buffer<K7ECEF>& out, const K7ECEF& from, const K7ECEF& to, double st
     out.Add(p);
   }
 }
-
-// Data lies within -180 to 180 or a little beyond, the view anywhere: the world repeats to its west and east.
-constexpr double TURNS[] = {0, -360, 360};
 
 }  // namespace
 
@@ -167,13 +162,13 @@ int K7MapPath::Stages::End() const {
   return failed || path.Failed() || cap.Failed() ? K7_ERR_MEMORY : path.Count();
 }
 
+// Data and view may each lie a turn or two from -180 to 180: the world repeats to its west and east.
 template <class Visit>
 void K7MapPath::Stages::VisitTurns(const DegreeBox& box, Visit visit) const {
-  for (const double turn : TURNS) {
-    if (sides.Misses(box, turn)) continue;
-    visit(turn, sides.Holds(box, turn));
-    if (around) return;
-  }
+  if (sides.Misses(box)) return;
+  const double least = around ? 0 : std::ceil((sides.west - box.east) / 360);
+  const double most = around ? 0 : std::floor((sides.east - box.west) / 360);
+  for (double turns = least; turns <= most; ++turns) visit(turns * 360, sides.Holds(box, turns * 360));
 }
 
 void K7MapPath::Stages::AddRing(const PointSpan& ring, double turn, bool whole, double overlap) {
@@ -310,17 +305,9 @@ void K7MapPath::Stages::AddArea(const K7MapFeatureStore& store, const Feature& f
     const FeaturePart& ring = store.parts[feature.firstPart + i];
     VisitTurns(ring.box, [&](double turn, bool whole) { AddRing(store.Points(ring), turn, whole, overlap); });
   }
-  if (!view->IsGlobe() || !cap.FinishArea(path, *g)) return;
-  // No ring meets the rim: all of it lies inside the area or all outside.
+  if (!view->IsGlobe()) return;
   double rimLat, rimLon;
-  cap.RimPoint(rimLat, rimLon);
-  bool inside = false;
-  for (int i = 0; i < feature.partCount; ++i) {
-    const FeaturePart& ring = store.parts[feature.firstPart + i];
-    if (rimLat < ring.box.south || rimLat > ring.box.north) continue;
-    if (RingsContain(store.Points(ring), rimLat, rimLon)) inside = !inside;
-  }
-  if (inside) cap.AddRim(path, *g);
+  cap.FinishArea(cap.AsksForRim(rimLat, rimLon) && store.Contains(feature, rimLat, rimLon), path, *g);
 }
 
 void K7MapPath::Stages::AddLines(const K7MapFeatureStore& store, int firstPart, int count) {
