@@ -13,17 +13,19 @@ namespace {
 constexpr int ALTITUDE = 0, PITCH = 3, FIELD_OF_VIEW = 4;
 
 // By K7ProjType. Stereographic and gnomonic charts run out to infinity, as do Mercator's poles and Lambert's
-// far one: they are cut where a picture still makes sense. Cones are those of the north.
+// far one: they are cut where a picture still makes sense. Cones are those of the north. Of the globe a hair
+// less is drawn than a round number: an area's edge along the limb then lies on one side of it.
+constexpr double HAIR = 1e-7;
 constexpr MapLimits LIMITS[] = {
     {0, 0, -80, 90, -30, 90},        // Lambert
     {0, 0, -89.98, 89.98, -80, 80},  // Mercator
-    {90, 90, 0, 0, 0, 0},            // orthographic
+    {90 - HAIR, 90, 0, 0, 0, 0},     // orthographic
     {0, 0, -90, 90, -90, 90},        // rectangular
     {0, 0, -90, 90, -90, 90},        // Miller
     {0, 0, -90, 90, -90, 90},        // Albers
     {0, 0, 0, 0, 0, 0},              // general perspective: by its altitude
-    {170, 110, 0, 0, 0, 0},          // stereographic
-    {85, 60, 0, 0, 0, 0},            // gnomonic
+    {170 - HAIR, 110, 0, 0, 0, 0},   // stereographic
+    {85 - HAIR, 60, 0, 0, 0, 0},     // gnomonic
 };
 static_assert(std::size(LIMITS) == K7_PROJ_GNOMONIC + 1);
 
@@ -54,6 +56,7 @@ MapLimits LimitsOf(const K7Projection& projection) {
 }
 
 bool HasPicture(const K7Projection& projection) {
+  if (projection.Type() < K7_PROJ_LAMBERT || projection.Type() > K7_PROJ_GNOMONIC) return false;
   const auto isParallel = [&](int index) { return std::fabs(projection.ParamValue(index)) < 90; };
   if (projection.IsConic()) return isParallel(0) && isParallel(1);
   if (projection.Type() == K7_PROJ_RECTANGULAR) return isParallel(0);

@@ -138,7 +138,11 @@ bool K7MapView::ToDevice(double lat, double lon, double& dx, double& dy) const {
 }
 
 bool K7MapView::FromDevice(double dx, double dy, double& lat, double& lon) const {
-  return m_projection && m_projection->Device2LatLon(dx, dy, &m_camera, Width(), Height(), lat, lon);
+  return m_isSet && Pick(dx, dy, lat, lon);
+}
+
+bool K7MapView::Pick(double dx, double dy, double& lat, double& lon) const {
+  return m_projection->Device2LatLon(dx, dy, &m_camera, Width(), Height(), lat, lon);
 }
 
 // Device vectors of a small step to the north and to the east, per nautical mile.
@@ -177,9 +181,12 @@ bool K7MapView::TrueNorth(double lat, double lon, double& angle) const {
   return true;
 }
 
-// Measured over a good part of the range: an equal-area cone has no scale of its own at its pole.
+// Of flat maps measured over a good part of the range: an equal-area cone has no scale of its own at its
+// pole. The globe's is taken close to the centre: a low eye sees what is far off at another scale.
 double K7MapView::PixelsPerNM(double range) const {
-  const double reach = std::clamp(range / 4, 1.0, 300.0) / (K7_DEG_TO_RAD * K7_EARTH_RADIUS_NM);
+  static const double CLOSE_BY = 0.01;
+  const double length = IsGlobe() ? CLOSE_BY : std::clamp(range / 4, 1.0, 300.0);
+  const double reach = length / (K7_DEG_TO_RAD * K7_EARTH_RADIUS_NM);
   const double north = std::min(m_lat + reach, 90.0);
   const double south = std::max(m_lat - reach, -90.0);
   double ax = NAN, ay = NAN, bx = NAN, by = NAN;
@@ -195,7 +202,7 @@ double K7MapView::NearestNMPerPixel() const {
   for (int i = STEPS; i >= 0; --i) {
     const double dy = Height() * 1.0 * i / STEPS;
     double aLat, aLon, bLat, bLon;
-    if (FromDevice(Width() / 2.0, dy, aLat, aLon) && FromDevice(Width() / 2.0 + 1, dy, bLat, bLon))
+    if (Pick(Width() / 2.0, dy, aLat, aLon) && Pick(Width() / 2.0 + 1, dy, bLat, bLon))
       return K7LatLon(aLat, aLon).Distance(K7LatLon(bLat, bLon));
   }
   return NAN;
@@ -240,7 +247,7 @@ bool K7MapView::CenterMap() {
   });
   double lat, lon;
   // Whole millionths: the equator is to be the equator.
-  if (FromDevice(Width() / 2.0, (top + bottom) / 2, lat, lon)) m_lat = std::round(lat * 1e6) / 1e6;
+  if (Pick(Width() / 2.0, (top + bottom) / 2, lat, lon)) m_lat = std::round(lat * 1e6) / 1e6;
   return SetZoom(1);
 }
 
@@ -269,13 +276,14 @@ K7Projection* K7MapView::CreateProjection(K7ProjType type, double lat, double lo
       world ? std::clamp(std::fabs(lat), 30.0, 40.0) : std::clamp(std::fabs(lat), 3.0, 87.0);
   const double spread = std::clamp(half * 2 / 3, 0.1, std::min(middle - 1, 89 - middle));
   const double side = lat < 0 ? -1 : 1;
+  const double meridian = std::remainder(lon, 360);
   const double outer = side * (middle + spread);
   const double inner = side * (middle - spread);
   K7Projection* made = nullptr;
   if (type == K7_PROJ_LAMBERT)
-    made = new (std::nothrow) K7LambertProjection(outer, inner, lon, lat);
+    made = new (std::nothrow) K7LambertProjection(outer, inner, meridian, lat);
   else
-    made = new (std::nothrow) K7AlbersProjection(outer, inner, lon, lat);
+    made = new (std::nothrow) K7AlbersProjection(outer, inner, meridian, lat);
   if (!made && error) *error = K7_ERR_MEMORY;
   return made;
 }

@@ -3,6 +3,7 @@
 
 #include <k7/export.h>
 #include <k7/geodesy/ecef.h>
+#include <k7/geodesy/latlon.h>
 #include <k7/projection/chart_rect.h>
 #include <k7/projection/grfx.h>
 #include <k7/projection/projection.h>
@@ -30,8 +31,9 @@ class K7_API K7MapView {
   /// holds and takes no range.
   ///
   /// 0; K7_ERR_BAD_ARGUMENT without projection or window, for a position outside +-90 and +-540 degrees or a
-  /// negative range; K7_ERR_PROJECTION_RANGE when this centre, range and parameters give no picture. Failed,
-  /// the view shows nothing: nothing is seen, `GetExtent` is empty.
+  /// negative range; K7_ERR_PROJECTION_RANGE when this centre, range and parameters give no picture, and
+  /// below 1e-9 nautical miles a pixel, where positions have no more digits. Failed, the view shows nothing:
+  /// nothing is seen, `GetExtent` is empty.
   int LookAt(double lat, double lon, double range);
   /// The same with a given magnification in place of a range, as `K7Grfx::GetZoom` counts it.
   int LookAtZoom(double lat, double lon, double zoom);
@@ -47,15 +49,16 @@ class K7_API K7MapView {
   /// Nautical miles that a pixel spans along the meridian at the centre; for a tilted eye, across the picture
   /// where the ground is nearest.
   double NMPerPixel() const { return m_nmPerPixel; }
-  /// The projection works on the globe in the round; else the world is a plane.
-  bool IsGlobe() const { return m_projection->IsAzimuthal(); }
+  /// The projection works on the globe in the round; else, and without one, the world is a plane.
+  bool IsGlobe() const { return m_projection && m_projection->IsAzimuthal(); }
   /// The general perspective with a pitch other than straight down: the scale changes across the picture.
   bool IsTilted() const;
 
   /// Device point of a position. True when it is seen: on the map, before the eye and within the window.
   /// Written wherever the position has a device point.
   bool ToDevice(double lat, double lon, double& dx, double& dy) const;
-  /// Position under a device point, which may lie outside the window; as `K7Projection::Device2LatLon`.
+  /// Position under a device point, which may lie outside the window; as `K7Projection::Device2LatLon`. False
+  /// before the first view.
   bool FromDevice(double dx, double dy, double& lat, double& lon) const;
 
   /// What the window shows: a box that holds every position seen. Empty before the first view; west -180 and
@@ -96,6 +99,13 @@ class K7_API K7MapView {
   struct Box {
     double north, south, east, west;
   };
+  // A place along the edge of the window.
+  struct FrameSample {
+    double dx, dy;
+    K7LatLon place;
+    bool onMap;
+  };
+  struct FrameBounds;
 
   int Place(double lat, double lon, double zoom);
   bool SetZoom(double zoom);
@@ -105,9 +115,13 @@ class K7_API K7MapView {
   double ZoomToFit() const;
   template <class Visit>
   void VisitOutline(Visit visit) const;
+  bool Pick(double dx, double dy, double& lat, double& lon) const;
   bool FindLimits();
   bool ShowsSomething() const;
-  Box FrameBox(double beyond, double slack) const;
+  void SampleFrame(double beyond, FrameBounds& bounds) const;
+  Box FrameBox(double beyond, double slack, double middle) const;
+  bool OnMapAt(double dx, double dy, K7LatLon& place) const;
+  K7LatLon MapEdge(const FrameSample& on, const FrameSample& off) const;
   Box CapBox() const;
   bool OnMap(double lat, double lon) const;
   bool LocalFrame(double lat, double lon, double (&north)[2], double (&east)[2]) const;
