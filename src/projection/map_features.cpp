@@ -10,13 +10,11 @@
 
 namespace {
 
-constexpr double MAX_LAT = 90.0001;
+// As far as rows are carried on from 180 to 180.
 constexpr double MAX_LON = 540;
 // Data sets were cut along 180 degrees with points up to this far beside it.
 constexpr double EDGE_WIDTH = 1e-3;
 constexpr double SAME_PLACE = 1e-6;
-
-bool OnEarth(double lat, double lon) { return std::fabs(lat) <= MAX_LAT && std::fabs(lon) <= MAX_LON; }
 
 // The longitude, carried on across 180 to within half a turn of the one before. An edge of exactly 180 is one
 // already, and stays as it runs: ties go to even, which is no turn.
@@ -38,7 +36,7 @@ class Row {
   }
 
   // A ring that does not close after unrolling runs around a pole. One of which nothing but a line would be
-  // left is a band around the world.
+  // left is a band around the world, and one that winds on and on is no ring.
   bool UnrollsToRing() const {
     double lon = m_lon[0], west = lon, east = lon;
     for (int i = 1; i < m_count; ++i) {
@@ -46,7 +44,7 @@ class Row {
       west = std::min(west, lon);
       east = std::max(east, lon);
     }
-    return std::fabs(lon - m_lon[0]) < SAME_PLACE && east - west > SAME_PLACE;
+    return std::fabs(lon - m_lon[0]) < SAME_PLACE && east - west > SAME_PLACE && east - west < MAX_LON;
   }
 
   // Positive for a clockwise ring, whose area lies to the right.
@@ -112,6 +110,56 @@ void AddPart(K7MapFeatureStore& store, int first, int count) {
   store.parts.Add({first, count, row.Bounds()});
 }
 
+// Points, or a ring: where the first one runs the other way, `turn` tells that all are turned around.
+void AddRow(K7MapFeatureStore& store, const K7LatLon* points, int count, bool ring, bool isFirst,
+            bool& turn) {
+  const int first = store.lat.Count();
+  const int copied = CopyRow(store, points, count, ring);
+  if (store.lat.Failed() || store.lon.Failed()) return;
+  if (copied < (ring ? 4 : 1)) {
+    store.lat.Truncate(first);
+    store.lon.Truncate(first);
+    return;
+  }
+  if (ring) {
+    Row row(store.lat.Data() + first, store.lon.Data() + first, copied);
+    if (row.UnrollsToRing()) row.Unroll();
+    row.StraightenCuts();
+    if (isFirst) turn = row.Turning() < 0;
+    if (turn) row.Reverse();
+  }
+  AddPart(store, first, copied);
+}
+
+// Copies a row as a line, carried on across 180. One that winds around the world is taken up a turn or two
+// back each time that it has run off: a view looks for each part in every turn that it reaches.
+void AddLine(K7MapFeatureStore& store, const K7LatLon* points, int count) {
+  int first = store.lon.Count();
+  for (int i = 0; i < count; ++i) {
+    if (!OnEarth(points[i].Lat(), points[i].Lon())) continue;
+    const bool starts = store.lon.Count() == first;
+    const double lat = std::clamp(points[i].Lat(), -90.0, 90.0);
+    const double lon = starts ? points[i].Lon() : CarriedOn(store.lon.Last(), points[i].Lon());
+    const bool ends = std::fabs(lon) > MAX_LON;
+    for (int copies = ends ? 2 : 1; copies > 0; --copies) {
+      store.lat.Add(lat);
+      store.lon.Add(ends && copies == 1 ? std::remainder(lon, 360) : lon);
+    }
+    if (store.lat.Failed() || store.lon.Failed()) return;
+    if (!ends) continue;
+    const int next = store.lon.Count() - 1;
+    AddPart(store, first, next - first);
+    first = next;
+  }
+  const int rest = store.lon.Count() - first;
+  if (rest >= 2) {
+    AddPart(store, first, rest);
+  } else {
+    store.lat.Truncate(first);
+    store.lon.Truncate(first);
+  }
+}
+
 // The stretches of a ring between the edges of the data.
 void AddOutlines(K7MapFeatureStore& store, const FeaturePart& ring) {
   const Row row(store.lat.Data() + ring.first, store.lon.Data() + ring.first, ring.count);
@@ -157,25 +205,12 @@ int K7MapFeatures::Add(K7MapFeatureKind kind, const K7LatLon* points, const int*
   const int featuresBefore = s.features.Count();
 
   const bool area = kind == K7_MAP_AREA;
-  const int least = area ? 4 : kind == K7_MAP_LINES ? 2 : 1;
   bool turn = false;
-  for (int part = 0; part < parts; points += sizes[part++]) {
-    const int first = s.lat.Count();
-    const int count = CopyRow(s, points, sizes[part], area);
-    if (s.lat.Failed() || s.lon.Failed()) break;
-    if (count < least) {
-      s.lat.Truncate(first);
-      s.lon.Truncate(first);
-      continue;
-    }
-    Row row(s.lat.Data() + first, s.lon.Data() + first, count);
-    if (kind == K7_MAP_LINES || (area && row.UnrollsToRing())) row.Unroll();
-    if (area) {
-      row.StraightenCuts();
-      if (s.parts.Count() == partsBefore) turn = row.Turning() < 0;
-      if (turn) row.Reverse();
-    }
-    AddPart(s, first, count);
+  for (int part = 0; part < parts && !s.lat.Failed() && !s.lon.Failed(); points += sizes[part++]) {
+    if (kind == K7_MAP_LINES)
+      AddLine(s, points, sizes[part]);
+    else
+      AddRow(s, points, sizes[part], area, s.parts.Count() == partsBefore, turn);
   }
   const int ringsEnd = s.parts.Count();
   if (area)

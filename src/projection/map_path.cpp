@@ -11,6 +11,7 @@
 #include "projection/cap_cut.h"
 #include "projection/device_path.h"
 #include "projection/feature_store.h"
+#include "projection/map_limits.h"
 #include "projection/plane_cut.h"
 
 #include <algorithm>
@@ -22,6 +23,8 @@ namespace {
 // Edges of flat maps are divided from this length on, in degrees, whether or not they look straight: an
 // S-shaped edge crosses its chord in the middle.
 constexpr double FLAT_STEP = 5;
+constexpr double GLOBE_STEP = 2;
+constexpr double LEAST_STEP = 1e-9;
 
 // Positions that are projected at a time.
 constexpr int BLOCK = 256;
@@ -69,11 +72,12 @@ struct BoxSides {
 void AddArc(Buffer<K7ECEF>& out, const K7ECEF& from, const K7ECEF& to, double step) {
   static const double ANTIPODAL = 1e-9;
   const double angle = from.Angle(to);
-  if (K7_PI - angle < ANTIPODAL && std::fabs(from.Z()) < 1 - ANTIPODAL) {
-    const K7ECEF pole(0, 0, 1);
-    AddArc(out, from, pole, step);
-    out.Add(pole);
-    AddArc(out, pole, to, step);
+  if (K7_PI - angle < ANTIPODAL) {
+    const K7ECEF pole(0, 0, 1), equator(1, 0, 0);
+    const K7ECEF& middle = std::fabs(from.Z()) < 1 - ANTIPODAL ? pole : equator;
+    AddArc(out, from, middle, step);
+    out.Add(middle);
+    AddArc(out, middle, to, step);
     return;
   }
   const int pieces = static_cast<int>(std::ceil(angle / step));
@@ -84,6 +88,12 @@ void AddArc(Buffer<K7ECEF>& out, const K7ECEF& from, const K7ECEF& to, double st
     p.Normalize();
     out.Add(p);
   }
+}
+
+// Not asin: it has half the digits near the poles.
+K7LatLon Position(const K7ECEF& p) {
+  return {std::atan2(p.Z(), std::hypot(p.X(), p.Y())) * K7_RAD_TO_DEG,
+          std::atan2(p.Y(), p.X()) * K7_RAD_TO_DEG};
 }
 
 }  // namespace
@@ -105,15 +115,17 @@ struct K7MapPath::Stages {
   // The next stage of cut rows.
   void StartRow();
   void Add(const GeoPoint& p);
+  int Pieces(const GeoPoint& to) const;
   void Flush();
   void FinishRing();
   void FinishLine();
 
   template <class Visit>
   void VisitTurns(const DegreeBox& box, Visit visit) const;
-  double RouteStep(const K7ECEF& from, const K7ECEF& to) const;
+  void AddBent(const K7ECEF& from, const K7ECEF& to, int halvings);
 
   const K7MapView* view = nullptr;
+  bool ready = false;  // for a view that has looked at something
   K7Grfx* g = nullptr;
   BoxSides sides{};
   bool around = false;  // the sides hold all longitudes of a globe, which has no seam
@@ -134,12 +146,17 @@ struct K7MapPath::Stages {
 
 void K7MapPath::Stages::SetView(const K7MapView& v) {
   view = &v;
-  if (!v.IsSet()) return;
+  ready = v.IsSet();
+  if (!ready) return;
   const K7MapView::Box& seen = v.m_seen;
-  const double span = v.NMPerPixel() * v.Width() / 60;
   around = v.IsGlobe() && seen.east - seen.west >= 360;
-  // On the globe edges become arcs of great circles; short ones stay close to the parallels that they mean.
-  step = v.IsGlobe() ? std::clamp(span / 40, 0.05, 2.0) : FLAT_STEP;
+  // Short against what is seen, so that between two points outside the window no edge bends into it. On the
+  // globe edges become arcs of great circles: short ones stay close to the parallels that they mean.
+  if (v.IsGlobe())
+    step = std::clamp(std::max(v.NMPerPixel() * v.Width() / 60, v.m_cap.radius * K7_RAD_TO_DEG) / 40,
+                      LEAST_STEP, GLOBE_STEP);
+  else
+    step = std::clamp(std::max(seen.north - seen.south, seen.east - seen.west) / 16, LEAST_STEP, FLAT_STEP);
   // The box of a cap touches its rim. Kept a step away from it, what is cut along the box is never seen.
   const double away = v.IsGlobe() ? step : 0;
   sides = {seen.north + away, seen.south - away, around ? 1e9 : seen.east + away,
@@ -150,7 +167,7 @@ void K7MapPath::Stages::SetView(const K7MapView& v) {
 }
 
 int K7MapPath::Stages::Begin(K7Grfx* target) {
-  if (!target || !view->IsSet()) return K7_ERR_BAD_ARGUMENT;
+  if (!target || !ready || !view->IsSet()) return K7_ERR_BAD_ARGUMENT;
   g = target;
   path.Reset();
   cap.StartArea();
@@ -249,8 +266,7 @@ void K7MapPath::Stages::Add(const GeoPoint& p) {
   if (started) {
     const double dLat = p.lat - last.lat;
     const double dLon = p.lon - last.lon;
-    const double longer = std::max(std::fabs(dLat), std::fabs(dLon));
-    const int pieces = longer > step ? static_cast<int>(std::ceil(longer / step)) : 1;
+    const int pieces = std::max(std::fabs(dLat), std::fabs(dLon)) > step ? Pieces(p) : 1;
     for (int k = 1; k < pieces; ++k) take(last.lat + dLat * k / pieces, last.lon + dLon * k / pieces);
   } else {
     first = p;
@@ -258,6 +274,16 @@ void K7MapPath::Stages::Add(const GeoPoint& p) {
   }
   take(p.lat, p.lon);
   last = p;
+}
+
+// Into how many an edge from the last point is divided. Near the poles of a globe many degrees of longitude
+// are a short way.
+int K7MapPath::Stages::Pieces(const GeoPoint& to) const {
+  const double dLat = std::fabs(to.lat - last.lat);
+  const double dLon = std::fabs(to.lon - last.lon);
+  if (!view->IsGlobe()) return static_cast<int>(std::ceil(std::max(dLat, dLon) / step));
+  const double across = dLon * std::cos(std::min(std::fabs(to.lat), std::fabs(last.lat)) * K7_DEG_TO_RAD);
+  return static_cast<int>(std::ceil(std::max(std::max(dLat, across) / step, dLon / GLOBE_STEP)));
 }
 
 void K7MapPath::Stages::Flush() {
@@ -323,49 +349,57 @@ void K7MapPath::Stages::AddWholeMap() {
     return;
   }
   const K7MapView::Box& map = view->m_map;
-  StartRow();
-  Add({map.south, map.west});
-  Add({map.north, map.west});
-  Add({map.north, map.east});
-  Add({map.south, map.east});
-  FinishRing();
+  const double lats[] = {map.south, map.north, map.north, map.south, map.south};
+  const double lons[] = {map.west, map.west, map.east, map.east, map.west};
+  AddRing({lats, lons, 5}, 0, false, 0);
 }
 
-// Radians between the points of a great circle on a flat map, so that an edge that is straight in latitude
-// and longitude leaves it by less than a fifth of a pixel: over a step s the arc stands s^2 / 8 tan(latitude)
-// off. The normal of the circle through both points leans by as much as its highest latitude.
-double K7MapPath::Stages::RouteStep(const K7ECEF& from, const K7ECEF& to) const {
-  static const double FLATNESS = 0.2, STEEPEST = 200, LONGEST = 2 * K7_DEG_TO_RAD, SHORTEST = 2e-4;
-  K7ECEF normal;
-  if (!normal.UnitNormal(from, to)) return LONGEST;
-  const double level = std::fabs(normal.Z());
-  const double steep = std::clamp(std::sqrt(1 - std::min(level * level, 1.0)) / level, 1.0, STEEPEST);
-  const double allowed = FLATNESS * view->NMPerPixel() / K7_EARTH_RADIUS_NM;
-  return std::clamp(std::sqrt(8 * allowed / steep), SHORTEST, LONGEST);
+// On a flat map: the points of the great circle from a point up to another that an edge needs which is
+// straight in latitude and longitude. Its middle is to stand where the circle's does. Long edges are always
+// divided: an S-shaped one has the right middle.
+void K7MapPath::Stages::AddBent(const K7ECEF& from, const K7ECEF& to, int halvings) {
+  static const double FLATNESS = 0.2, LONG = 200;
+  const K7LatLon a = Position(from), b = Position(to);
+  K7ECEF middle(from.X() + to.X(), from.Y() + to.Y(), from.Z() + to.Z());
+  middle.Normalize();
+  const K7LatLon m = Position(middle);
+  const K7LatLon edge((a.Lat() + b.Lat()) / 2, a.Lon() + std::remainder(b.Lon() - a.Lon(), 360) / 2);
+  double ax = NAN, ay = NAN, bx = NAN, by = NAN, mx = NAN, my = NAN, ex = NAN, ey = NAN;
+  view->ToDevice(a.Lat(), a.Lon(), ax, ay);
+  view->ToDevice(b.Lat(), b.Lon(), bx, by);
+  view->ToDevice(m.Lat(), m.Lon(), mx, my);
+  view->ToDevice(edge.Lat(), edge.Lon(), ex, ey);
+  const double length = std::hypot(bx - ax, by - ay);
+  const double outside = std::max(std::max(-mx, mx - view->Width()), std::max(-my, my - view->Height()));
+  const bool straight = std::hypot(ex - mx, ey - my) <= FLATNESS && length <= LONG;
+  // What runs out to infinity is never seen.
+  if (halvings > 0 && !straight && std::isfinite(length) && outside <= length + OVERHANG) {
+    AddBent(from, middle, halvings - 1);
+    AddBent(middle, to, halvings - 1);
+  } else {
+    route.Add(b);
+  }
 }
 
 void K7MapPath::Stages::AddRoute(const K7LatLon* points, int count) {
   surface.Clear();
+  K7ECEF from;
   for (int i = 0; i < count; ++i) {
+    if (!OnEarth(points[i].Lat(), points[i].Lon())) continue;
     const K7ECEF to(points[i].Lat(), points[i].Lon());
-    if (i > 0) {
-      const K7ECEF from(points[i - 1].Lat(), points[i - 1].Lon());
-      AddArc(surface, from, to, view->IsGlobe() ? step * K7_DEG_TO_RAD : RouteStep(from, to));
-    }
+    if (surface.Count() > 0) AddArc(surface, from, to, GLOBE_STEP * K7_DEG_TO_RAD);
     surface.Add(to);
+    from = to;
   }
   if (surface.Failed()) {
     failed = true;
   } else if (view->IsGlobe()) {
     cap.AddLine(surface, path, *g);
-  } else {
+  } else if (surface.Count() > 0) {
+    static const int MAX_HALVINGS = 16;
     route.Clear();
-    for (int i = 0; i < surface.Count(); ++i) {
-      const K7ECEF& p = surface[i];
-      // Not asin: it has half the digits near the poles.
-      route.Add({std::atan2(p.Z(), std::hypot(p.X(), p.Y())) * K7_RAD_TO_DEG,
-                 std::atan2(p.Y(), p.X()) * K7_RAD_TO_DEG});
-    }
+    route.Add(Position(surface[0]));
+    for (int i = 1; i < surface.Count(); ++i) AddBent(surface[i - 1], surface[i], MAX_HALVINGS);
     const int size = route.Count();
     scratch.Clear();
     failed = route.Failed() || scratch.Add(K7_MAP_LINES, route.Data(), &size, 1) < 0;

@@ -4,7 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <vector>
+
+#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#include <sys/resource.h>
+#include <unistd.h>
+#define K7_CAN_LIMIT_MEMORY
+#endif
 
 #include "projection/path_recorder.h"
 
@@ -67,6 +74,29 @@ TEST(MapFeatures, RowsAreCarriedOnAcross180) {
   EXPECT_EQ(features.Bounds(2).East(), 180);
 }
 
+// A satellite's track comes around again and again; each of its turns is seen where it is.
+TEST(MapFeatures, ALineMayWindAroundTheWorld) {
+  Ring track;
+  for (int i = 0; i <= 400; ++i)
+    track.emplace_back(60 * std::sin(i * 0.31), std::remainder(17.0 * i, 360));  // 19 turns to the east
+  K7MapFeatures features;
+  AddOne(features, K7_MAP_LINES, track);
+  K7RectangularProjection projection(0);
+  K7MapView view(&projection, 400, 300);
+  ASSERT_EQ(view.LookAt(10, 170, 1500), 0);
+  PathRecorder recorder;
+  EXPECT_GT(K7MapPath(view).Outline(&recorder, features, 0), 0);
+  int seen = 0, missed = 0;
+  for (const K7LatLon& p : track) {
+    double x, y;
+    if (!view.ToDevice(p.Lat(), p.Lon(), x, y)) continue;
+    ++seen;
+    missed += !(recorder.Distance(x, y) < 0.5);
+  }
+  EXPECT_GT(seen, 3);
+  EXPECT_EQ(missed, 0);
+}
+
 TEST(MapFeatures, HolesAreNoArea) {
   K7MapFeatures features;
   const Ring rings = {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}, {4, 4}, {4, 6}, {6, 6}, {6, 4}, {4, 4}};
@@ -121,6 +151,63 @@ TEST(MapFeatures, WrongArgumentsAddNothing) {
   EXPECT_EQ(features.Add(K7_MAP_LINES, points, two, 1), 0);
 }
 
+#ifdef K7_CAN_LIMIT_MEMORY
+// While it lives the program gets no more than so many bytes.
+class MemoryLimit {
+ public:
+  explicit MemoryLimit(rlim_t more) {
+    long pages = 0;
+    if (std::FILE* file = std::fopen("/proc/self/statm", "r")) {
+      EXPECT_EQ(std::fscanf(file, "%ld", &pages), 1);
+      std::fclose(file);
+    }
+    getrlimit(RLIMIT_AS, &m_before);
+    const rlim_t now = static_cast<rlim_t>(pages) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+    const rlimit limit = {now + more, m_before.rlim_max};
+    EXPECT_EQ(setrlimit(RLIMIT_AS, &limit), 0);
+  }
+  ~MemoryLimit() { setrlimit(RLIMIT_AS, &m_before); }
+
+ private:
+  rlimit m_before{};
+};
+
+// A path then says so, and is as good as new afterwards.
+TEST(MapFeatures, WithoutMemoryNothingIsAdded) {
+  K7MapFeatures features;
+  AddOne(features, K7_MAP_AREA, {{0, 0}, {10, 0}, {10, 10}, {0, 10}});
+  Ring ring;
+  for (int i = 0; i < 100000; ++i) ring.emplace_back(i % 2 ? 0.3 : -0.3, i * 4e-4);
+  ring.emplace_back(-3, 20);
+  ASSERT_EQ(AddOne(features, K7_MAP_AREA, ring), 1);
+  {
+    const MemoryLimit limit(1 << 20);
+    const int size = static_cast<int>(ring.size());
+    int code = 0, added = 0;
+    while (added < 100 && (code = features.Add(K7_MAP_AREA, ring.data(), &size, 1)) >= 0) ++added;
+    EXPECT_EQ(code, K7_ERR_MEMORY);
+    EXPECT_EQ(features.Count(), 2 + added);
+    EXPECT_TRUE(features.Contains(0, 5, 5));
+    EXPECT_EQ(AddOne(features, K7_MAP_AREA, {{0, 0}, {10, 0}, {10, 10}}), 2 + added);
+  }
+  EXPECT_EQ(features.PointCount(features.Count() - 1), 4);
+  K7OrthographicProjection globe;
+  K7MercatorProjection flat;
+  for (K7Projection* projection : {static_cast<K7Projection*>(&globe), static_cast<K7Projection*>(&flat)}) {
+    K7MapView view(projection, 4000, 3000);
+    ASSERT_EQ(view.LookAt(0, 20, 1000), 0);
+    K7MapPath path(view);
+    K7GrfxK7 sink(1, 1);
+    {
+      const MemoryLimit limit(1 << 18);
+      EXPECT_EQ(path.Area(&sink, features, 1), K7_ERR_MEMORY);
+      EXPECT_GT(path.Area(&sink, features, 0), 3);
+    }
+    EXPECT_GT(path.Area(&sink, features, 1), 100000);
+  }
+}
+#endif
+
 // A chart's path is not finer than its pixels, and what lies elsewhere is not in it.
 TEST(MapPath, HasNoPointsThatCannotBeSeen) {
   Ring circle;
@@ -150,6 +237,55 @@ TEST(MapPath, HasNoPointsThatCannotBeSeen) {
   EXPECT_EQ(path.GreatCircle(&recorder, circle.data(), -1), K7_ERR_BAD_ARGUMENT);
 }
 
+// Where the map bends no edge, only its ends are needed, and what divides it by degrees.
+TEST(MapPath, AStraightEdgeIsLeftStraight) {
+  K7GnomonicProjection gnomonic;
+  K7PerspectiveProjection tilted(1.3);
+  tilted.ParamValue(3, -50);
+  tilted.SetClipPlanes();
+  K7RectangularProjection rectangular(40);
+  const K7LatLon edge[] = {{41.1, 19}, {43, 23}};
+  for (K7Projection* projection :
+       {static_cast<K7Projection*>(&gnomonic), static_cast<K7Projection*>(&rectangular)}) {
+    K7MapView view(projection, 401, 301);
+    ASSERT_EQ(view.LookAt(42, 21, 150), 0);
+    PathRecorder recorder;
+    K7MapPath path(view);
+    const int count =
+        projection == &gnomonic ? path.GreatCircle(&recorder, edge, 2) : path.Line(&recorder, edge, 2);
+    EXPECT_GT(count, 1);
+    EXPECT_LT(count, 24) << projection->Name();
+  }
+  // An arc bends less the nearer it is to the eye; its path is no finer than a fifth of a pixel needs.
+  K7MapView view(&tilted, 401, 301);
+  ASSERT_EQ(view.LookAt(42, 21, 0), 0);
+  PathRecorder recorder;
+  EXPECT_GT(K7MapPath(view).WholeMap(&recorder), 20);
+  EXPECT_LT(recorder.PointCount(), 200);
+}
+
+// The hemisphere that an orthographic map shows, drawn and then its other side: neither a hair more nor less.
+TEST(MapPath, AnAreaMayEndAlongTheHorizon) {
+  K7OrthographicProjection projection;
+  for (const double lon : {0.0, 30.0, 90.0, 137.0, 180.0}) {
+    K7MapView view(&projection, 200, 200);
+    ASSERT_EQ(view.LookAt(0, lon, 0), 0);
+    for (const bool shown : {true, false}) {
+      const double west = shown ? lon - 90 : lon + 90;
+      Ring ring;
+      for (int i = 0; i <= 18; ++i) ring.emplace_back(90, west + i * 10);
+      for (int i = 0; i <= 18; ++i) ring.emplace_back(90 - i * 10, west + 180);
+      for (int i = 0; i <= 18; ++i) ring.emplace_back(-90, west + 180 - i * 10);
+      for (int i = 0; i <= 18; ++i) ring.emplace_back(-90 + i * 10, west);
+      const int size = static_cast<int>(ring.size());
+      PathRecorder recorder;
+      K7MapPath(view).Area(&recorder, ring.data(), &size, 1);
+      for (const double x : {30.5, 100.5, 170.5})
+        EXPECT_EQ(recorder.Encloses(x, 80.5), shown) << lon << " " << x;
+    }
+  }
+}
+
 // Between antipodes any great circle will do, and the one that is drawn passes the pole.
 TEST(MapPath, ARouteToTheAntipodeRunsOverThePole) {
   K7OrthographicProjection projection;
@@ -161,6 +297,13 @@ TEST(MapPath, ARouteToTheAntipodeRunsOverThePole) {
   double dx = 0, dy = 0;
   ASSERT_TRUE(view.ToDevice(90, 0, dx, dy));
   EXPECT_LT(recorder.Distance(dx, dy), 0.5);
+  // From pole to pole it is some meridian; points off the earth are none of its points.
+  ASSERT_EQ(view.LookAt(0, 0, 0), 0);
+  const K7LatLon poles[] = {{90, 0}, {NAN, 3}, {10, 1e300}, {-90, 0}};
+  K7MapPath path(view);
+  recorder.Clear();
+  EXPECT_GT(path.GreatCircle(&recorder, poles, 4), 10);
+  EXPECT_LT(recorder.Distance(150, 150), 0.5);
 }
 
 }  // namespace

@@ -68,6 +68,28 @@ TEST(MapView, AZoomGivesBackTheViewThatHasIt) {
   });
 }
 
+// In the middle: also of an eye so low that the range lies far behind its
+// horizon.
+TEST(MapView, APixelSpansItsMiles) {
+  const auto check = [](const K7MapView& view, double tolerance) {
+    static const double HALF = 0.01;
+    double aLat = 0, aLon = 0, bLat = 0, bLon = 0;
+    const double x = view.Width() / 2.0, y = view.Height() / 2.0;
+    ASSERT_TRUE(view.FromDevice(x, y - HALF, aLat, aLon));
+    ASSERT_TRUE(view.FromDevice(x, y + HALF, bLat, bLon));
+    EXPECT_NEAR(K7LatLon(aLat, aLon).Distance(K7LatLon(bLat, bLon)) / (2 * HALF * view.NMPerPixel()), 1,
+                tolerance);
+  };
+  for (const double feet : {10.0, 1e3, 1e5, 1e8}) {
+    K7PerspectiveProjection eye(4);
+    eye.ParamValue(0, feet);
+    K7MapView view(&eye, 400, 300);
+    ASSERT_EQ(view.LookAt(40, 20, 300), 0);
+    check(view, 1e-3);
+  }
+  ForAllProjections(48.5, -123.5, 300, [&](const K7MapView& view) { check(view, 0.01); });
+}
+
 // Whatever magnification the host's context has of its own, and whether it asks by the view or by itself.
 TEST(MapView, AnyContextCanBeSetUp) {
   ForAllProjections(48.5, -123.5, 300, [](const K7MapView& view) {
@@ -81,6 +103,15 @@ TEST(MapView, AnyContextCanBeSetUp) {
       EXPECT_NEAR(aLon, bLon, 1e-9);
     }
   });
+  K7MercatorProjection projection;
+  K7MapView view(&projection, 100, 100);
+  SoftGrfx host(100, 100);
+  view.SetUp(&host);  // shows nothing: leaves the cube of -1 to 1
+  double x = 0, y = 0, z = 0;
+  ASSERT_TRUE(host.UnProject(100, 50, 0.5, x, y, z));
+  EXPECT_EQ(x, 1);
+  EXPECT_EQ(view.LookAt(0, 0, 100), 0);
+  view.SetUp(nullptr);
 }
 
 // The smallest box around the positions of all pixels, longitudes from the centre's.
@@ -88,8 +119,8 @@ void ExpectExtent(const K7MapView& view, double slackPixels) {
   double north = -90, south = 90, east = -180, west = 180;
   for (int y = 0; y <= view.Height(); ++y)
     for (int x = 0; x <= view.Width(); ++x) {
-      double lat, lon;
-      if (!view.FromDevice(x, y, lat, lon)) continue;
+      double lat, lon, dx, dy;
+      if (!view.FromDevice(x, y, lat, lon) || !view.ToDevice(lat, lon, dx, dy)) continue;
       const double off = std::remainder(lon - view.CenterLon(), 360);
       north = std::max(north, lat);
       south = std::min(south, lat);
@@ -121,6 +152,24 @@ TEST(MapView, TheExtentHoldsWhatIsSeenAndLittleMore) {
     ASSERT_EQ(view.LookAt(lat, lon, range), 0);
     ExpectExtent(view, 8);
   }
+}
+
+// Also for cones that are not laid about the chart, up to their seam, their wide end and around their point,
+// and for windows that are larger than the map.
+TEST(MapView, TheExtentOfAConeThatLiesElsewhere) {
+  const Owned lambert(K7Projection::Create(K7_PROJ_LAMBERT, nullptr));  // about W90
+  const Owned albers(K7Projection::Create(K7_PROJ_ALBERS, nullptr));
+  K7LambertProjection south(-40, -30, 20, 0);
+  for (K7Projection* projection : {lambert.get(), albers.get(), static_cast<K7Projection*>(&south)})
+    for (const auto& [lat, lon] : {std::pair{48.0, 60.0}, {50.0, 85.0}, {-70.0, 89.9}, {86.0, -200.0}})
+      for (const double range : {20.0, 700.0}) {
+        K7MapView view(projection, 161, 121);
+        SCOPED_TRACE(testing::Message() << projection->Name() << " " << lat << " " << lon << " " << range);
+        if (view.LookAt(lat, lon, range) == 0) ExpectExtent(view, 8);
+      }
+  K7MapView thin(lambert.get(), 1, 1761);
+  ASSERT_EQ(thin.LookAt(40, 0, 0), 0);
+  EXPECT_EQ(thin.GetExtent(), K7ChartRect(90, -80, 180, -180));
 }
 
 TEST(MapView, APoleBringsAllLongitudes) {
@@ -179,6 +228,7 @@ TEST(MapView, WhatGivesNoPictureIsRefusedAndShowsNothing) {
     PathRecorder recorder;
     if (code != 0) {
       EXPECT_FALSE(view.IsSet());
+      EXPECT_FALSE(view.FromDevice(50, 50, lat, lon));
       EXPECT_FALSE(view.ToDevice(lat, lon, dx, dy));
       EXPECT_TRUE(view.GetExtent().IsEmpty());
       EXPECT_EQ(K7MapPath(view).WholeMap(&recorder), K7_ERR_BAD_ARGUMENT);
@@ -207,6 +257,25 @@ TEST(MapView, WhatGivesNoPictureIsRefusedAndShowsNothing) {
   level.SetClipPlanes();
   EXPECT_EQ(refused(&level, 40, 0, 0), K7_ERR_PROJECTION_RANGE);
   EXPECT_EQ(refused(&mercator, 0, 0, 100), K7_OK);
+  // Beyond where the map is cut, beyond the digits of positions, and before everything.
+  EXPECT_EQ(refused(&mercator, 89.985, 0, 0.05), K7_ERR_PROJECTION_RANGE);
+  EXPECT_EQ(refused(&mercator, 0, 0, 1e-9), K7_ERR_PROJECTION_RANGE);
+  EXPECT_EQ(refused(&mercator, 0, 0, INFINITY), K7_ERR_PROJECTION_RANGE);
+  K7MapView view(&mercator, 100, 100);
+  K7MapPath early(view);
+  PathRecorder recorder;
+  double lat, lon;
+  EXPECT_FALSE(view.FromDevice(50, 50, lat, lon));
+  EXPECT_EQ(view.LookAtZoom(0, 0, 1e13), K7_ERR_PROJECTION_RANGE);
+  EXPECT_EQ(view.LookAtZoom(0, 0, 0), K7_ERR_PROJECTION_RANGE);
+  EXPECT_EQ(view.LookAtZoom(0, 0, 1), K7_OK);
+  // A path that has not taken up what the view looks at.
+  EXPECT_EQ(early.WholeMap(&recorder), K7_ERR_BAD_ARGUMENT);
+  early.SetView(view);
+  EXPECT_GT(early.WholeMap(&recorder), 0);
+  EXPECT_FALSE(K7MapView(nullptr, 1, 1).IsGlobe());
+  SoftGrfx flat(100, 100, 0);
+  EXPECT_FALSE(mercator.Device2LatLon(50, 50, &flat, 100, 100, lat, lon));
 }
 
 // A cone has its point and its seam where its own meridian has them, wherever one looks.

@@ -44,7 +44,7 @@ class K7_API K7MapPath {
   /// A line whose edges run straight in latitude and longitude, across 180 by the shorter way.
   int Line(K7Grfx* g, const K7LatLon* points, int count);
   /// A route: between its points the line runs along great circles. Antipodes have no great circle of their
-  /// own; between them it runs over the north pole.
+  /// own; between them it runs over the north pole. Points off the earth are left out, as of features.
   int GreatCircle(K7Grfx* g, const K7LatLon* points, int count);
   /// The outline of all that the projection can show: the sea's area, and the limb.
   int WholeMap(K7Grfx* g);
