@@ -195,6 +195,7 @@ K7MapFeatures::K7MapFeatures() : m_store(new (std::nothrow) K7MapFeatureStore) {
 K7MapFeatures::~K7MapFeatures() { delete m_store; }
 
 int K7MapFeatures::Add(K7MapFeatureKind kind, const K7LatLon* points, const int* sizes, int parts) {
+  if (kind < K7_MAP_POINTS || kind > K7_MAP_AREA) return K7_ERR_BAD_ARGUMENT;
   if (parts < 0 || (parts > 0 && (!points || !sizes))) return K7_ERR_BAD_ARGUMENT;
   for (int i = 0; i < parts; ++i)
     if (sizes[i] < 0) return K7_ERR_BAD_ARGUMENT;

@@ -131,7 +131,8 @@ bool K7MapView::ToDevice(double lat, double lon, double& dx, double& dy) const {
   if (!m_projection) return false;
   m_projection->LatLon2World(lat, lon, x, y, z);
   m_camera.Project(x, y, z, hx, hy, hw);
-  if (!(hw > 0)) return false;
+  // Not so behind the eye, and where a map runs out to infinity.
+  if (!(hw > 0) || !std::isfinite(hx + hy)) return false;
   dx = hx / hw;
   dy = hy / hw;
   return m_isSet && OnMap(lat, lon) && dx >= 0 && dx <= Width() && dy >= 0 && dy <= Height();

@@ -141,6 +141,7 @@ TEST(MapFeatures, WrongArgumentsAddNothing) {
   EXPECT_EQ(features.Add(K7_MAP_LINES, points, nullptr, 1), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(features.Add(K7_MAP_LINES, points, two, -1), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(features.Add(K7_MAP_LINES, points, negative, 1), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(features.Add(static_cast<K7MapFeatureKind>(3), points, two, 1), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(features.Count(), 0);
   EXPECT_EQ(features.Point(0, 0).Lat(), 0);
   EXPECT_EQ(features.PointCount(7), 0);

@@ -33,8 +33,8 @@ class K7_API K7MapFeatures {
   K7MapFeatures& operator=(const K7MapFeatures&) = delete;
 
   /// Adds a feature of `parts` rows of points, laid end to end, `sizes` holding the length of each. Its
-  /// number, from 0; a feature of which nothing is left has one too. K7_ERR_BAD_ARGUMENT for null or negative
-  /// sizes, K7_ERR_MEMORY, each with nothing added.
+  /// number, from 0; a feature of which nothing is left has one too. K7_ERR_BAD_ARGUMENT for null, negative
+  /// sizes and other kinds, K7_ERR_MEMORY, each with nothing added.
   int Add(K7MapFeatureKind kind, const K7LatLon* points, const int* sizes, int parts);
   /// Forgets all features and keeps their memory.
   void Clear();
