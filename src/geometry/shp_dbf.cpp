@@ -145,8 +145,7 @@ int K7DbfFileHdr::Read(K7File* file) {
 
 bool K7DbfFileHdr::ReadFixed(K7File* file) {
   char raw[HEADER_SIZE];
-  file->Seek(0);
-  if (k7read::Exact(file, raw, HEADER_SIZE) != 0) return false;
+  if (!file->Seek(0) || k7read::Exact(file, raw, HEADER_SIZE) != 0) return false;
   k7read::Cursor cursor(raw, HEADER_SIZE);
   cursor.Little(version);
   cursor.Little(lastUpdate);
@@ -170,7 +169,7 @@ int K7DbfFileHdr::ReadFields(K7File* file) {
     fields = static_cast<K7DbfFieldDesc*>(std::malloc(static_cast<size_t>(count) * sizeof(K7DbfFieldDesc)));
     if (!fields) return K7_ERR_MEMORY;
   }
-  file->Seek(HEADER_SIZE);
+  if (!file->Seek(HEADER_SIZE)) return K7_ERR_FILE_IO;
   for (; fieldCount < count; ++fieldCount) {
     if (!ReadField(file, fields[fieldCount])) return K7_ERR_FILE_IO;
     dataLength += fields[fieldCount].length;

@@ -110,11 +110,13 @@ K7DbfField* K7ShpFile::GetAttrs(int index) {
   const int64_t pos = m_dbfHdr.headerLength + int64_t{m_dbfHdr.recordLength} * index;
   const int next = m_attrFile->Tell();
   if (pos > INT32_MAX || next < 0) return nullptr;
-  m_attrFile->Seek(static_cast<int>(pos));
   K7DbfField* attrs = nullptr;
-  m_dbfHdr.ReadAttrs(m_attrFile, &attrs);
-  m_attrFile->Seek(next);
-  return attrs;
+  if (m_attrFile->Seek(static_cast<int>(pos))) m_dbfHdr.ReadAttrs(m_attrFile, &attrs);
+  // Without the way back the next record would have another's attributes.
+  if (m_attrFile->Seek(next)) return attrs;
+  m_badFile = K7_SHP_ATTR_FILE;
+  ReleaseAttrs(attrs);
+  return nullptr;
 }
 
 void K7ShpFile::ReleaseAttrs(K7DbfField* attrs) { K7DbfFileHdr::ReleaseAttrs(attrs); }
