@@ -10,9 +10,6 @@ void CapCutter::SetUp(const K7ECEF& axis, double radius, double step) {
   m_radius = radius;
   m_cosRadius = std::cos(radius);
   m_step = step;
-  // The cosine of a small radius has few digits; where an edge meets the rim is known to as few.
-  const double sine = std::sin(radius);
-  m_samePlace = 1e-9 + 1e-14 / (sine * sine);
 }
 
 // Where the arc between two points, one inside and one outside, meets the rim.
@@ -53,7 +50,7 @@ void CapCutter::AddRimPoints(double from, double to, DevicePath& path) const {
   // The rim is as finely divided as edges are, but a small cap's rim needs no fewer points than a large
   // one's.
   const double turn = std::clamp(m_step * K7_DEG_TO_RAD / std::max(std::sin(m_radius), 1e-6), 0.002, 0.05);
-  const int pieces = static_cast<int>(std::ceil((to - from) / turn));
+  const int pieces = static_cast<int>(std::ceil(std::fabs(to - from) / turn));
   for (int i = 1; i < pieces; ++i)
     path.Add(K7ECEF(m_axis, (from + (to - from) * i / pieces) * K7_RAD_TO_DEG, distance));
 }
@@ -68,12 +65,13 @@ void CapCutter::StartArea() {
   m_points.Clear();
   m_runs.Clear();
   m_crossings.Clear();
-  m_open.Clear();
 }
 
 void CapCutter::AddRun(int begin) {
-  if (m_points.Failed()) return;
-  m_runs.Add({begin, m_points.Count(), Azimuth(m_points[begin]), Azimuth(m_points.Last()), 0, false});
+  if (Failed()) return;
+  m_runs.Add({begin, m_points.Count(), false, 0, 0});
+  m_crossings.Add({Azimuth(m_points[begin]), m_runs.Count() - 1, false});
+  m_crossings.Add({Azimuth(m_points.Last()), m_runs.Count() - 1, true});
 }
 
 void CapCutter::AddRing(const Buffer<K7ECEF>& ring, DevicePath& path, K7Grfx& g) {
@@ -116,17 +114,11 @@ void CapCutter::AddRing(const Buffer<K7ECEF>& ring, DevicePath& path, K7Grfx& g)
 }
 
 // All crossings clockwise, from behind the widest gap between two, in which the point of the rim is taken.
-bool CapCutter::AsksForRim(double& lat, double& lon) {
+void CapCutter::RimPoint(double& lat, double& lon) {
   static const double ASKEW = 1;  // radians: not likely to lie in line with a corner
   double between = ASKEW;
-  m_crossings.Clear();
-  for (int i = 0; i < m_runs.Count(); ++i) {
-    m_crossings.Add({m_runs[i].exit, i, true});
-    m_crossings.Add({m_runs[i].entry, i, false});
-  }
   const int count = m_crossings.Failed() ? 0 : m_crossings.Count();
   Crossing* const first = m_crossings.Data();
-  bool asks = m_runs.Count() == 0;
   if (count > 0) {
     // Ties by the order of the runs, as they came.
     std::sort(first, first + count, [](const Crossing& a, const Crossing& b) {
@@ -144,88 +136,41 @@ bool CapCutter::AsksForRim(double& lat, double& lon) {
     between = first[start].azimuth - widest / 2;
     std::rotate(first, first + start, first + count);
     for (int i = count - start; i < count; ++i) first[i].azimuth += 2 * K7_PI;
-    for (int i = 1; i < count; ++i)
-      asks = asks || (first[i].azimuth - first[i - 1].azimuth < m_samePlace &&
-                      first[i].leaves != first[i - 1].leaves);
   }
   const K7ECEF rim(m_axis, between * K7_RAD_TO_DEG, m_radius * K7_EARTH_RADIUS_NM);
   // Not asin: it has half the digits near the poles.
   lat = std::atan2(rim.Z(), std::hypot(rim.X(), rim.Y())) * K7_RAD_TO_DEG;
   lon = std::atan2(rim.Y(), rim.X()) * K7_RAD_TO_DEG;
-  return asks;
 }
 
-// The crossings from `begin` on that are one place but for rounding.
-int CapCutter::PlaceEnd(int begin) const {
-  int end = begin + 1;
-  while (end < m_crossings.Count() && m_crossings[end].azimuth - m_crossings[end - 1].azimuth < m_samePlace)
-    ++end;
-  return end;
-}
-
-// Crossings at one place, as of an edge to a pole and back, come in the order in which an area can have them:
-// entering ends what the rim lies in, leaving begins it. `cover`: how many areas the rim lies in before the
-// first crossing.
-void CapCutter::OrderPlaces(int cover) {
-  for (int i = 0, end; i < m_crossings.Count(); i = end) {
-    end = PlaceEnd(i);
-    for (int k = i; k < end; ++k) {
-      const bool leaves = cover <= 0;
-      int next = k;
-      while (next < end && m_crossings[next].leaves != leaves) ++next;
-      if (next < end) std::swap(m_crossings[k], m_crossings[next]);
-      cover += m_crossings[k].leaves ? 1 : -1;
-    }
-  }
-}
-
-// Turns the order so that it begins where the fewest areas cover the rim.
-void CapCutter::StartUncovered() {
-  const int count = m_crossings.Count();
-  int cover = 0, least = 0, start = 0;
-  for (int i = 0; i < count; ++i) {
-    cover += m_crossings[i].leaves ? 1 : -1;
-    if (cover >= least) continue;
-    least = cover;
-    start = i + 1;
-  }
-  for (int i = 0; i < start; ++i) m_crossings[i].azimuth += 2 * K7_PI;
-  Crossing* const first = m_crossings.Data();
-  std::rotate(first, first + start, first + count);
-}
-
-// Rings keep their area to the right, so that from where one leaves the cap the area's edge follows the rim
-// clockwise to an entry (K. Weiler and P. Atherton, Hidden Surface Removal Using Polygon Area Sorting, 1977).
-// Rings may overlap themselves at the seam: then exits and entries do not alternate, and each exit takes the
-// first entry that no exit before it has taken.
-void CapCutter::JoinRuns() {
-  m_open.Clear();
-  int taken = 0;
-  for (int i = 0; i < m_crossings.Count(); ++i) {
-    const Crossing& crossing = m_crossings[i];
-    Run& run = m_runs[crossing.run];
-    (crossing.leaves ? run.exit : run.entry) = crossing.azimuth;
-    if (crossing.leaves)
-      m_open.Add(crossing.run);
-    else if (taken < m_open.Count())
-      m_runs[m_open[taken++]].next = crossing.run;
-  }
-}
-
+// Every ring that crosses the rim leads into the area or out of it. So every other stretch between two
+// crossings is an edge of the area, and with the runs these make loops, whichever way the rings run (after K.
+// Weiler and P. Atherton, Hidden Surface Removal Using Polygon Area Sorting, 1977).
 void CapCutter::FinishArea(bool rimInside, DevicePath& path, K7Grfx& g) {
-  if (m_runs.Count() == 0 && rimInside) AddRim(path, g);
-  if (m_runs.Count() == 0 || m_crossings.Failed()) return;
-  OrderPlaces(rimInside ? 1 : 0);
-  StartUncovered();
-  JoinRuns();
+  const int count = m_crossings.Count();
+  if (Failed()) return;
+  if (count == 0 && rimInside) AddRim(path, g);
+  for (int i = 0; i < count; ++i) {
+    Run& run = m_runs[m_crossings[i].run];
+    (m_crossings[i].leaves ? run.exit : run.entry) = i;
+  }
   for (int i = 0; i < m_runs.Count(); ++i) {
     if (m_runs[i].joined) continue;
     path.Start();
-    for (int k = i; !m_runs[k].joined; k = m_runs[k].next) {
+    bool forward = true;
+    for (int k = i; !m_runs[k].joined;) {
       Run& run = m_runs[k];
       run.joined = true;
-      for (int p = run.begin; p < run.end; ++p) path.Add(m_points[p]);
-      AddRimPoints(run.exit, m_runs[run.next].entry, path);
+      for (int p = 0; p < run.end - run.begin; ++p)
+        path.Add(m_points[forward ? run.begin + p : run.end - 1 - p]);
+      const int from = forward ? run.exit : run.entry;
+      // The stretch across the first place is the last one's.
+      const bool next = (from % 2 == 0) != rimInside;
+      const int to = (from + (next ? 1 : count - 1)) % count;
+      const double turn = next && to == 0 ? 2 * K7_PI : !next && from == 0 ? -2 * K7_PI : 0;
+      AddRimPoints(m_crossings[from].azimuth, m_crossings[to].azimuth + turn, path);
+      k = m_crossings[to].run;
+      forward = !m_crossings[to].leaves;
     }
     path.FinishRing(g);
   }

@@ -6,8 +6,8 @@
 #include "projection/buffer.h"
 #include "projection/device_path.h"
 
-/// Cuts rings and lines of surface points to a cap and hands on what is left. Rings keep their area to the
-/// right; where they leave the cap, the area's edge follows its rim.
+/// Cuts rings and lines of surface points to a cap and hands on what is left. Where rings leave the cap, the
+/// area's edge follows its rim.
 class CapCutter {
  public:
   /// The cap's centre, its radius in radians, and how long an edge of its rim may be, in degrees.
@@ -16,29 +16,25 @@ class CapCutter {
   void StartArea();
   /// A closed ring, the last point the first again. One wholly within the cap is handed on at once.
   void AddRing(const Buffer<K7ECEF>& ring, DevicePath& path, K7Grfx& g);
-  /// Takes stock of the rings. True when what the area covers depends on whether a point of the rim, which is
-  /// given, lies in it: no ring meets the rim, or one leaves the cap where one enters it.
-  bool AsksForRim(double& lat, double& lon);
-  /// Joins what the rings left. `rimInside` is the answer, of no matter where it was not asked for.
+  /// A point of the rim, away from where the rings cross it.
+  void RimPoint(double& lat, double& lon);
+  /// Joins what the rings left. `rimInside`: that point lies in the area.
   void FinishArea(bool rimInside, DevicePath& path, K7Grfx& g);
 
   void AddLine(const Buffer<K7ECEF>& line, DevicePath& path, K7Grfx& g) const;
   /// The whole rim as a ring.
   void AddRim(DevicePath& path, K7Grfx& g) const;
 
-  bool Failed() const {
-    return m_points.Failed() || m_runs.Failed() || m_crossings.Failed() || m_open.Failed();
-  }
+  bool Failed() const { return m_points.Failed() || m_runs.Failed() || m_crossings.Failed(); }
 
  private:
   // A run of a ring inside the cap, from where it enters to where it leaves.
   struct Run {
-    int begin, end;      // in m_points
-    double entry, exit;  // azimuths, in turn around the rim once `FinishArea` has put them in order
-    int next;            // the one that the area's edge goes on with
+    int begin, end;  // in m_points
     bool joined;
+    int entry, exit;  // in m_crossings, once they are in order
   };
-  // Where a ring leaves or enters the cap, on the rim.
+  // Where a run begins or ends on the rim.
   struct Crossing {
     double azimuth;
     int run;
@@ -51,18 +47,12 @@ class CapCutter {
   double Azimuth(const K7ECEF& point) const;
   void AddRimPoints(double from, double to, DevicePath& path) const;
   void AddRun(int begin);
-  int PlaceEnd(int begin) const;
-  void OrderPlaces(int cover);
-  void StartUncovered();
-  void JoinRuns();
 
   K7ECEF m_axis;
   double m_radius = 0;
   double m_cosRadius = 1;
   double m_step = 1;
-  double m_samePlace = 0;  // azimuths closer than this differ by rounding only
   Buffer<K7ECEF> m_points;
   Buffer<Run> m_runs;
   Buffer<Crossing> m_crossings;
-  Buffer<int> m_open;
 };

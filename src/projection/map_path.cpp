@@ -333,7 +333,8 @@ void K7MapPath::Stages::AddArea(const K7MapFeatureStore& store, const Feature& f
   }
   if (!view->IsGlobe()) return;
   double rimLat, rimLon;
-  cap.FinishArea(cap.AsksForRim(rimLat, rimLon) && store.Contains(feature, rimLat, rimLon), path, *g);
+  cap.RimPoint(rimLat, rimLon);
+  cap.FinishArea(store.Contains(feature, rimLat, rimLon), path, *g);
 }
 
 void K7MapPath::Stages::AddLines(const K7MapFeatureStore& store, int firstPart, int count) {
