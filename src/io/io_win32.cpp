@@ -10,6 +10,7 @@
 #include <windows.h>
 #include <wininet.h>
 
+#include <io.h>
 #include <locale.h>
 #include <cstdio>
 #include <cstdlib>
@@ -110,6 +111,19 @@ bool k7os::FollowLinks(const char* path, K7String& target) {
   const DWORD n = file == INVALID_HANDLE_VALUE ? 0 : GetFinalPathNameByHandleA(file, real, sizeof real, 0);
   if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
   return target.Create(n > 0 && n < sizeof real ? real : path) >= 0;
+}
+
+bool k7os::CanTakePlace(std::FILE*, const char* to) {
+  static const DWORD REFUSED = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY |
+                               FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE;
+  const DWORD attributes = GetFileAttributesA(to);
+  return attributes == INVALID_FILE_ATTRIBUTES || (attributes & REFUSED) == 0;
+}
+
+bool k7os::Store(std::FILE* stream) {
+  if (std::fflush(stream) != 0) return false;
+  const int file = _fileno(stream);
+  return _isatty(file) != 0 || _commit(file) == 0;
 }
 
 bool k7os::ReplaceFile(const char* from, const char* to) {

@@ -53,6 +53,12 @@ bool DeleteFile(const char* path);
 /// The file that `path` leads to through links, be it there or yet to be made; the path itself where there is
 /// no link. False without memory.
 bool FollowLinks(const char* path, K7String& target);
+/// Nobody loses by `fresh`, an open new file of no bytes, taking the place of `to`, which is no link: there
+/// is no file, or a plain one that this process may write, under one name, and of the same owner. `fresh` has
+/// its permissions then.
+bool CanTakePlace(std::FILE* fresh, const char* to);
+/// Flushes a stream down to the disk. True also for what is no disk.
+bool Store(std::FILE* stream);
 /// Puts a whole file into the place of another of the same file system in one step, once its bytes are on the
 /// disk. The permissions of `to` stay on POSIX; a link there does not. What is no file, or may not be
 /// written, is not replaced.

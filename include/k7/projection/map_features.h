@@ -22,7 +22,7 @@ enum K7MapFeatureKind : int {
 /// differ by more than 180; a ring only if it then closes: one that runs around a pole is meant as it stands.
 /// Rings are closed. Rings of an area whose first ring runs counter-clockwise are all turned around, so that
 /// outer rings keep their area to the right. Edges along 180 degrees or a pole where a data set was cut
-/// (within 0.001 degrees) are moved onto it; they belong to the area, not to its outline.
+/// (within 0.001 and 0.002 degrees) are moved onto it; they belong to the area, not to its outline.
 ///
 /// Adding needs the object alone; afterwards any number of threads may read and draw it.
 class K7_API K7MapFeatures {
