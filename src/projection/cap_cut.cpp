@@ -56,7 +56,6 @@ void CapCutter::AddRimPoints(double from, double to, DevicePath& path) const {
 }
 
 void CapCutter::AddRim(DevicePath& path, K7Grfx& g) const {
-  path.Start();
   AddRimPoints(0, 2 * K7_PI, path);
   path.FinishRing(g);
 }
@@ -79,7 +78,6 @@ void CapCutter::AddRing(const Buffer<K7ECEF>& ring, DevicePath& path, K7Grfx& g)
   int start = 0;
   while (start < n && Holds(ring[start])) ++start;
   if (start == n) {
-    path.Start();
     for (int i = 0; i < n; ++i) path.Add(ring[i]);
     path.Add(ring[0]);
     path.FinishRing(g);
@@ -156,7 +154,6 @@ void CapCutter::FinishArea(bool rimInside, DevicePath& path, K7Grfx& g) {
   }
   for (int i = 0; i < m_runs.Count(); ++i) {
     if (m_runs[i].joined) continue;
-    path.Start();
     bool forward = true;
     for (int k = i; !m_runs[k].joined;) {
       Run& run = m_runs[k];
@@ -181,16 +178,12 @@ void CapCutter::AddLine(const Buffer<K7ECEF>& line, DevicePath& path, K7Grfx& g)
   for (int i = 0; i < line.Count(); ++i) {
     const bool goesInside = Holds(line[i]);
     K7ECEF deepest;
-    if (goesInside && !inside) {
-      path.Start();
-      if (i > 0) path.Add(RimCrossing(line[i], line[i - 1]));
-    }
+    if (goesInside && !inside && i > 0) path.Add(RimCrossing(line[i], line[i - 1]));
     if (goesInside) path.Add(line[i]);
     if (inside && !goesInside) {
       path.Add(RimCrossing(line[i - 1], line[i]));
       path.FinishLine(g);
     } else if (i > 0 && !goesInside && DipsIn(line[i - 1], line[i], deepest)) {
-      path.Start();
       path.Add(RimCrossing(deepest, line[i - 1]));
       path.Add(deepest);
       path.Add(RimCrossing(deepest, line[i]));

@@ -69,6 +69,7 @@ void DevicePath::SetUp(const K7Projection& projection, const K7GrfxK7& camera) {
 void DevicePath::Reset() {
   m_failed = false;
   m_count = 0;
+  Start();
 }
 
 void DevicePath::Start() {
@@ -126,16 +127,16 @@ void DevicePath::Finish() {
 void DevicePath::FinishRing(K7Grfx& g) {
   Finish();
   RingOut out{g};
-  if (m_allInside) {
-    if (m_points.Count() < 3) return;
+  if (m_allInside && m_points.Count() >= 3) {
     for (int i = 0; i < m_points.Count(); ++i) out.Add(m_points[i]);
-  } else {
+  } else if (!m_allInside) {
     RingCutter<Guards, DevicePoint, RingOut> cutter(m_guards, out);
     for (int i = 0; i < m_points.Count(); ++i) cutter.Add(m_points[i]);
     cutter.Close();
   }
   if (out.count > 0) g.ClosePath();
   m_count += out.count;
+  Start();
 }
 
 void DevicePath::FinishLine(K7Grfx& g) {
@@ -158,6 +159,7 @@ void DevicePath::FinishLine(K7Grfx& g) {
     ++m_count;
     drawing = !cutB;
   }
+  Start();
 }
 
 template void DevicePath::Take(const GeoPoint&, const DevicePoint&, GeoPoint&);

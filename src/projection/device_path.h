@@ -67,11 +67,9 @@ class DevicePath {
  public:
   void SetUp(const K7Projection& projection, const K7GrfxK7& camera);
 
-  /// Begins a run.
-  void Start();
   void Add(const GeoPoint& point, const DevicePoint& at) { Take(point, at, m_lastGeo); }
   void Add(const K7ECEF& point) { Take(point, ToDevice(point), m_lastSurface); }
-  /// Ends the run and hands it on.
+  /// Hands on the run and begins another.
   void FinishLine(K7Grfx& g);
   void FinishRing(K7Grfx& g);
 
@@ -96,6 +94,7 @@ class DevicePath {
   void Take(const Point& point, const DevicePoint& at, Point& last);
   template <class Point>
   void Halve(const Point& a, const Point& b, const DevicePoint& da, const DevicePoint& db, int halvings);
+  void Start();
   void Finish();
 
   const K7Projection* m_projection = nullptr;

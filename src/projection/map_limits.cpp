@@ -36,7 +36,7 @@ bool IsSouthern(const K7Projection& cone) {
     double ax, ay, bx, by, z;
     cone.LatLon2World(lat, middle - 90, ax, ay, z);
     cone.LatLon2World(lat, middle + 90, bx, by, z);
-    return std::hypot(ax - bx, ay - by);
+    return std::fabs(ax - bx);
   };
   return width(-60) < width(60);
 }

@@ -254,7 +254,6 @@ void K7MapPath::Stages::StartRow() {
   pending = 0;
   started = false;
   surface.Clear();
-  path.Start();
 }
 
 void K7MapPath::Stages::Add(const GeoPoint& p) {
