@@ -7,6 +7,7 @@
 #include <cmath>
 #include <memory>
 #include <random>
+#include <thread>
 
 #include "projection/path_recorder.h"
 #include "projection/soft_grfx.h"
@@ -276,6 +277,31 @@ TEST(MapView, WhatGivesNoPictureIsRefusedAndShowsNothing) {
   EXPECT_FALSE(K7MapView(nullptr, 1, 1).IsGlobe());
   SoftGrfx flat(100, 100, 0);
   EXPECT_FALSE(mercator.Device2LatLon(50, 50, &flat, 100, 100, lat, lon));
+}
+
+// Each with a path of its own, through one view of one set of features.
+TEST(MapView, ThreadsMayDrawOneView) {
+  K7MapFeatures features;
+  const K7LatLon ring[] = {{40, 10}, {60, 10}, {60, 40}, {40, 40}};
+  const int size = 4;
+  features.Add(K7_MAP_AREA, ring, &size, 1);
+  K7StereographicProjection projection;
+  K7MapView view(&projection, 400, 300);
+  ASSERT_EQ(view.LookAt(50, 25, 500), 0);
+  int counts[4] = {};
+  std::thread threads[4];
+  for (int i = 0; i < 4; ++i)
+    threads[i] = std::thread([&, i] {
+      K7GrfxK7 sink(1, 1);
+      K7MapPath path(view);
+      double lat = 0, lon = 0, dx = 0, dy = 0;
+      for (int k = 0; k < 50 && view.FromDevice(3 * k, 2 * k, lat, lon); ++k)
+        counts[i] += view.ToDevice(lat, lon, dx, dy) + path.Area(&sink, features, 0);
+      counts[i] += view.GetExtent().PtIn(50, 25) && features.Contains(0, 50, 25);
+    });
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_GT(counts[0], 200);
+  for (const int count : counts) EXPECT_EQ(count, counts[0]);
 }
 
 // A cone has its point and its seam where its own meridian has them, wherever one looks.
