@@ -47,10 +47,8 @@ int64_t ContentLength(K7File* mainFile, int64_t pos, int64_t end) {
   return pos + RECORD_HEADER_SIZE + length <= end ? length : -1;
 }
 
-int64_t SizeOf(K7File* file) {
-  file->Seek(0);
-  return k7read::BytesLeft(file);
-}
+// 0 for a file that cannot tell.
+int64_t SizeOf(K7File* file) { return file->Seek(0) ? std::max<int64_t>(k7read::BytesLeft(file), 0) : 0; }
 
 }  // namespace
 

@@ -147,7 +147,10 @@ void CapCutter::RimPoint(double& lat, double& lon) {
 void CapCutter::FinishArea(bool rimInside, DevicePath& path, K7Grfx& g) {
   const int count = m_crossings.Count();
   if (Failed()) return;
-  if (count == 0 && rimInside) AddRim(path, g);
+  if (count == 0) {
+    if (rimInside) AddRim(path, g);
+    return;
+  }
   for (int i = 0; i < count; ++i) {
     Run& run = m_runs[m_crossings[i].run];
     (m_crossings[i].leaves ? run.exit : run.entry) = i;
