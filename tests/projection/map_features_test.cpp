@@ -31,13 +31,15 @@ TEST(MapFeatures, PointsOffTheEarthAreLeftOut) {
       0);
   EXPECT_EQ(features.PointCount(0), 2);
   EXPECT_EQ(features.Point(0, 1).Lat(), 12);
+  EXPECT_EQ(AddOne(features, K7_MAP_POINTS, {{10, 20}, {NAN, 20}, {11, 21}, {12, 22}}), 1);
+  EXPECT_EQ(features.PointCount(1), 3);
   // Of what is too short nothing is left, but the number is.
-  EXPECT_EQ(AddOne(features, K7_MAP_LINES, {{10, 20}}), 1);
-  EXPECT_EQ(AddOne(features, K7_MAP_AREA, {{10, 20}, {11, 20}}), 2);
-  EXPECT_EQ(features.PointCount(1), 0);
+  EXPECT_EQ(AddOne(features, K7_MAP_LINES, {{10, 20}}), 2);
+  EXPECT_EQ(AddOne(features, K7_MAP_AREA, {{10, 20}, {11, 20}}), 3);
   EXPECT_EQ(features.PointCount(2), 0);
-  EXPECT_TRUE(features.Bounds(2).IsEmpty());
-  EXPECT_EQ(features.Count(), 3);
+  EXPECT_EQ(features.PointCount(3), 0);
+  EXPECT_TRUE(features.Bounds(3).IsEmpty());
+  EXPECT_EQ(features.Count(), 4);
 }
 
 TEST(MapFeatures, RingsAreClosedAndRunClockwise) {
@@ -81,6 +83,7 @@ TEST(MapFeatures, ALineMayWindAroundTheWorld) {
     track.emplace_back(60 * std::sin(i * 0.31), std::remainder(17.0 * i, 360));  // 19 turns to the east
   K7MapFeatures features;
   AddOne(features, K7_MAP_LINES, track);
+  EXPECT_LT(features.PointCount(0), 401 + 20);
   K7RectangularProjection projection(0);
   K7MapView view(&projection, 400, 300);
   ASSERT_EQ(view.LookAt(10, 170, 1500), 0);
@@ -127,6 +130,14 @@ TEST(MapFeatures, HalvesThatWereCutBeside180MeetThere) {
     }
     EXPECT_GE(hits, 1) << lon;
   }
+  // Neither runs on by more than a pixel.
+  for (int i = 0; i < 2; ++i) {
+    double dx = 0, dy = 0;
+    ASSERT_TRUE(view.ToDevice(-16.9, i == 0 ? -179.9995 : 179.9995, dx, dy));
+    PathRecorder recorder;
+    path.Area(&recorder, features, i);
+    EXPECT_FALSE(recorder.Encloses(dx, dy)) << i;
+  }
   for (int i = 0; i < 2; ++i) {
     PathRecorder coast;
     EXPECT_EQ(path.Outline(&coast, features, i), 0);
@@ -147,9 +158,13 @@ TEST(MapFeatures, WrongArgumentsAddNothing) {
   EXPECT_EQ(features.PointCount(7), 0);
   EXPECT_FALSE(features.Contains(-1, 0, 0));
   features.Add(K7_MAP_LINES, points, two, 1);
+  AddOne(features, K7_MAP_LINES, {{30, 40}, {50, 60}});
   features.Clear();
   EXPECT_EQ(features.Count(), 0);
   EXPECT_EQ(features.Add(K7_MAP_LINES, points, two, 1), 0);
+  EXPECT_EQ(features.PointCount(0), 2);
+  EXPECT_EQ(features.Point(0, 1).Lat(), 1);
+  EXPECT_EQ(features.Point(0, 1).Lon(), 1);
 }
 
 #ifdef K7_CAN_LIMIT_MEMORY

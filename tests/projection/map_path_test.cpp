@@ -223,6 +223,14 @@ TEST_P(DrawnMap, RoutesRunAlongGreatCircles) {
       missed += recorder.Distance(x, y) > 1;
     }
     EXPECT_EQ(missed, 0) << to.Lat() << " " << to.Lon();
+    // No point of it lies beyond its ends.
+    for (const PathRecorder::Piece& piece : recorder.pieces)
+      for (const PathRecorder::Point& p : piece.points) {
+        double lat, lon;
+        if (!view->FromDevice(p.x, p.y, lat, lon) || Squeezed(p.x, p.y, {lat, lon})) continue;
+        const double way = from.Distance({lat, lon}) + K7LatLon(lat, lon).Distance(to);
+        EXPECT_LT(way, length * 1.02 + 20 * view->NMPerPixel()) << to.Lat() << " " << to.Lon();
+      }
   }
 }
 

@@ -144,7 +144,7 @@ void ExpectExtent(const K7MapView& view, double slackPixels) {
 
 TEST(MapView, TheExtentHoldsWhatIsSeenAndLittleMore) {
   std::mt19937 random(3);
-  std::uniform_real_distribution<double> lats(-75, 75), lons(-180, 180), ranges(5, 700);
+  std::uniform_real_distribution<double> lats(-84, 84), lons(-180, 180), ranges(5, 700);
   for (int i = 0; i < 45; ++i) {
     const double lat = lats(random), lon = lons(random), range = ranges(random);
     SCOPED_TRACE(testing::Message() << "type " << i % 9 << " at " << lat << " " << lon << " range " << range);
@@ -174,16 +174,23 @@ TEST(MapView, TheExtentOfAConeThatLiesElsewhere) {
 }
 
 TEST(MapView, APoleBringsAllLongitudes) {
-  for (const int type : {K7_PROJ_LAMBERT, K7_PROJ_ORTHOGRAPHIC, K7_PROJ_STEREOGRAPHIC, K7_PROJ_GNOMONIC}) {
-    const Owned projection = Make(type, 85, 30, 600);
-    K7MapView view(projection.get(), 200, 200);
-    ASSERT_EQ(view.LookAt(85, 30, 600), 0);
-    const K7ChartRect extent = view.GetExtent();
-    EXPECT_EQ(extent.North(), 90) << type;
-    EXPECT_EQ(extent.West(), -180) << type;
-    EXPECT_EQ(extent.East(), 180) << type;
-    EXPECT_NEAR(extent.South(), 85 - 10 * std::sqrt(2.0), 1.5) << type;
-  }
+  for (const int type : {K7_PROJ_LAMBERT, K7_PROJ_ORTHOGRAPHIC, K7_PROJ_STEREOGRAPHIC, K7_PROJ_GNOMONIC})
+    for (const double side : {1.0, -1.0}) {
+      const Owned projection = Make(type, side * 85, 30, 600);
+      K7MapView view(projection.get(), 200, 200);
+      ASSERT_EQ(view.LookAt(side * 85, 30, 600), 0);
+      const K7ChartRect extent = view.GetExtent();
+      EXPECT_EQ(side > 0 ? extent.North() : -extent.South(), 90) << type;
+      EXPECT_EQ(extent.West(), -180) << type;
+      EXPECT_EQ(extent.East(), 180) << type;
+      EXPECT_NEAR(side > 0 ? extent.South() : -extent.North(), 85 - 10 * std::sqrt(2.0), 1.5) << type;
+      // Hardly within the edge, and hardly not.
+      ASSERT_EQ(view.LookAt(side * 85, 30, 302), 0);
+      EXPECT_EQ(side > 0 ? view.GetExtent().North() : -view.GetExtent().South(), 90) << type;
+      EXPECT_EQ(view.GetExtent().West(), -180) << type;
+      ASSERT_EQ(view.LookAt(side * 85, 30, 290), 0);
+      EXPECT_GT(view.GetExtent().West(), -180) << type;
+    }
   const Owned across = Make(K7_PROJ_MERCATOR, 0, 180, 600);
   K7MapView view(across.get(), 200, 200);
   ASSERT_EQ(view.LookAt(0, 180, 600), 0);
@@ -269,6 +276,9 @@ TEST(MapView, WhatGivesNoPictureIsRefusedAndShowsNothing) {
   EXPECT_FALSE(view.FromDevice(50, 50, lat, lon));
   EXPECT_EQ(view.LookAtZoom(0, 0, 1e13), K7_ERR_PROJECTION_RANGE);
   EXPECT_EQ(view.LookAtZoom(0, 0, 0), K7_ERR_PROJECTION_RANGE);
+  EXPECT_EQ(view.LookAtZoom(0, 0, 1), K7_OK);
+  EXPECT_EQ(view.LookAtZoom(91, 0, 1), K7_ERR_BAD_ARGUMENT);
+  EXPECT_FALSE(view.IsSet());
   EXPECT_EQ(view.LookAtZoom(0, 0, 1), K7_OK);
   // A path that has not taken up what the view looks at.
   EXPECT_EQ(early.WholeMap(&recorder), K7_ERR_BAD_ARGUMENT);
