@@ -78,24 +78,17 @@ bool K7GrtCirc::Intersect(const K7GrtCirc& other, K7LatLon& at, double tolerance
   return true;
 }
 
-// The foot of the perpendicular is normal x (p x normal), made a unit vector. In the leg's own frame
-//   p = (p . begin) begin + (p . tangent) tangent + (p . normal) normal,
-// and the first two terms are the foot's direction. So tan(along) = p . tangent / p . begin, and tan(cross) =
-// -p . normal / length of those two: no cross products, no normalisation, and all digits at every angle.
+// The foot of the perpendicular is normal x (p x normal). Both angles are taken as every distance is, by the
+// cosine or by the sine, so that legs, routes and tiles measure alike to the last bit.
 void K7GrtCirc::OrthoDist(const K7ECEF& p, double& cross, double& along) const {
-  const double ahead = m_tangent.DotProduct(p);
-  const double beside = m_begin.DotProduct(p);
-  const double above = m_normal.DotProduct(p);
   K7ECEF pole;
-  pole.CrossProduct(p, m_normal);
-  if (pole == K7ECEF()) {
-    // A leg without length, or p at the circle's pole: there is no foot, which counts as a quarter turn away.
-    along = K7_PI / 2 * K7_EARTH_RADIUS_NM;
-    cross = above > 0 ? -along : along;
-    return;
-  }
-  along = std::atan2(ahead, beside) * K7_EARTH_RADIUS_NM;
-  cross = std::atan2(0.0 - above, std::sqrt(ahead * ahead + beside * beside)) * K7_EARTH_RADIUS_NM;
+  pole.UnitNormal(p, m_normal);
+  K7ECEF foot;
+  foot.CrossProduct(m_normal, pole);
+  along = k7geo::Distance(m_begin, foot);
+  if (m_tangent.DotProduct(foot) < 0) along = -along;
+  cross = k7geo::Distance(p, foot);
+  if (m_normal.DotProduct(p) > 0) cross = -cross;
 }
 
 void K7GrtCirc::OrthoDist(const K7LatLon& p, double& cross, double& along) const {
