@@ -155,8 +155,9 @@ K7_INLINE void ForBlocks(const K7Projection& single, const Formula& formula, con
       const std::uint64_t out = formula.Longitude(lon[i], x[i], y[i]);
       if constexpr (Formula::HAS_LIMITS) anyLeft |= left[i] |= out;
     }
-    for (int i = 0; anyLeft && i < count; ++i) {
-      if (left[i]) single.LatLon2World(lat[i], lon[i], x[i], y[i], z[i]);
+    if constexpr (Formula::HAS_LIMITS) {
+      for (int i = 0; anyLeft && i < count; ++i)
+        if (left[i]) single.LatLon2World(lat[i], lon[i], x[i], y[i], z[i]);
     }
   }
 }
