@@ -295,18 +295,7 @@ bool k7os::Store(std::FILE* stream) {
   return fsync(fileno(stream)) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EROFS;
 }
 
-bool k7os::ReplaceFile(const char* from, const char* to) {
-  struct stat info;
-  const bool exists = stat(to, &info) == 0;
-  if (exists && (!S_ISREG(info.st_mode) || faccessat(AT_FDCWD, to, W_OK, AT_EACCESS) != 0)) return false;
-  const int file = open(from, O_RDONLY | O_CLOEXEC);
-  if (file < 0) return false;
-  // Best effort: not every file system knows permissions.
-  if (exists) (void)fchmod(file, info.st_mode & 07777);
-  const bool stored = fsync(file) == 0;
-  close(file);
-  return stored && std::rename(from, to) == 0;
-}
+bool k7os::ReplaceFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
 
 void* k7os::OpenLibrary(const char* file) { return dlopen(file, RTLD_NOW | RTLD_LOCAL); }
 

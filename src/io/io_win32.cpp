@@ -127,12 +127,7 @@ bool k7os::Store(std::FILE* stream) {
 }
 
 bool k7os::ReplaceFile(const char* from, const char* to) {
-  const HANDLE file =
-      CreateFileA(from, GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return false;
-  const bool stored = FlushFileBuffers(file) != 0;
-  CloseHandle(file);
-  return stored && MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING) != 0;
+  return MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING) != 0;
 }
 
 void* k7os::OpenLibrary(const char* file) { return LoadLibraryA(file); }

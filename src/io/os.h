@@ -59,9 +59,8 @@ bool FollowLinks(const char* path, K7String& target);
 bool CanTakePlace(std::FILE* fresh, const char* to);
 /// Flushes a stream down to the disk. True also for what is no disk.
 bool Store(std::FILE* stream);
-/// Puts a whole file into the place of another of the same file system in one step, once its bytes are on the
-/// disk. The permissions of `to` stay on POSIX; a link there does not. What is no file, or may not be
-/// written, is not replaced.
+/// Puts a closed file, whose bytes `Store` has brought to the disk, into the place of one that
+/// `CanTakePlace` allowed, in one step: whoever looks, a crash included, finds the old file or the new one.
 bool ReplaceFile(const char* from, const char* to);
 
 void* OpenLibrary(const char* file);
