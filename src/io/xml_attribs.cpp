@@ -21,23 +21,16 @@ K7XmlAttribs* K7XmlAttribs::New(int capacity, size_t room) {
 
 void K7XmlAttribs::Delete(K7XmlAttribs* attribs) { std::free(attribs); }
 
-K7XmlAttribs* K7XmlAttribs::Make(const char* texts, size_t size, int count) {
+K7XmlAttribs* K7XmlAttribs::Make(const void* pairs, int count, const char* texts, size_t size) {
   K7XmlAttribs* const attribs = New(count, size);
   if (!attribs) return nullptr;
+  std::memcpy(attribs->Pairs(), pairs, static_cast<size_t>(count) * sizeof(Pair));
   std::memcpy(attribs->Texts(), texts, size);
-  const char* const begin = attribs->Texts();
-  const char* p = begin;
-  for (; attribs->m_count < count; ++attribs->m_count) {
-    Pair& pair = attribs->Pairs()[attribs->m_count];
-    pair.name = static_cast<unsigned>(p - begin);
-    p += std::strlen(p) + 1;
-    pair.value = static_cast<unsigned>(p - begin);
-    p += std::strlen(p) + 1;
-  }
+  attribs->m_count = count;
   return attribs;
 }
 
-K7XmlAttribs* K7XmlAttribs::Clone() const { return Make(Texts(), End(), m_count); }
+K7XmlAttribs* K7XmlAttribs::Clone() const { return Make(Pairs(), m_count, Texts(), End()); }
 
 size_t K7XmlAttribs::End() const {
   if (m_count == 0) return 0;

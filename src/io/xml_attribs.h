@@ -7,9 +7,15 @@
 /// attributes are set and only read from then on, so that threads may share a finished tree.
 class K7XmlAttribs {
  public:
-  /// Of `count` pairs that stand in `texts` one behind the other, name and value each with its terminator.
+  /// Where a name and its value begin in the texts.
+  struct Pair {
+    unsigned name;
+    unsigned value;
+  };
+
+  /// Of `count` pairs (bytes of any alignment), and `texts` in which each name and value has its terminator.
   /// Null without memory.
-  static K7XmlAttribs* Make(const char* texts, size_t size, int count);
+  static K7XmlAttribs* Make(const void* pairs, int count, const char* texts, size_t size);
   /// Null without memory.
   K7XmlAttribs* Clone() const;
   static void Delete(K7XmlAttribs* attribs);
@@ -26,11 +32,6 @@ class K7XmlAttribs {
   int Find(const char* name) const;
 
  private:
-  struct Pair {
-    unsigned name;
-    unsigned value;
-  };
-
   K7XmlAttribs(int capacity, size_t room) : m_capacity(capacity), m_room(room) {}
   static K7XmlAttribs* New(int capacity, size_t room);
   size_t End() const;

@@ -30,16 +30,22 @@ struct AttribPair {
   const char* equals;
   const char* value;
   const char* quote;           // the closing one
+  bool plain;                  // the value has none of the reserved characters
   const char* next = nullptr;  // behind it
 
-  /// The pair that `text` begins with. False for anything of another shape.
+  /// The pair that `text` begins with. False for anything of another shape. A terminator, ">" or "/>" stands
+  /// at `end`.
   bool Find(const char* text, const char* end) {
     name = text;
     while (name != end && IsXmlSpace(*name)) ++name;
-    equals = FindByte(name, end, '=');
-    if (!equals || end - equals < 2 || equals[1] != '"') return false;
+    equals = name;
+    while (equals != end && *equals != '=') ++equals;
+    if (end - equals < 2 || equals[1] != '"') return false;
     value = equals + 2;
-    quote = FindByte(value, end, '"');
+    quote = value + K7XmlText::PlainLength(value);
+    if (quote >= end) return false;
+    plain = *quote == '"';
+    if (!plain) quote = FindByte(quote, end, '"');
     if (!quote) return false;
     next = quote + 1;
     return true;
@@ -178,27 +184,32 @@ int K7XmlElem::ReadAttribs(const char* text, const char* end, K7XmlAttribScratch
   K7XmlText& split = scratch.split;
   written.Clear();
   split.Clear();
+  scratch.pairs.Clear();
   int count = 0;
   for (AttribPair pair; pair.Find(pair.next ? pair.next : text, end); ++count) {
     if (count > 0) written.Append(" ", 1);
+    const int nameAt = split.Size();
     split.Append(pair.name, static_cast<size_t>(pair.equals - pair.name));
     split.Append("", 1);
+    const int valueAt = split.Size();
     const size_t length = static_cast<size_t>(pair.quote - pair.value);
-    if (pair.value + K7XmlText::PlainLength(pair.value) == pair.quote) {
+    if (pair.plain) {
       written.Append(pair.name, static_cast<size_t>(pair.next - pair.name));
       split.Append(pair.value, length);
     } else {
       written.Append(pair.name, static_cast<size_t>(pair.value - pair.name));
-      const int valueAt = split.Size();
       split.AppendResolved(pair.value, length);
       written.AppendEscaped(split.Text() + valueAt);
       written.Append("\"", 1);
     }
     split.Append("", 1);
+    const K7XmlAttribs::Pair places{static_cast<unsigned>(nameAt), static_cast<unsigned>(valueAt)};
+    scratch.pairs.Append(reinterpret_cast<const char*>(&places), sizeof places);
   }
   if (count == 0) return 0;
-  if (written.Failed() || split.Failed()) return K7_ERR_MEMORY;
-  m_attribs = K7XmlAttribs::Make(split.Text(), static_cast<size_t>(split.Size()), count);
+  if (written.Failed() || split.Failed() || scratch.pairs.Failed()) return K7_ERR_MEMORY;
+  m_attribs =
+      K7XmlAttribs::Make(scratch.pairs.Text(), count, split.Text(), static_cast<size_t>(split.Size()));
   return m_attribs ? std::min(m_attribText.Copy(written.Text(), written.Size()), 0) : K7_ERR_MEMORY;
 }
 

@@ -65,4 +65,5 @@ class K7XmlText {
 struct K7XmlAttribScratch {
   K7XmlText written;  // as the attribute text has them
   K7XmlText split;    // names and values, resolved, each with its terminator
+  K7XmlText pairs;    // where these begin: the bytes of K7XmlAttribs::Pair
 };
