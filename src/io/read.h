@@ -88,6 +88,10 @@ class Block {
   /// Takes in a file from its start to its end, a zero byte behind it, which `Size` does not count. 0,
   /// K7_ERR_MEMORY, the file's negative result, or K7_ERR_FILE_IO when its end is not told or not reached.
   int ReadFile(K7File* file);
+  /// The same for a file opened as text, whose lines may come with fewer bytes than they have on the disk: as
+  /// many bytes as come. 0, K7_ERR_MEMORY, or K7_ERR_FILE_IO when its end is not told, or a file with bytes
+  /// gives none.
+  int ReadText(K7File* file);
 
   unsigned char* Bytes() const { return m_bytes; }
   size_t Size() const { return m_size; }
@@ -95,6 +99,9 @@ class Block {
   char* Release();
 
  private:
+  // Makes the block that ReadFile fills, and finds the file's start: its size, or a code.
+  int AllocFor(K7File* file);
+
   unsigned char* m_bytes = nullptr;
   size_t m_size = 0;
 };

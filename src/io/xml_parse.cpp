@@ -7,11 +7,11 @@
 #include <k7/io/file.h>
 #include <k7/io/io.h>
 
+#include "io/read.h"
 #include "io/xml_text.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -59,26 +59,6 @@ int AssignPart(K7String& to, const char* begin, const char* end) {
 }
 
 int LineOf(const char* text, const char* stop) { return 1 + static_cast<int>(std::count(text, stop, '\n')); }
-
-// The whole file, terminated; null with `err` set.
-std::unique_ptr<char[]> ReadWhole(const char* path, int& err) {
-  err = K7_ERR_FILE_IO;
-  K7IO* const io = K7IO::Inst();
-  const std::unique_ptr<K7File> file(io && path ? io->CreateFileX(path, "r") : nullptr);
-  if (!file || !file->IsValid() || !file->Seek(-1)) return nullptr;
-  const int size = file->Tell();
-  if (size < 0 || !file->Seek(0)) return nullptr;
-  std::unique_ptr<char[]> text(new (std::nothrow) char[static_cast<size_t>(size) + 1]);
-  if (!text) {
-    err = K7_ERR_MEMORY;
-    return nullptr;
-  }
-  const int n = size > 0 ? file->Read(text.get(), size) : 0;
-  if (n < 0 || n > size || (n == 0 && size > 0)) return nullptr;
-  text[static_cast<size_t>(n)] = 0;
-  err = 0;
-  return text;
-}
 
 }  // namespace
 
@@ -230,8 +210,11 @@ const char* K7XmlElem::Parse(const char* text, int* err) {
 }
 
 int K7XmlElem::ParseFile(const char* path) {
-  int err = 0;
-  const std::unique_ptr<char[]> text = ReadWhole(path, err);
-  if (text) Read(text.get(), path, true, err);
+  K7IO* const io = K7IO::Inst();
+  const std::unique_ptr<K7File> file(io && path ? io->CreateFileX(path, "r") : nullptr);
+  if (!file || !file->IsValid()) return K7_ERR_FILE_IO;
+  k7read::Block text;
+  int err = text.ReadText(file.get());
+  if (err == 0) Read(reinterpret_cast<const char*>(text.Bytes()), path, true, err);
   return err;
 }

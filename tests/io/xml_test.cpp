@@ -282,6 +282,40 @@ TEST(Xml, FilesCutAtEveryByteGiveACodeAndALogLine) {
             std::string::npos);
 }
 
+// A file whose `Read` answers `result` whatever was asked, with as much of `text` as that says.
+class AnsweringIO : public MemIO {
+ public:
+  K7File* CreateFileX(const char* path, const char* mode) override {
+    struct File : MemFile {
+      using MemFile::MemFile;
+      int Read(void* buf, int n) override { return MemFile::Read(buf, std::min(result, n)), result; }
+      int result = 0;
+    };
+    auto* const file = new File(files.at(path), mode);
+    file->result = result;
+    return file;
+  }
+  int result = 0;
+};
+
+// Text may come with fewer bytes than the file has, as where line ends are translated.
+TEST(Xml, FilesAreWhatTheHostReadsOfThem) {
+  AnsweringIO io;
+  const ScopedIO scope(&io);
+  io.Put("a.xml", std::string("<a>1</a>\r\n<b/>"));
+  const int size = static_cast<int>(io.Get("a.xml").size());
+  const std::pair<int, int> CASES[] = {{8, 0},
+                                       {size, 0},
+                                       {7, K7_ERR_XML_MISMATCHED_TAG},
+                                       {0, K7_ERR_FILE_IO},
+                                       {size + 1, K7_ERR_FILE_IO},
+                                       {K7_ERR_MEMORY, K7_ERR_FILE_IO}};
+  for (const auto& [result, code] : CASES) {
+    io.result = result;
+    EXPECT_EQ(K7XmlElem().ParseFile("a.xml"), code) << result;
+  }
+}
+
 TEST(Xml, HostsServicesOpenTheNamedFileAlone) {
   MemIO io;
   const ScopedIO scope(&io);
