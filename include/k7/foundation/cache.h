@@ -9,14 +9,14 @@
 /// Base class of what a `K7Cache` holds. An object must be removed from its cache before it is destroyed.
 class K7_API K7CacheObj {
  public:
-  /// Size in the units of the cache's budget. It must stay the same while the object is cached.
+  /// Answers the size in the units of the cache's budget. It must stay the same while the object is cached.
   virtual int CacheSize() const = 0;
-  /// Gives up the loaded contents. Called when the object has left the cache.
+  /// Gives up the loaded contents. The cache calls it when the object has left.
   virtual void FreeContents() = 0;
-  /// Whether the object may be evicted now. Here: always.
+  /// Answers whether the object may be evicted now. Here it always may.
   virtual bool CanFree() const;
 
-  /// Position in the cache, 0 for the oldest; -1 when not cached.
+  /// Answers the position in the cache, 0 for the oldest; -1 for an object that is not cached.
   int CachePosition() const { return m_position; }
 
  protected:
@@ -31,8 +31,8 @@ class K7_API K7CacheObj {
   int32_t m_position = -1;
 };
 
-/// Evicts the oldest objects that can be freed when an insertion would exceed the budget. The cache does not
-/// own its objects. No locking.
+/// A K7Cache evicts the oldest objects that can be freed when an insertion would exceed its budget. It does
+/// not own its objects. Nothing is locked.
 class K7_API K7Cache {
  public:
   explicit K7Cache(int maxSize = 0);
@@ -42,16 +42,20 @@ class K7_API K7Cache {
   int MaxSize() const { return m_maxSize; }
   int CurSize() const { return m_curSize; }
 
-  /// Enters `obj` as the newest, evicting what must go; an object already cached becomes the newest without
-  /// evicting anything. An object that does not fit is left out, which is no error, though what could be
-  /// freed for it is gone then. 0 (also for null), or the error met.
+  /// \name Changing
+  /// @{
+  /// Enters `obj` as the newest and evicts what must go; an object already cached becomes the newest
+  /// without evicting anything. An object that does not fit is left out, which is no error, though what
+  /// could be freed for it is gone then. Answers 0 (also for null), or the error met.
   int Insert(K7CacheObj* obj);
-  /// Takes the object at `position` out, its contents untouched. 0; K7_ERR_BAD_ARGUMENT outside the list.
+  /// Takes the object at `position` out and leaves its contents alone. Answers 0, or K7_ERR_BAD_ARGUMENT
+  /// outside the list.
   int Remove(int position);
-  /// Evicts, oldest first, what can be freed until the budget is kept. 0 or the error met.
+  /// Evicts, oldest first, what can be freed until the budget is kept. Answers 0 or the error met.
   int Purge();
-  /// Takes out every object and frees its contents. 0 or the error met.
+  /// Takes out every object and frees its contents. Answers 0 or the error met.
   int FreeAll();
+  /// @}
 
  private:
   K7CacheObj* At(int position) const { return static_cast<K7CacheObj*>(m_objects[position]); }

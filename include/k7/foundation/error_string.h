@@ -3,8 +3,8 @@
 
 #include <k7/export.h>
 
-/// Every failure that travels as an `int`: 0 is success, negative values are the failures below, positive
-/// values are counts and never errors.
+/// Numbers every failure that travels as an `int`: 0 is success, negative values are the failures below,
+/// positive values are counts and never errors.
 enum K7Error : int {
   K7_OK = 0,
 
@@ -54,10 +54,10 @@ enum K7Error : int {
   K7_ERR_THREADING = -11801,
 };
 
-/// The messages of the error codes.
+/// Has the messages of the error codes.
 class K7_API K7ErrorString {
  public:
-  /// The English message of `code` as a static text, or null for a code without one and for every positive
-  /// value.
+  /// Answers the English message of `code`, a static text; null for a code without one and for every
+  /// positive value.
   static const char* ErrorString(int code);
 };

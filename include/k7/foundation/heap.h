@@ -9,11 +9,12 @@
 /// while it is there: take it out, change it, put it back.
 class K7_API K7HeapObj {
  public:
-  /// The order, in the manner of a less-than: false for equal ranks.
+  /// Decides the order, in the manner of a less-than: false for equal ranks.
   virtual bool Precedes(const K7HeapObj& other) const = 0;
-  /// The same order as a number, for a class that has one: of two members with numbers, the one that precedes
-  /// has the lesser, and equal ranks have equal numbers. The heap asks for it once, at the insertion, and is
-  /// several times as fast by it. Here not a number, which leaves the order to `Precedes`.
+  /// Gives the same order as a number, for a class that has one: of two members with numbers, the one that
+  /// precedes has the lesser, and equal ranks have equal numbers. The heap asks for it once, at the
+  /// insertion, and is several times as fast by it. Here it is not a number, which leaves the order to
+  /// `Precedes`.
   virtual double HeapRank() const;
 
  protected:
@@ -28,32 +29,33 @@ class K7_API K7HeapObj {
   int32_t m_position = -1;
 };
 
+/// Says which member is on top.
 enum K7HeapType : int {
   K7_HEAP_MIN = 0,  ///< the member that precedes all others is on top
   K7_HEAP_MAX = 1,  ///< the member that all others precede is on top
 };
 
-/// Heap in which each member has up to d children. The heap does not own its members. No locking.
+/// A K7Heap gives each member up to d children. It does not own its members. Nothing is locked.
 class K7_API K7Heap {
  public:
-  /// `d` >= 1; 2 makes a binary heap. With a lesser `d`, or without memory for the first 1024 members, the
-  /// heap is not valid and takes none.
+  /// Takes `d` >= 1; 2 makes a binary heap. With a lesser `d`, or without memory for the first 1024
+  /// members, the heap is not valid and takes none.
   K7Heap(K7HeapType type, int d);
   K7Heap(const K7Heap&) = delete;
   K7Heap& operator=(const K7Heap&) = delete;
   ~K7Heap();
 
-  /// No error so far.
+  /// Answers true while there was no error.
   bool IsValid() const { return m_status == 0; }
   int Size() const { return m_count; }
-  /// 0 or the heap's error, which stays: K7_ERR_BAD_ARGUMENT once a null object was offered, K7_ERR_MEMORY
-  /// once growing failed; every later insertion then fails with it. What is in the heap can still be taken
-  /// out. An object that is already here finds its place anew.
+  /// Puts `obj` in. Answers 0 or the heap's error, which stays: K7_ERR_BAD_ARGUMENT once a null object was
+  /// offered, K7_ERR_MEMORY once growing failed. Every later insertion then fails with it; what is in the
+  /// heap can still be taken out. An object that is already here finds its place anew.
   int Insert(K7HeapObj* obj);
   int operator+=(K7HeapObj* obj) { return Insert(obj); }
-  /// Takes out the top member; null when empty.
+  /// Takes out the top member and answers it; null when the heap is empty.
   K7HeapObj* PopTop();
-  /// Takes out `obj`. False when it is not in this heap.
+  /// Takes out `obj`. Answers false when it is not in this heap.
   bool Delete(K7HeapObj* obj);
   bool operator-=(K7HeapObj* obj) { return Delete(obj); }
 

@@ -6,6 +6,7 @@
 class K7File;
 class K7IO;
 
+/// Ranks messages, the least severe first.
 enum K7LogSeverity : int {
   K7_LOG_DEBUG = 0,
   K7_LOG_INFO = 1,
@@ -21,29 +22,38 @@ enum K7LogSeverity : int {
 /// a time when no other thread logs. Nothing closes the log by itself.
 class K7_API K7Log {
  public:
-  /// The record behind the static operations: no file, threshold K7_LOG_INFO.
+  /// Makes the record behind the static operations: no file, threshold K7_LOG_INFO.
   K7Log() = default;
   /// Writes the closing banner and closes the file.
   ~K7Log();
   K7Log(const K7Log&) = delete;
   K7Log& operator=(const K7Log&) = delete;
 
+  /// \name The file
+  /// @{
   /// Closes the current log and opens `path` through `io` (null: `K7IO::Inst`) to be appended to, two empty
-  /// lines first. True when `io` gives a file object, also one that failed to open (the native services give
-  /// one for a null path, too): then `LogMessage` answers false.
+  /// lines first. Answers true when `io` gives a file object, also one that failed to open (the native
+  /// services give one for a null path, too): then `LogMessage` answers false.
   static bool CreateLogFile(const char* path, K7IO* io);
   /// Writes the closing banner, a line of 41 asterisks with an empty line on each side, and ends the log.
-  /// True.
+  /// Answers true.
   static bool CloseLogFile();
-  /// Messages below `level` are suppressed from now on. Nothing happens without a log or for a level outside
-  /// 0 to 3.
+  /// @}
+
+  /// \name Messages
+  /// @{
+  /// Suppresses messages below `level` from now on. It does nothing without a log and for a level outside 0
+  /// to 3.
   static void SetMinReportedSeverity(K7LogSeverity level);
   /// Writes one line, `fmt` expanded as by `K7String::Format`; a newline is added unless the message ends
-  /// with one. The line goes through `K7File::WriteLine`, so that two percent signs in a row in the expansion
-  /// become one. False without an open log, for a null `fmt` or a level outside 0 to 3, and when the line
-  /// could not be made or written, as on a full disk. A template that cannot be expanded is written as it
-  /// stands. A suppressed message is a success. K7_ERR_LOG is the code for a caller that must report one.
+  /// with one. The line goes through `K7File::WriteLine`, so that two percent signs in a row in the
+  /// expansion become one. A template that cannot be expanded is written as it stands. A suppressed message
+  /// is a success.
+  ///
+  /// Answers false without an open log, for a null `fmt` or a level outside 0 to 3, and when the line could
+  /// not be made or written, as on a full disk. K7_ERR_LOG is the code for a caller that must report one.
   static bool LogMessage(K7LogSeverity level, const char* fmt, ...);
+  /// @}
 
  private:
   K7File* m_file = nullptr;

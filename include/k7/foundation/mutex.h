@@ -5,9 +5,9 @@
 
 struct K7MutexState;
 
-/// Recursive mutex. A copy shares the lock of its source, so that copies of an object that share a resource
-/// (a copied `K7FileK7` shares its stream) stay serialised against each other. Never fails: without memory
-/// for a lock of its own it takes one that all such mutexes share.
+/// A K7Mutex is recursive. A copy shares the lock of its source, so that copies of an object that share a
+/// resource (a copied `K7FileK7` shares its stream) stay serialised against each other. It never fails:
+/// without memory for a lock of its own it takes one that all such mutexes share.
 class K7_API K7Mutex {
  public:
   K7Mutex();
@@ -15,7 +15,7 @@ class K7_API K7Mutex {
   K7Mutex& operator=(const K7Mutex& other) noexcept;
   ~K7Mutex();
 
-  /// Gives this object a new, unlocked mutex of its own; called by the class that owns the lock, before any
+  /// Gives this object a new, unlocked mutex of its own. The class that owns the lock calls it, before any
   /// other thread can reach it.
   void Initialize();
 

@@ -24,37 +24,47 @@ struct K7_API K7KeyValue {
 /// the settings without one.
 class K7_API K7Options {
  public:
-  /// Made on first use; null only without memory.
+  /// Answers the instance, made on first use; null only without memory.
   static K7Options* Inst();
   static void Destroy();
 
-  /// Replaces all settings by those of the file. On failure they stay as they are: the code of
-  /// `K7XmlElem::ParseFile`, or K7_ERR_MEMORY.
+  /// \name Files
+  /// @{
+  /// Replaces all settings by those of the file. On failure they stay as they are, and the answer is the
+  /// code of `K7XmlElem::ParseFile` or K7_ERR_MEMORY.
   int Read(const char* path);
-  /// Writes the settings in their order, with `K7XmlElem::WriteFile`: a failure leaves a whole file whole. 0,
-  /// K7_ERR_MEMORY, or K7_ERR_INVALID_DATA when the file cannot be written or a key cannot name an element:
-  /// it is empty, holds whitespace, "<" or ">", starts with "?", "!" or "/", or ends in "/". The file could
-  /// not be read again.
+  /// Writes the settings in their order, with `K7XmlElem::WriteFile`: a failure leaves a whole file whole.
+  /// Answers 0, K7_ERR_MEMORY, or K7_ERR_INVALID_DATA when the file cannot be written or a key cannot name
+  /// an element, so that the file could not be read again: it is empty, holds whitespace, "<" or ">",
+  /// starts with "?", "!" or "/", or ends in "/".
   int Write(const char* path);
+  /// @}
 
-  /// The setting at a place in file order, from 0; null behind the last. For whoever checks a whole file.
+  /// \name Reading
+  /// @{
+  /// Answers the setting at a place in file order, from 0; null behind the last. It serves whoever checks a
+  /// whole file.
   K7KeyValue* GetKeyValueByIndex(int index);
-  /// The first such setting; null when absent.
+  /// Answer the first such setting and its value; null when absent.
   K7KeyValue* GetKeyValueByName(const char* key, const char* group = nullptr);
   const char* GetValueByKey(const char* key, const char* group = nullptr);
-  /// Appends a `K7KeyValue*` for each setting of the group. 0, K7_ERR_BAD_ARGUMENT for a null group,
-  /// K7_ERR_MEMORY.
+  /// Appends a `K7KeyValue*` for each setting of the group. Answers 0, K7_ERR_BAD_ARGUMENT for a null
+  /// group, or K7_ERR_MEMORY.
   int GetKeyValuesByGroup(const char* group, K7PtrArray& out);
+  /// @}
 
-  /// Set the first such setting, or append a new one (a null group is an empty one then). 0,
-  /// K7_ERR_BAD_ARGUMENT for a null key, K7_ERR_MEMORY with the settings unchanged. A null value is the empty
-  /// text; a double is printed with six decimals.
+  /// \name Setting
+  /// @{
+  /// Set the first such setting, or append a new one (a null group is an empty one then). Answer 0,
+  /// K7_ERR_BAD_ARGUMENT for a null key, or K7_ERR_MEMORY with the settings unchanged. A null value is the
+  /// empty text; a double is printed with six decimals.
   int SetOption(const char* key, const char* value, const char* group = nullptr);
   int SetOption(const char* key, double value, const char* group = nullptr);
-  /// NOT a way to store a number: the int is taken as the address of a text, which is copied; 0 stores
-  /// "(null)". Kept for hosts that rely on it, and only where an int holds an address; any other value reads
-  /// memory that is not the caller's. To store a number, print it and set the text.
+  /// Does NOT store a number: it takes the int as the address of a text, which it copies; 0 stores
+  /// "(null)". It is kept for hosts that rely on it, and only where an int holds an address; any other
+  /// value reads memory that is not the caller's. To store a number, print it and set the text.
   int SetOption(const char* key, int value, const char* group = nullptr);
+  /// @}
 
  protected:
   K7Options();

@@ -3,16 +3,16 @@
 
 #include <k7/export.h>
 
-/// Range checks. Not-a-number is never within a range.
+/// Checks ranges. Not-a-number is never within a range.
 class K7_API K7Validate {
  public:
-  /// -90 ... 90 degrees.
+  /// Takes -90 ... 90 degrees.
   static bool checkLat(double lat);
-  /// -180 ... 180 degrees.
+  /// Takes -180 ... 180 degrees.
   static bool checkLon(double lon);
   static bool checkLatLon(double lat, double lon);
-  /// `n` pairs, at least one, all of them valid; false for null.
+  /// Takes `n` pairs, at least one, all of them valid. Answers false for null.
   static bool checkLatLonArrays(const double* lats, const double* lons, int n);
-  /// Width and height of a bitmap, each 50 ... 3840 pixels.
+  /// Takes width and height of a bitmap, each 50 ... 3840 pixels.
   static bool checkWidthHeight(int w, int h);
 };

@@ -5,7 +5,7 @@
 
 class K7Grfx;
 
-/// The kinds of projection. Stored by hosts in settings and files: never renumber.
+/// Names the kinds of projection. Hosts store the numbers in settings and files: never renumber.
 enum K7ProjType : int {
   K7_PROJ_LAMBERT = 0,
   K7_PROJ_MERCATOR = 1,
@@ -18,7 +18,7 @@ enum K7ProjType : int {
   K7_PROJ_GNOMONIC = 8,
 };
 
-/// Radius in metres of the sphere on which projections lay positions out.
+/// The radius, in metres, of the sphere on which projections lay positions out.
 inline constexpr double K7_EARTH_RADIUS_M = 6378137.0;
 
 /// Turns positions into "world" coordinates and back, and sets up a graphics context so that the world lands
@@ -33,42 +33,47 @@ inline constexpr double K7_EARTH_RADIUS_M = 6378137.0;
 ///     projection->LatLon2World(lat, lon, x, y, z);  // for everything that is drawn
 ///     projection->Device2LatLon(mouseX, mouseY, grfx, width, height, lat, lon);
 ///
-/// A value without locks: const operations may run in several threads, each with a context of its own.
+/// A value without locks: several threads may call const operations, each with a context of its own.
 class K7_API K7Projection {
  public:
   virtual ~K7Projection();
-  /// Copy kind and clip distances, of which a leaf's own copy is a part. A whole projection is copied by
-  /// `Clone`.
+  /// Copy kind and clip distances, of which a leaf's own copy is a part. `Clone` copies a whole projection.
   K7Projection(const K7Projection&) = default;
   K7Projection& operator=(const K7Projection&) = default;
 
-  /// A new copy, which the caller deletes; null with *error (optional) K7_ERR_MEMORY when memory runs out.
+  /// Makes a new copy, which the caller deletes. Answers null, with *error (optional) K7_ERR_MEMORY, when
+  /// memory runs out.
   virtual K7Projection* Clone(int* error) const = 0;
-  /// The kind's name in English, a static text.
+  /// Answers the kind's name in English, a static text.
   virtual const char* Name() const = 0;
 
   /// \name Parameters
-  /// Numbers with a name that a user may set.
+  /// Numbers with a name, which a user may set. Here there are none: a write does nothing, a read is 0.
   /// @{
   virtual int ParamCount() const;
-  /// A static text, or null.
+  /// Answers a static text, or null for an index without a parameter.
   virtual const char* ParamName(int index) const;
   virtual void ParamValue(int index, double value);
   virtual double ParamValue(int index) const;
   /// @}
 
-  /// World point under a device point: what lies there at depth 0 for the flat families, the visible surface
-  /// of the globe for the azimuthal ones (see there for the limits of that). False off the globe and for a
-  /// null context. Hosts that pick positions use `Device2LatLon`.
+  /// \name Positions
+  /// @{
+  /// Answers the world point under a device point: for the flat families what lies there at depth 0, for
+  /// the azimuthal ones the visible surface of the globe, within the limits that those state. False off the
+  /// globe and for a null context. Hosts that pick positions use `Device2LatLon`.
   virtual bool Device2World(double dx, double dy, K7Grfx* g, int width, int height, double& x, double& y,
                             double& z) const;
-  /// Forward. False when the position is outside the projection's domain, with the coordinates written all
-  /// the same.
+  /// Turns a position into its world point. False for a position outside the projection's domain; the
+  /// coordinates are written all the same.
   virtual bool LatLon2World(double lat, double lon, double& x, double& y, double& z) const = 0;
-  /// Inverse. False when the result is outside the inverse's domain, which may be narrower than the forward
-  /// one.
+  /// Turns a world point into its position. False for a result outside the inverse's domain, which may be
+  /// narrower than the forward one.
   virtual bool World2LatLon(double x, double y, double z, double& lat, double& lon) const = 0;
+  /// @}
 
+  /// \name Camera
+  /// @{
   /// Gives `g` the viewing volume for a window of `width` by `height` pixels. (x, y) is where the camera's
   /// axis, and so the position of `CenterOn`, meets the window, in pixels from its lower left corner: half
   /// the size for the middle. The conic, stereographic, gnomonic and general perspective projections have it
@@ -78,14 +83,17 @@ class K7_API K7Projection {
   /// Places the camera of `g` over a position. False, with `g` left alone, for a null `g` and for a position
   /// outside the projection's domain.
   virtual bool CenterOn(K7Grfx* g, double lat, double lon) const = 0;
+  /// @}
 
   /// \name Families
+  /// Each kind of the library is of exactly one.
   /// @{
   virtual bool IsCylindrical() const;
   virtual bool IsConic() const;
   virtual bool IsAzimuthal() const;
   /// @}
-  /// Local scale as a factor, for hosts that correct a scale bar; 1 where a kind has no rule of its own.
+  /// Answers the local scale as a factor, by which hosts correct a scale bar; 1 where a kind has no rule of
+  /// its own.
   virtual double ScaleError(double lat, double lon) const;
 
   /// `LatLon2World` of `count` positions at once, several times as fast. All arrays hold `count` numbers,
@@ -101,24 +109,24 @@ class K7_API K7Projection {
   virtual void LatLons2World(const double* lat, const double* lon, int count, double* x, double* y,
                              double* z) const;
 
-  /// Position under a device point, exact for every projection and camera: the ray through the pixel, taken
-  /// from `g` alone, is met with the globe or with the flat world. `width` and `height` are those of the
-  /// window, in pixels. The longitude is within [-180, 180].
+  /// Answers the position under a device point, exact for every projection and camera: the ray through the
+  /// pixel, taken from `g` alone, is met with the globe or with the flat world. `width` and `height` are
+  /// those of the window, in pixels. The longitude lies within [-180, 180].
   ///
-  /// False, with `lat` and `lon` untouched, for a pixel off the map (beyond the limb or horizon, in a cone's
-  /// gap, beyond the poles, more than 180 degrees of longitude from the centre of a cylindrical map), for a
-  /// null `g`, a window without area and a context that cannot be inverted.
+  /// False, with `lat` and `lon` untouched, for a pixel off the map (beyond the limb or horizon, in a
+  /// cone's gap, beyond the poles, more than 180 degrees of longitude from the centre of a cylindrical
+  /// map), for a null `g`, a window without area and a context that cannot be inverted.
   bool Device2LatLon(double dx, double dy, K7Grfx* g, int width, int height, double& lat, double& lon) const;
 
   K7ProjType Type() const { return m_type; }
-  /// Clip distances in front of the camera, in world units.
+  /// Answer the clip distances in front of the camera, in world units.
   double NearClip() const { return m_near; }
   double FarClip() const { return m_far; }
 
-  /// A new object of a kind with its defaults, which the caller deletes: standard parallels 45 and 30,
-  /// meridian -90, origin 0 for the conics, magnification 4 for the general perspective, standard parallel 0
-  /// for the rectangular. Null for any other number, with *error untouched, and without memory, with *error
-  /// (optional) K7_ERR_MEMORY.
+  /// Makes an object of a kind with its defaults, which the caller deletes. The conics have standard
+  /// parallels 45 and 30, meridian -90 and origin 0; the general perspective has magnification 4; the
+  /// rectangular has standard parallel 0. Answers null for any other number, with *error untouched, and
+  /// without memory, with *error (optional) K7_ERR_MEMORY.
   static K7Projection* Create(K7ProjType type, int* error);
 
  protected:
