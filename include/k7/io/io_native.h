@@ -6,12 +6,12 @@
 
 #include <cstdio>
 
-/// Stream over the standard library's buffered files. A copy shares stream and mutex with its source: only
-/// one of the two may be closed or destroyed.
+/// A K7FileK7 is a stream over the standard library's buffered files. A copy shares stream and mutex with
+/// its source: only one of the two may be closed or destroyed.
 class K7_API K7FileK7 : public K7File {
  public:
   K7FileK7() = default;
-  /// Opens when both are given.
+  /// Opens the file when both are given.
   K7FileK7(const char* path, const char* mode);
   K7FileK7(const K7FileK7&) = default;
   K7FileK7& operator=(const K7FileK7&) = default;
@@ -32,11 +32,11 @@ class K7_API K7FileK7 : public K7File {
   std::FILE* m_stream = nullptr;
 };
 
-/// The operating system's directories, downloads and dynamic libraries. A copy shares the internet handle
-/// with its source: only one of the two may be destroyed.
+/// A K7IOK7 gives the operating system's directories, downloads and dynamic libraries. A copy shares the
+/// internet handle with its source: only one of the two may be destroyed.
 ///
-/// Patterns are a path whose last component may hold "*" and "?", matched without regard to case; "*.*"
-/// matches every name, and names come in case-insensitive order. Both "/" and "\" separate.
+/// A pattern is a path whose last component may hold "*" and "?", matched without regard to case; "*.*"
+/// matches every name. Names come in case-insensitive order. Both "/" and "\" separate.
 class K7_API K7IOK7 : public K7IO {
  public:
   K7IOK7();
@@ -45,22 +45,27 @@ class K7_API K7IOK7 : public K7IO {
   ~K7IOK7() override;
 
   K7File* CreateFileX(const char* path, const char* mode) override;
-  /// Appends bare names of files and directories alike; names that end in "~" are skipped (editor backups).
+
+  /// \name Directories
+  /// @{
+  /// Appends bare names of files and directories alike. It skips names that end in "~" (editor backups).
   void FindFiles(const char* pattern, K7StrArray& out) override;
-  /// Appends bare names, "." and ".." left out.
+  /// Appends bare names and leaves "." and ".." out.
   void FindDirs(const char* pattern, K7StrArray& out) override;
   /// Appends full paths in pre-order, each ending in a backslash, down to 11 levels counted from depth 0.
   /// `dir` ends with a separator. Directories behind links are searched like others, save a link that leads
   /// to a directory above itself, which is listed only.
   void FindDirsRecur(const char* dir, K7StrArray& out, int depth) override;
+  /// @}
+
   bool DeleteFileX(const char* path) override;
-  /// http, https and ftp, never from a cache; a server's error page is saved like any body. A transfer that
-  /// breaks off returns false and leaves no file. Other systems than Windows need libcurl, which the first
-  /// download loads; without it this is false and the log has a warning.
+  /// Takes http, https and ftp, never from a cache, and saves a server's error page like any body. A
+  /// transfer that breaks off answers false and leaves no file. Other systems than Windows need libcurl,
+  /// which the first download loads; without it the answer is false and the log has a warning.
   bool ReadURL(const char* url, const char* localPath) override;
   void* LoadLibraryX(const char* file) override;
   void* GetSymbol(void* module, const char* name) override;
-  /// 0, K7_ERR_INVALID_DATA when the file cannot be opened or is empty, K7_ERR_MEMORY.
+  /// Answers 0, K7_ERR_INVALID_DATA when the file cannot be opened or is empty, or K7_ERR_MEMORY.
   int RetrieveRVXVersionString(const char* dir) override;
   int GetRVXVersionString(char* dst, int len) override;
   void UnLoadLibrary(void* module) override;
