@@ -8,7 +8,7 @@ inline constexpr double K7_PI = 3.141592653589793;
 inline constexpr double K7_DEG_TO_RAD = 0.017453292519943295;
 inline constexpr double K7_RAD_TO_DEG = 57.29577951308232;
 
-/// Radius of the sphere in nautical miles: the length of one radian of arc.
+/// The radius of the sphere in nautical miles: the length of one radian of arc.
 inline constexpr double K7_EARTH_RADIUS_NM = 3437.74677;
 
 /// Where the cosine of an angle reaches this size, acos loses digits and the length of the cross product

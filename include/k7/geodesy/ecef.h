@@ -33,9 +33,9 @@ class K7_API K7ECEF {
   double Distance(const K7ECEF& to) const;
   /// Answers the same in radians.
   double Angle(const K7ECEF& to) const;
-  /// Course on leaving this point towards `to`, [0, 360). -639 where there is no course: between points
-  /// whose vectors differ by at most 4 epsilon in each component (180 east and west, a pole and itself), and
-  /// where both components of the course come out exactly zero.
+  /// Answers the course on leaving this point towards `to`, [0, 360). It is -639 where there is no course:
+  /// between points whose vectors differ by at most 4 epsilon in each component (180 east and west, a pole
+  /// and itself), and where both components of the course come out exactly zero.
   double InitCourse(const K7ECEF& to) const;
   /// Moves this to the point reached from `start` on the initial `course` after `distance`.
   void EndPoint(const K7ECEF& start, double course, double distance);
@@ -100,9 +100,10 @@ static_assert(sizeof(K7ECEF) == 3 * sizeof(double));
 K7_API double HeadingDiff(double a, double b);
 /// Answers the heading half-way on the shorter side. The result is not normalised: it may exceed 360.
 K7_API double MidHeading(double a, double b);
-/// The heading within [0, 360]; 360 itself and its positive multiples give 360. Not a number for an infinite
-/// one.
+/// Answers the heading within [0, 360]; 360 itself and its positive multiples give 360. It is not a number
+/// for an infinite one.
 K7_API double NormalizeHeading(double h);
-/// Course on arriving at `to`, [0, 360]; 261 between identical points (see K7LatLon::FinalCourse).
+/// Answers the course on arriving at `to`, [0, 360]; 261 between identical points (see
+/// K7LatLon::FinalCourse).
 K7_API double FinalCourse(const K7ECEF& from, const K7ECEF& to);
 /// @}

@@ -5,14 +5,14 @@
 #include <k7/geodesy/ecef.h>
 #include <k7/geodesy/latlon.h>
 
-/// The shorter great-circle arc between two positions with its frame worked out once, for intersections and
-/// cross-track distances. Distances are nautical miles. A value: copy freely, no locking.
+/// A K7GrtCirc is the shorter great-circle arc between two positions, with its frame worked out once, for
+/// intersections and cross-track distances. Distances are nautical miles. A value: copy freely, no locking.
 ///
 ///     K7GrtCirc leg(from, to);
 ///     leg.OrthoDist(here, cross, along);
 class K7_API K7GrtCirc {
  public:
-  /// All zero.
+  /// Makes a segment whose numbers are all zero.
   K7GrtCirc() = default;
   K7GrtCirc(const K7ECEF& b, const K7ECEF& e) { Init(b, e); }
   K7GrtCirc(const K7LatLon& b, const K7LatLon& e) { Init(b, e); }
@@ -25,19 +25,23 @@ class K7_API K7GrtCirc {
   const K7ECEF& End() const { return m_end; }
   double Length() const { return m_length; }
 
-  /// Where this segment crosses `other`. `tolerance`, in earth radii, widens the ends of `other` only: a
-  /// crossing exactly on an end of this segment is refused, so that consecutive legs of one path do not both
-  /// report it. False for segments of one circle: where the
-  /// sine of the angle between the circles is at most 4 epsilon (1/sin A + 1/sin B), A and B the segments'
-  /// arcs. `at` is overwritten in either case.
+  /// \name Questions
+  /// @{
+  /// Finds where this segment crosses `other`. `tolerance`, in earth radii, widens the ends of `other`
+  /// only: a crossing exactly on an end of this segment is refused, so that consecutive legs of one path do
+  /// not both report it. Answers false for segments of one circle: where the sine of the angle between the
+  /// circles is at most 4 epsilon (1/sin A + 1/sin B), A and B the segments' arcs. `at` is overwritten in
+  /// either case.
   bool Intersect(const K7GrtCirc& other, K7ECEF& at, double tolerance) const;
-  /// The same; `at` changes on success only.
+  /// Does the same; `at` changes on success only.
   bool Intersect(const K7GrtCirc& other, K7LatLon& at, double tolerance) const;
 
-  /// Distance of `p` from the whole circle, positive to the right of the direction of travel, and the
-  /// distance from the begin to the foot of its perpendicular, negative behind the begin.
+  /// Measure `cross`, the distance of `p` from the whole circle, positive to the right of the direction of
+  /// travel, and `along`, the distance from the begin to the foot of its perpendicular, negative behind the
+  /// begin.
   void OrthoDist(const K7ECEF& p, double& cross, double& along) const;
   void OrthoDist(const K7LatLon& p, double& cross, double& along) const;
+  /// @}
 
  private:
   K7ECEF m_normal;  // begin x end, of length 1 unless the two are parallel

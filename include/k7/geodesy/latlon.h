@@ -32,12 +32,13 @@ class K7_API K7LatLon {
   /// Answers the great-circle distance, the same both ways and never negative. A metre and an antipode keep
   /// their digits.
   double Distance(const K7LatLon& to) const;
-  /// Course on leaving this point towards `to`, [0, 360). -639 where there is no course: between points
-  /// whose vectors differ by at most 4 epsilon in each component (180 east and west, a pole and itself), and
-  /// where both components of the course come out exactly zero.
+  /// Answers the course on leaving this point towards `to`, [0, 360). It is -639 where there is no course:
+  /// between points whose vectors differ by at most 4 epsilon in each component (180 east and west, a pole
+  /// and itself), and where both components of the course come out exactly zero.
   double InitCourse(const K7LatLon& to) const;
-  /// Course on arriving at `to`, [0, 360]: the way back turned by 180, where 360 itself stays. 261 between
-  /// identical points, which is what the missing course becomes on its way through the same steps.
+  /// Answers the course on arriving at `to`, [0, 360]: the way back turned by 180, where 360 itself stays.
+  /// It is 261 between identical points, which is what the missing course becomes on its way through the
+  /// same steps.
   double FinalCourse(const K7LatLon& to) const;
   /// Moves this position to the point reached from `start` on the initial `course` after `distance`. The
   /// longitude lies within +-180.

@@ -7,7 +7,7 @@
 
 class K7File;
 
-/// One field of the attribute table.
+/// Describes one field of the attribute table.
 struct K7DbfFieldDesc {
   char name[11];  ///< as in the file: padded with NULs, none behind a name of 11 bytes
   char type;      ///< 'C' text, 'N' and 'F' numbers, 'D' date, 'L' logical, 'M' memo
@@ -24,43 +24,52 @@ union K7DbfField {
 };
 static_assert(sizeof(K7DbfField) == 8);
 
-/// Header of the attribute table, member by member as the file has it, and its field descriptors. Serves any
-/// number of threads once it is read, each with a file of its own.
+/// Holds the header of the attribute table, member by member as the file has it, and its field descriptors.
+/// Once it is read it serves any number of threads, each with a file of its own.
 struct K7_API K7DbfFileHdr {
   K7DbfFileHdr() = default;
   K7DbfFileHdr(const K7DbfFileHdr&) = delete;
   K7DbfFileHdr& operator=(const K7DbfFileHdr&) = delete;
   ~K7DbfFileHdr();
 
-  /// Reads the header and the descriptors, from the file's start to their terminator, and drops what was held
-  /// before. Failed, it has no fields.
+  /// \name Reading
+  /// @{
+  /// Reads the header and the descriptors, from the file's start to their terminator, and drops what was
+  /// held before. After a failure it has no fields.
   ///
-  /// 0, K7_ERR_BAD_ARGUMENT for null, K7_ERR_MEMORY, or K7_ERR_FILE_IO when the file ends before the
-  /// terminator or its descriptors cannot be those of a table: more than fit in front of offset 65535, the
-  /// farthest that a header reaches, or more fields than a record has bytes.
+  /// Answers 0, K7_ERR_BAD_ARGUMENT for null, K7_ERR_MEMORY, or K7_ERR_FILE_IO when the file ends before
+  /// the terminator or its descriptors cannot be those of a table: more than fit in front of offset 65535,
+  /// the farthest that a header reaches, or more fields than a record has bytes.
   int Read(K7File* file);
   /// Drops the fields and the record count.
   void Clear();
-  /// Reads one record from the file's current position: the deletion flag, which is ignored, and the fields,
-  /// in one read. `*attrs` receives a slot a field, in field order. Slots and texts are one block, freed with
-  /// `ReleaseAttrs`. 0, or K7_ERR_FILE_IO or K7_ERR_MEMORY with `*attrs` null.
+  /// Reads one record from the file's current position: the deletion flag, which is ignored, and the
+  /// fields, in one read. `*attrs` receives a slot a field, in field order. Slots and texts are one block,
+  /// which the caller frees with `ReleaseAttrs`. Answers 0, or K7_ERR_FILE_IO or K7_ERR_MEMORY with
+  /// `*attrs` null.
   ///
   /// Numbers are read as `atof` and `atoi` read them, but with a decimal point in every locale and no
-  /// hexadecimal: blanks and a sign, then the longest valid beginning; 0 without one. Integers saturate at 32
-  /// bits.
+  /// hexadecimal: blanks and a sign, then the longest valid beginning; 0 without one. Integers saturate at
+  /// 32 bits.
   int ReadAttrs(K7File* file, K7DbfField** attrs) const;
-  /// Frees what `ReadAttrs` made; null is ignored.
+  /// Frees what `ReadAttrs` made. It ignores null.
   static void ReleaseAttrs(K7DbfField* attrs);
+  /// @}
 
-  /// Null outside the table.
+  /// \name Fields
+  /// @{
+  /// Answers the descriptor of field i; null outside the table.
   const K7DbfFieldDesc* Field(int i) const { return i >= 0 && i < fieldCount ? fields + i : nullptr; }
-  /// Index of the field of that name, without regard to case; -1 if absent.
+  /// Answers the index of the field of that name, without regard to case; -1 if absent.
   int FindField(const char* name) const;
-  /// Writes a readable dump to the standard output.
+  /// @}
+
+  /// Write a readable dump of the table's header, and of one record's values, to the standard output.
   void Print() const;
-  /// The same for one record's values.
   void PrintAttrs(const K7DbfField* attrs) const;
 
+  /// \name The header as the file has it
+  /// @{
   uint8_t version = 0;
   uint8_t lastUpdate[3] = {};  ///< year - 1900, month, day
   int32_t recordCount = 0;
@@ -73,10 +82,11 @@ struct K7_API K7DbfFileHdr {
   uint8_t productionIndex = 0;
   uint8_t languageDriver = 0;
   uint8_t reserved3[2] = {};
+  /// @}
 
   int32_t fieldCount = 0;
   K7DbfFieldDesc* fields = nullptr;
-  /// Bytes of a record behind its deletion flag: the sum of the fields' lengths.
+  /// Counts the bytes of a record behind its deletion flag: the sum of the fields' lengths.
   int32_t dataLength = 0;
 
  private:

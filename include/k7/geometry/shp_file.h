@@ -15,10 +15,10 @@
 class K7File;
 class K7IO;
 
-/// The files of a set.
+/// Names the files of a set.
 enum K7ShpPart { K7_SHP_NO_FILE, K7_SHP_MAIN_FILE, K7_SHP_ATTR_FILE, K7_SHP_INDEX_FILE };
 
-/// Header of the main file.
+/// Holds the header of the main file.
 struct K7ShpFileHdr {
   int32_t fileCode;  ///< 9994 in a shapefile; not checked, as version and type are not
   int32_t unused[5];
@@ -30,7 +30,7 @@ struct K7ShpFileHdr {
   double mMin, mMax;
 };
 
-/// One feature: its shape and its attributes, both owned.
+/// A K7ShpRecord is one feature. It owns its shape and its attributes.
 class K7_API K7ShpRecord {
  public:
   K7ShpRecord() = default;
@@ -42,24 +42,28 @@ class K7_API K7ShpRecord {
   /// come first; when their file is at its end they are null, and the shape is read all the same. With
   /// `keepNullShape` a null shape is a record without a shape, else it is K7_ERR_INVALID_DATA.
   ///
-  /// 0, K7_ERR_BAD_ARGUMENT for null, K7_ERR_INVALID_DATA for a shape type without a class, K7_ERR_FILE_IO
-  /// for a short read, K7_ERR_OUT_OF_RANGE for counts that do not fit the record, K7_ERR_MEMORY.
+  /// Answers 0, K7_ERR_BAD_ARGUMENT for null, K7_ERR_INVALID_DATA for a shape type without a class,
+  /// K7_ERR_FILE_IO for a short read, K7_ERR_OUT_OF_RANGE for counts that do not fit the record, or
+  /// K7_ERR_MEMORY.
   int Read(K7File* mainFile, K7File* attrFile, const K7DbfFileHdr* hdr, bool keepNullShape = false);
 
-  /// Null for a kept null shape.
+  /// \name Contents
+  /// @{
+  /// Answer the shape; null for a kept null shape.
   const K7ShpObj* Obj() const { return m_obj; }
   K7ShpObj* Obj() { return m_obj; }
-  /// One slot for each field of `Hdr()`; null when the attribute file had ended.
+  /// Answers one slot for each field of `Hdr()`; null when the attribute file had ended.
   const K7DbfField* Attrs() const { return m_attrs; }
   /// Hands the attributes over to the caller, who releases them with `K7ShpFile::ReleaseAttrs`.
   K7DbfField* DetachAttrs();
   const K7DbfFileHdr* Hdr() const { return m_hdr; }
-  /// The values of field i of the table by what the field holds: "" or 0 for a field of another kind, for one
-  /// that the table does not have, and for a record without attributes.
+  /// Answer the value of field i of the table by what the field holds: "" or 0 for a field of another kind,
+  /// for one that the table does not have, and for a record without attributes.
   const char* Text(int i) const;
   /// Also takes integers.
   double Number(int i) const;
   int32_t Integer(int i) const;
+  /// @}
 
   /// Writes a readable dump to the standard output.
   void Print() const;
@@ -90,78 +94,89 @@ class K7_API K7ShpFile {
   K7ShpFile(const K7ShpFile&) = delete;
   K7ShpFile& operator=(const K7ShpFile&) = delete;
 
+  /// \name Reading
+  /// @{
   /// Drops what the reader held, opens the three files and reads both headers. The files stay open, with
   /// those of a failed call, until the next call, `Close` or the destructor.
   ///
-  /// 0, K7_ERR_BAD_ARGUMENT for null, K7_ERR_FILE_IO for a file that does not open (a path without a '.' has
-  /// no companions) or whose header is not whole, K7_ERR_MEMORY.
+  /// Answers 0, K7_ERR_BAD_ARGUMENT for null, K7_ERR_FILE_IO for a file that does not open (a path without
+  /// a '.' has no companions) or whose header is not whole, or K7_ERR_MEMORY.
   virtual int ReadHeader(const char* path, K7IO* io);
-  /// `ReadHeader`, then `NextRecord` for each record of the attribute table, then `Close`, also after a
-  /// record that failed; the records before it are kept.
+  /// Calls `ReadHeader`, then `NextRecord` for each record of the attribute table, then `Close`, also after
+  /// a record that failed; the records before it are kept.
   ///
-  /// 0, the code of `ReadHeader`, K7_ERR_INVALID_DATA for a shape type without a class, null shapes included
-  /// unless they are kept, K7_ERR_MEMORY, or K7_ERR_OUT_OF_RANGE for a record that could not be read: the
-  /// main file ends before it or its counts do not fit its bytes; the main file has more records than the
-  /// table; or the table holds a row that it fails to give, and then all records are there, that one without
-  /// attributes.
+  /// Answers 0; the code of `ReadHeader`; K7_ERR_INVALID_DATA for a shape type without a class, null shapes
+  /// included unless they are kept; K7_ERR_MEMORY; or K7_ERR_OUT_OF_RANGE for a record that could not be
+  /// read. That is: the main file ends before it or its counts do not fit its bytes; the main file has more
+  /// records than the table; or the table holds a row that it fails to give, and then all records are
+  /// there, that one without attributes.
   virtual int Read(const char* path, K7IO* io);
-  /// Records that the attribute table's header states; after a failed `Read` there may be fewer in the reader
-  /// (`StoredCount`).
+  /// Answers the records that the attribute table's header states. After a failed `Read` there may be fewer
+  /// in the reader (`StoredCount`).
   virtual int RecordCount() const;
-  /// The next record at the current positions of the main and the attribute file, which the caller deletes
-  /// while the reader lives; null at the end, for a record that cannot be read, or when the files are not
-  /// open. The first record's attributes follow the descriptors' terminator, each next one's the last field:
-  /// in a table whose header and record lengths leave gaps there, as some writers do, only `GetAttrs` finds
-  /// them.
+  /// Reads the next record at the current positions of the main and the attribute file. The caller deletes
+  /// it while the reader lives. Answers null at the end, for a record that cannot be read, and when the
+  /// files are not open. The first record's attributes follow the descriptors' terminator, each next one's
+  /// the last field: in a table whose header and record lengths leave gaps there, as some writers do, only
+  /// `GetAttrs` finds them.
   virtual K7ShpRecord* NextRecord();
-  /// Null for a record that is not stored.
+  /// Answers a stored record; null for one that is not stored.
   virtual K7ShpRecord* GetRecord(int index) const;
-  /// The attributes of one record read directly from the attribute file, which must be open, at the place
-  /// that the table's header and record lengths give; the position that `NextRecord` reads from stays. Slots
-  /// and texts are one block; the caller releases it with `ReleaseAttrs`. Null outside 0 ... `RecordCount` -
-  /// 1, at the file's end or without memory.
+  /// Reads the attributes of one record directly from the attribute file, which must be open, at the place
+  /// that the table's header and record lengths give; the position that `NextRecord` reads from stays.
+  /// Slots and texts are one block; the caller releases it with `ReleaseAttrs`. Answers null outside 0 ...
+  /// `RecordCount` - 1, at the file's end or without memory.
   virtual K7DbfField* GetAttrs(int index);
-  /// Frees an array of `GetAttrs` or `K7ShpRecord::DetachAttrs`; null is ignored.
+  /// Frees an array of `GetAttrs` or `K7ShpRecord::DetachAttrs`. It ignores null.
   virtual void ReleaseAttrs(K7DbfField* attrs);
-  /// From file coordinates to degrees, north and east positive. Here lat = y and lon = x; false for null
+  /// @}
+
+  /// \name Positions
+  /// A derived reader overrides them for projected coordinates.
+  /// @{
+  /// Turns file coordinates into degrees, north and east positive. Here lat = y and lon = x; false for null
   /// only.
   virtual bool XY2LatLon(const K7ShpXY* xy, double& lat, double& lon);
-  /// Geographic bounds of a box, through `XY2LatLon`. Where that is the identity at the corners the bounds
-  /// are the box; else they hold the box's corners and, at the middle of its x range, its lower edge, centre
-  /// and upper edge, where meridians and parallels that bend between the corners reach farthest. False for
-  /// null and when a conversion fails, with the bounds untouched.
+  /// Answers the geographic bounds of a box, through `XY2LatLon`. Where that is the identity at the corners
+  /// the bounds are the box; else they hold the box's corners and, at the middle of its x range, its lower
+  /// edge, centre and upper edge, where meridians and parallels that bend between the corners reach
+  /// farthest. False for null and when a conversion fails, with the bounds untouched.
   virtual bool K7Shp2ChartRect(const K7ShpRect* rect, double& north, double& south, double& east,
                                double& west);
+  /// @}
 
   /// Stands last so that the operations above keep their places among the virtual ones.
   virtual ~K7ShpFile();
 
-  /// The attribute table has a field.
+  /// Answers whether the attribute table has a field.
   bool IsValid() const { return m_dbfHdr.fieldCount > 0; }
-  /// Whether null shapes become records without a shape or end `Read`; to be set before reading. Off at
-  /// first.
+  /// Says whether null shapes become records without a shape or end `Read`. Set it before reading; it is
+  /// off at first.
   void KeepNullShapes(bool keep) { m_keepNullShapes = keep; }
-  /// Records in memory; `GetRecord` has them at 0 ... `StoredCount` - 1.
+  /// Answers the records in memory, which `GetRecord` has at 0 ... `StoredCount` - 1.
   int StoredCount() const { return m_records.Count(); }
-  /// Which file the last `ReadHeader` or `Read`, or a `NextRecord` since then, found missing, damaged or at
-  /// its end. None after success, for null arguments and without memory.
+  /// Answers which file the last `ReadHeader` or `Read`, or a `NextRecord` since then, found missing,
+  /// damaged or at its end. It is none after success, for null arguments and without memory.
   K7ShpPart BadFile() const { return m_badFile; }
   /// Closes and deletes the three file objects.
   void Close();
 
+  /// \name Headers
+  /// @{
   const K7ShpFileHdr& Header() const { return m_hdr; }
   const K7DbfFileHdr& DbfHeader() const { return m_dbfHdr; }
   int FieldCount() const { return m_dbfHdr.fieldCount; }
-  /// Null outside the table.
+  /// Answers the descriptor of field i; null outside the table.
   const K7DbfFieldDesc* Field(int i) const { return m_dbfHdr.Field(i); }
-  /// Index of the field of that name, without regard to case; -1 if absent.
+  /// Answers the index of the field of that name, without regard to case; -1 if absent.
   int FindField(const char* name) const { return m_dbfHdr.FindField(name); }
+  /// @}
 
   /// Writes a readable dump of the headers and the stored records to the standard output.
   void Print() const;
 
  protected:
-  /// For a derived `NextRecord`: null while the files are not open.
+  /// Answer the files for a derived `NextRecord`; null while they are not open.
   K7File* MainFile() const { return m_mainFile; }
   K7File* AttrFile() const { return m_attrFile; }
 

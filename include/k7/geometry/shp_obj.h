@@ -20,7 +20,7 @@ struct K7ShpRect {
   double yMax;
 };
 
-/// Shape type codes, as files hold them.
+/// Numbers the shape types as files hold them.
 enum K7ShpType : int32_t {
   K7_SHP_NULL = 0,
   K7_SHP_POINT = 1,
@@ -37,49 +37,59 @@ enum K7ShpType : int32_t {
   K7_SHP_MULTIPOINT_M = 28,
 };
 
-/// A measure that a shape does not have. Files may hold other values for it: all below -1e38 mean the same.
+/// Stands for a measure that a shape does not have. Files may hold other values for it: all below -1e38
+/// mean the same.
 inline constexpr double K7_SHP_NO_MEASURE = -1e39;
 
-/// One shape of a shapefile, its coordinates as in the file. Once read it does not change: any number of
-/// threads may use it. Positions in degrees come through the conversion hooks of the `K7ShpFile` that is
-/// passed in, so that a derived reader's projection holds for them; a host that knows its coordinates are
-/// degrees takes `Points` instead.
+/// A K7ShpObj is one shape of a shapefile, its coordinates as in the file. Once read it does not change:
+/// any number of threads may use it. Positions in degrees come through the conversion hooks of the
+/// `K7ShpFile` that is passed in, so that a derived reader's projection holds for them; a host that knows
+/// its coordinates are degrees takes `Points` instead.
 ///
-/// Codes: K7_ERR_BAD_ARGUMENT for a null file, K7_ERR_OUT_OF_RANGE for an index that the shape does not have,
-/// K7_ERR_INVALID_DATA when the hook answers false, K7_ERR_NOT_IMPLEMENTED for what the shape type does not
-/// have. Results are written only with 0.
+/// Operations that return an int give 0, a count or a code: K7_ERR_BAD_ARGUMENT for a null file,
+/// K7_ERR_OUT_OF_RANGE for an index that the shape does not have, K7_ERR_INVALID_DATA when the hook answers
+/// false, K7_ERR_NOT_IMPLEMENTED for what the shape type does not have. Results are written only with 0.
 class K7_API K7ShpObj {
  public:
   virtual ~K7ShpObj();
   /// Writes a readable dump to the standard output; of many points only the first.
   virtual void Print() const = 0;
-  /// Reads what follows the shape type in a record. `contentLength` is the record's, in 16-bit words with the
-  /// two of the type. One that is too small to hold any such shape is taken for unknown: the shape's own
-  /// counts alone tell its size then. Else it must hold what the counts ask for; M values are read when it
-  /// has room for them, and words behind the shape are skipped, unless the file ends before them.
+  /// Reads what follows the shape type in a record. `contentLength` is the record's, in 16-bit words with
+  /// the two of the type. One that is too small to hold any such shape is taken for unknown: the shape's
+  /// own counts alone tell its size then. Else it must hold what the counts ask for; M values are read when
+  /// it has room for them, and words behind the shape are skipped, unless the file ends before them.
   ///
-  /// 0, K7_ERR_BAD_ARGUMENT, K7_ERR_FILE_IO when the file ends before the shape, K7_ERR_OUT_OF_RANGE for
-  /// counts that are negative or do not fit the record and for parts out of order, K7_ERR_MEMORY; failed, the
-  /// shape is empty.
+  /// Answers 0, K7_ERR_BAD_ARGUMENT, K7_ERR_FILE_IO when the file ends before the shape,
+  /// K7_ERR_OUT_OF_RANGE for counts that are negative or do not fit the record and for parts out of order,
+  /// or K7_ERR_MEMORY. After a failure the shape is empty.
   virtual int Read(K7File* file, int contentLength) = 0;
-  virtual int GetPointCount() const;
-  /// Parts of a poly shape; 0 for the others.
-  virtual int GetPolyCount() const;
-  /// Points of part i, or K7_ERR_OUT_OF_RANGE.
-  virtual int GetPolySize(int i) const;
-  /// Position of point i, in degrees. 0 or a code.
-  virtual int GetPoint(K7ShpFile* file, int i, double& lat, double& lon) const;
-  /// Bounds in degrees; those of a point are its position. 0 or a code.
-  virtual int GetBounds(K7ShpFile* file, double& north, double& south, double& east, double& west) const = 0;
-  /// Position of a point shape; K7_ERR_NOT_IMPLEMENTED for every other. 0 or a code.
-  virtual int GetPos(K7ShpFile* file, double& lat, double& lon) const;
 
-  /// A new empty shape for a type code of `K7ShpType`, which the caller deletes. Null for other codes, `err`
-  /// (optional) receiving K7_ERR_INVALID_DATA, and without memory, with K7_ERR_MEMORY.
+  /// \name Counts
+  /// @{
+  virtual int GetPointCount() const;
+  /// Answers the parts of a poly shape; 0 for the others.
+  virtual int GetPolyCount() const;
+  /// Answers the points of part i, or K7_ERR_OUT_OF_RANGE.
+  virtual int GetPolySize(int i) const;
+  /// @}
+
+  /// \name Positions
+  /// @{
+  /// Gives the position of point i, in degrees.
+  virtual int GetPoint(K7ShpFile* file, int i, double& lat, double& lon) const;
+  /// Gives the bounds in degrees; those of a point are its position.
+  virtual int GetBounds(K7ShpFile* file, double& north, double& south, double& east, double& west) const = 0;
+  /// Gives the position of a point shape; K7_ERR_NOT_IMPLEMENTED for every other.
+  virtual int GetPos(K7ShpFile* file, double& lat, double& lon) const;
+  /// @}
+
+  /// Makes an empty shape for a type code of `K7ShpType`; the caller deletes it. Answers null for other
+  /// codes, `err` (optional) receiving K7_ERR_INVALID_DATA, and without memory, with K7_ERR_MEMORY.
   static K7ShpObj* Create(int32_t type, int* err = nullptr);
-  /// The type code.
+  /// Answers the type code.
   int32_t Type() const { return m_type; }
-  /// All `GetPointCount` points one after the other, part after part; null for a shape without points.
+  /// Answers all `GetPointCount` points one after the other, part after part; null for a shape without
+  /// points.
   const K7ShpXY* Points() const { return m_pointCount > 0 ? m_points : nullptr; }
 
  protected:
@@ -87,8 +97,8 @@ class K7_API K7ShpObj {
   K7ShpObj(const K7ShpObj&) = delete;
   K7ShpObj& operator=(const K7ShpObj&) = delete;
 
-  /// Bytes that a content length, in 16-bit words, leaves behind the shape type and `used` further bytes.
-  /// Negative when it has no room for these, and so is no content length at all.
+  /// Answers the bytes that a content length, in 16-bit words, leaves behind the shape type and `used`
+  /// further bytes. They are negative when it has no room for these, and so is no content length at all.
   static int64_t RoomBehind(int contentLength, int used) { return int64_t{contentLength} * 2 - 4 - used; }
 
   int32_t m_type;
@@ -122,7 +132,7 @@ class K7_API K7ShpPointZ : public K7ShpPoint {
   int Read(K7File* file, int contentLength) override;
 
   double Z() const { return m_measures[0]; }
-  /// K7_SHP_NO_MEASURE when the record has none.
+  /// Answers the measure; K7_SHP_NO_MEASURE when the record has none.
   double M() const { return m_measures[1]; }
 
  private:
@@ -136,15 +146,15 @@ class K7_API K7ShpPointM : public K7ShpPoint {
   void Print() const override;
   int Read(K7File* file, int contentLength) override;
 
-  /// K7_SHP_NO_MEASURE when the record has none.
+  /// Answers the measure; K7_SHP_NO_MEASURE when the record has none.
   double M() const { return m_m; }
 
  private:
   double m_m = K7_SHP_NO_MEASURE;
 };
 
-/// What the shapes of many points share: a box, the points and their measures. Everything behind the box lies
-/// in one block of memory, in the file's own order.
+/// A K7ShpMulti is what the shapes of many points share: a box, the points and their measures. Everything
+/// behind the box lies in one block of memory, in the file's own order.
 class K7_API K7ShpMulti : public K7ShpObj {
  public:
   ~K7ShpMulti() override;
@@ -154,16 +164,20 @@ class K7_API K7ShpMulti : public K7ShpObj {
   int GetBounds(K7ShpFile* file, double& north, double& south, double& east, double& west) const override;
 
   const K7ShpRect& Box() const { return m_box; }
-  /// One value a point; null for shapes without Z.
+
+  /// \name Measures
+  /// @{
+  /// Answers one value a point; null for shapes without Z.
   const double* Z() const;
-  /// One value a point; null for shapes without M, and for a record that leaves them out.
+  /// Answers one value a point; null for shapes without M, and for a record that leaves them out.
   const double* M() const;
-  /// The least and greatest value as the file states them; false where `Z` or `M` is null.
+  /// Answer the least and greatest value as the file states them; false where `Z` or `M` is null.
   bool GetZRange(double& min, double& max) const;
   bool GetMRange(double& min, double& max) const;
+  /// @}
 
  protected:
-  /// Shapes with parts have a part count and part starts in front of their points.
+  /// Takes whether a part count and part starts stand in front of the points.
   K7ShpMulti(int32_t type, bool hasParts) : K7ShpObj(type), m_hasParts(hasParts) {}
 
   int32_t m_partCount = 0;
@@ -196,13 +210,13 @@ class K7_API K7ShpMultiPointM : public K7ShpMultiPoint {
   K7ShpMultiPointM() : K7ShpMultiPoint(K7_SHP_MULTIPOINT_M) {}
 };
 
-/// Lines and polygons: the points divided into parts.
+/// A K7ShpPoly is a line or a polygon: its points are divided into parts.
 class K7_API K7ShpPoly : public K7ShpMulti {
  public:
   int GetPolyCount() const override;
   int GetPolySize(int i) const override;
 
-  /// Index of each part's first point: `GetPolyCount` ascending values. Null without parts.
+  /// Answers the index of each part's first point: `GetPolyCount` ascending values. Null without parts.
   const int32_t* PartStarts() const;
 
  protected:

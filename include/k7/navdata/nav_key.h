@@ -9,10 +9,11 @@
 /// Type of a navigation record.
 enum K7NavType : uint32_t;
 
-/// Key of a navigation record: its type, and its index within that type's data. A value of 8 bytes.
+/// A K7NavKey names a navigation record by its type and its index within that type's data. A value of 8
+/// bytes.
 class K7_API K7NavKey {
  public:
-  /// The no-record key.
+  /// Makes the no-record key.
   K7NavKey() = default;
   K7NavKey(uint32_t idx, K7NavType type) : m_idx(idx), m_navType(type) {}
 
@@ -23,7 +24,7 @@ class K7_API K7NavKey {
   bool NoRecord() const { return m_idx == NO_WORD && m_navType == NO_WORD; }
 
   bool operator==(const K7NavKey& other) const = default;
-  /// The order of `Comp`.
+  /// Orders as `Comp` does.
   bool operator<(const K7NavKey& other) const { return Comp(this, &other) < 0; }
   /// Orders keys by type, then by index: -1, 0 for equal keys, or 1. Words are compared by the sign of their
   /// wrapped 32-bit difference, not as unsigned numbers: index 0xFFFFFFFF sorts before 0, words more than
@@ -40,13 +41,13 @@ class K7_API K7NavKey {
 
 static_assert(sizeof(K7NavKey) == 8);
 
-/// Array of keys, ordered by `K7NavKey::Comp`.
+/// Holds keys and orders them by `K7NavKey::Comp`.
 class K7_API K7NavKeyArray : public K7Array {
  public:
   explicit K7NavKeyArray(int growBy = 8);
-  /// The no-record key outside the array.
+  /// Answers the key; the no-record key outside the array.
   K7NavKey operator[](int i) const { return ValidIdx(i) ? *reinterpret_cast<K7NavKey*>(At(i)) : K7NavKey(); }
-  /// Appends a key; by an address as that of K7Array.
+  /// Appends a key. The other form appends by an address, as that of K7Array.
   int operator+=(const K7NavKey& key) { return K7Array::operator+=(&key); }
   using K7Array::operator+=;
 };
