@@ -18,6 +18,9 @@ double K7ECEF::Distance(const K7ECEF& to) const { return k7geo::Distance(*this, 
 
 double K7ECEF::Angle(const K7ECEF& to) const { return k7geo::Angle(*this, to); }
 
+// `to` in the local frame of this point: east = E . to and north = N . to with the unit vectors of
+// LocalFrame, whose quotient is the tangent of the course (Snyder, equation 5-4b). K7LatLon states it in
+// another order.
 double K7ECEF::InitCourse(const K7ECEF& to) const {
   if (k7geo::Identical(*this, to)) return k7geo::Course(0, 0);
   const double r = std::sqrt(m_x * m_x + m_y * m_y);

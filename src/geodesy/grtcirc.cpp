@@ -56,6 +56,8 @@ void K7GrtCirc::Init(const K7LatLon& b, const K7LatLon& e) {
   Init(k7geo::UnitVector(b.Lat(), b.Lon()), k7geo::UnitVector(e.Lat(), e.Lon()));
 }
 
+// Two circles cross along the line that lies in both planes: at +-(normal x other normal), of length the sine
+// of the angle between them.
 bool K7GrtCirc::Intersect(const K7GrtCirc& other, K7ECEF& at, double tolerance) const {
   at.CrossProduct(m_normal, other.m_normal);
   if (!Crosses(at.Magnitude(), SineOfArc(m_begin, m_end), SineOfArc(other.m_begin, other.m_end)))
@@ -78,8 +80,9 @@ bool K7GrtCirc::Intersect(const K7GrtCirc& other, K7LatLon& at, double tolerance
   return true;
 }
 
-// The foot of the perpendicular is normal x (p x normal). Both angles are taken as every distance is, by the
-// cosine or by the sine, so that legs, routes and tiles measure alike to the last bit.
+// The foot of the perpendicular is normal x (p x normal): `p` without its part along the normal, of length 1.
+// Both angles are taken as every distance is, by the cosine or by the sine, so that legs, routes and tiles
+// measure alike to the last bit.
 void K7GrtCirc::OrthoDist(const K7ECEF& p, double& cross, double& along) const {
   K7ECEF pole;
   pole.UnitNormal(p, m_normal);

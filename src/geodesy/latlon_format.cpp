@@ -105,12 +105,15 @@ char* WriteWhole(char* out, const Conversion& c, int value) {
              static_cast<int>(std::to_chars(digits, digits + sizeof digits, value).ptr - digits));
 }
 
-// One coordinate, split as the fields of a template print it, in passes of a fixed order. Construction splits
-// the value: degrees, minutes and seconds, each whole and decimal, and rounds the whole seconds only.
-// `Survey` reads the template: which fields it prints decides what is rounded, and decimal minutes and
-// seconds are tried in their own width and precision, since 59.96 prints as 60 in one and not in another.
-// `Settle` rounds and carries from the seconds up, so that a carry meets no field that is settled already.
-// `Write` copies the template and puts the fields in.
+// One coordinate, split as the fields of a template print it, in four passes whose order matters:
+//
+//   1. Construction splits the value into degrees, minutes, seconds, each whole and decimal, and rounds
+//      whole seconds only: what the others round by depends on the template.
+//   2. `Survey` reads the template. Which fields it prints decides what is rounded, and decimal minutes and
+//      seconds are tried in their own precision, since 59.96 prints as 60 in one and not in another.
+//   3. `Settle` rounds and carries from the seconds up, so that no carry meets a field that is settled.
+//      A decimal field that would print as 60 is 0 then, and the whole field above it one more.
+//   4. `Write` reads the template again, copies it and puts the fields in. It changes none.
 class Fields {
  public:
   Fields(double coordinate, char hemisphere)

@@ -10,6 +10,7 @@
 
 namespace k7geo {
 
+/// The unit vector of a position: x towards latitude 0 longitude 0, z towards the north pole.
 inline K7ECEF UnitVector(double lat, double lon) {
   const double phi = lat * K7_DEG_TO_RAD;
   const double lambda = lon * K7_DEG_TO_RAD;
@@ -21,9 +22,9 @@ inline K7ECEF UnitVector(double lat, double lon) {
 /// that.
 inline double Latitude(double z) { return std::asin(std::clamp(z, -1.0, 1.0)) * K7_RAD_TO_DEG; }
 
-/// Angle between unit vectors, radians: of their product P . Q = cos and |P x Q| = sin the one that changes
-/// faster with the angle, so that neither short nor nearly antipodal ways lose digits, as the
-/// cosine alone (Snyder, equation 5-3) makes them.
+/// Angle between unit vectors, radians. P . Q is its cosine (Snyder, equation 5-3) and |P x Q| its sine; the
+/// one that changes faster with the angle is taken, so that neither short nor nearly antipodal ways lose
+/// digits.
 inline double Angle(const K7ECEF& p, const K7ECEF& q) {
   const double k = p.DotProduct(q);
   if (std::fabs(k) < K7_SMALL_ANGLE_COS) return std::acos(k);
@@ -53,7 +54,8 @@ inline double Course(double east, double north) {
   return turned == 360 ? 0 : turned;
 }
 
-/// The east-north-up frame at a point.
+/// The east-north-up frame at a point: the earth's axes turned about z by the longitude, then tipped by the
+/// latitude. East is (-sin lon, cos lon, 0), up the point itself, north up x east.
 struct LocalFrame {
   explicit LocalFrame(const K7ECEF& p)
       : r(std::sqrt(p.X() * p.X() + p.Y() * p.Y())), cosLon(p.X() / r), sinLon(p.Y() / r), z(p.Z()) {}

@@ -39,6 +39,7 @@ bool UnProjectAt(K7Grfx& g, double dx, double dy, double depth, double& x, doubl
 
 }  // namespace
 
+// The unit vector of a position, and back: the latitude's sine is z, the longitude the angle of (x, y).
 bool K7AzimuthalProjection::LatLon2World(double lat, double lon, double& x, double& y, double& z) const {
   const double phi = lat * K7_DEG_TO_RAD;
   const double lambda = lon * K7_DEG_TO_RAD;
@@ -85,9 +86,9 @@ K7Projection* K7OrthographicProjection::Clone(int* error) const {
 
 const char* K7OrthographicProjection::Name() const { return "Orthographic"; }
 
-// Half the window's width is the globe's radius: rho = sin c for the arc c from the centre (Snyder, equation
-// 20-19), so the surface lies at d - cos c = d - sqrt(1 - rho^2) along the camera's axis. Parallel depth is
-// linear in that.
+// Half the window's width is the globe's radius, and parallel rays keep the distance from the axis: rho = sin
+// c for the arc c from the centre (Snyder, chapter 20, sphere, inverse). So the surface lies at d - cos c = d
+// - sqrt(1 - rho^2) along the camera's axis, in which parallel depth is linear.
 bool K7OrthographicProjection::Device2World(double dx, double dy, K7Grfx* g, int width, int height, double& x,
                                             double& y, double& z) const {
   if (!g) return false;
@@ -115,8 +116,9 @@ K7Projection* K7StereographicProjection::Clone(int* error) const {
 const char* K7StereographicProjection::Name() const { return "Stereographic"; }
 
 // Half the window's width spans far / near = 2 on the far plane, which touches the globe at the centre: rho
-// is half of the distance there, the tangent of the angle at the eye. On the globe the eye sees half the arc:
-// c = 2 atan(rho) (Snyder, equation 21-15), and the surface lies at 1 + cos c along the axis.
+// is half of the distance there, the tangent of the angle at the eye. That angle stands on the globe itself
+// and is half the arc's at its centre: c = 2 atan(rho) (Snyder, chapter 21, sphere, inverse, whose rho is
+// twice this one). The surface lies at 1 + cos c along the axis.
 bool K7StereographicProjection::Device2World(double dx, double dy, K7Grfx* g, int width, int height,
                                              double& x, double& y, double& z) const {
   if (!g) return false;
@@ -137,8 +139,9 @@ K7Projection* K7GnomonicProjection::Clone(int* error) const {
 const char* K7GnomonicProjection::Name() const { return "Gnomonic"; }
 
 // From the earth's centre the angle at the eye is the arc: c = atan(rho), where rho is the distance on the
-// plane that touches the globe (Snyder, equation 22-16), and the surface lies at cos c along the axis. Here
-// rho is the distance on the far plane, 1.1 times that: away from the centre c comes out too large.
+// plane that touches the globe (Snyder, chapter 22, sphere, inverse), and the surface lies at cos c along the
+// axis. Here rho is the distance on the far plane, 1.1 times that: away from the centre c comes out too
+// large.
 bool K7GnomonicProjection::Device2World(double dx, double dy, K7Grfx* g, int width, int height, double& x,
                                         double& y, double& z) const {
   if (!g) return false;
@@ -215,9 +218,9 @@ double K7PerspectiveProjection::ParamValue(int index) const {
 }
 
 // An eye at m sees the globe under the angle e from its axis at the distance t with t^2 - 2 m cos(e) t + m^2
-// - 1 = 0 (law of cosines; Snyder, chapter 23, has the same view as a plane's coordinates): the nearer root,
-// t cos(e) along the axis. tan(e) is taken as if half the window's width spanned far / near = (m + 1) / m at
-// distance 1.
+// - 1 = 0 (law of cosines with the unit radius opposite e; Snyder, chapter 23, has the same view as a plane's
+// coordinates): the nearer root, t cos(e) along the axis. tan(e) is taken as if half the window's width
+// spanned far / near = (m + 1) / m at distance 1.
 bool K7PerspectiveProjection::Device2World(double dx, double dy, K7Grfx* g, int width, int height, double& x,
                                            double& y, double& z) const {
   if (!g) return false;

@@ -92,7 +92,8 @@ struct Cone {
   }
 };
 
-// rho = scale t^n with log t = e atanh(e sin phi) - log tan(pi / 4 + phi / 2): Snyder's equation 15-9.
+// rho = scale t^n with log t = e atanh(e sin phi) - log tan(pi / 4 + phi / 2): the logarithm of Snyder's
+// equation 15-9.
 struct Lambert : Cone {
   double e;  // eccentricity, 0 on the sphere
 

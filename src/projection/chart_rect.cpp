@@ -48,9 +48,12 @@ bool K7ChartRect::AreaIn(const K7ChartRect& area) const {
   return AreaIn(area.m_north, area.m_south, area.m_east, area.m_west);
 }
 
-// The edge that is nearer by the shorter way moves. Where that does not decide, for a single meridian and for
-// a point as near to both edges, the way from the eastern edge does: it moves when the shorter way to the
-// point goes east, across 180 where they are more than half a turn apart; else the western edge moves.
+// A point outside moves one edge to itself: the edge that is nearer by the shorter way round. Ties are a
+// single meridian, both of whose edges are as near, and a point just as far from both edges. There the
+// point's side of the eastern edge decides. Within 180 degrees of that edge by their numbers, a point at or
+// east of it moves the eastern edge, one west of it the western. Farther apart the shorter way runs across
+// 180, where a lesser number is the more easterly: then a point of a lesser longitude moves the eastern edge,
+// of a greater the western. At exactly 180 degrees the numbers count as they stand.
 void K7ChartRect::Include(double lat, double lon) {
   if (std::isnan(lat) || std::isnan(lon)) return;
   m_north = std::max(m_north, lat);

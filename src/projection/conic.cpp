@@ -48,7 +48,9 @@ void K7ConicProjection::SetParallel(int index, double degrees) {
 double K7ConicProjection::Lambda2Theta(double lambda) const { return m_n * WrapOnce(lambda - m_lambda0); }
 double K7ConicProjection::Theta2Lambda(double theta) const { return WrapOnce(theta / m_n + m_lambda0); }
 
-// Polar coordinates about the apex (Snyder, equations 14-1, 14-2 and 14-4), the origin latitude at y = 0.
+// A cone rolled out: parallels are arcs about the apex with the radius rho, and a turn of longitude is n of a
+// turn there, theta = n (lambda - lambda0). Polar coordinates, the origin latitude at y = 0 (Snyder,
+// equations 14-1, 14-2 and 14-4).
 bool K7ConicProjection::LatLon2World(double lat, double lon, double& x, double& y, double& z) const {
   const double rho = Lat2Rho(lat * K7_DEG_TO_RAD);
   const double theta = Lambda2Theta(lon * K7_DEG_TO_RAD);
@@ -109,9 +111,9 @@ void K7LambertProjection::ParamValue(int index, double value) {
   ComputeCone();
 }
 
-// Both standard parallels keep their length: n rho = cos(phi) at each gives n and F (Snyder, equations 15-3
-// and 15-2; on the ellipsoid, with m for the cosine and t for the tangent of half the colatitude, 15-8 and
-// 15-10).
+// Both standard parallels keep their length: n rho = cos(phi) at each. With rho = F / tan^n (see Lat2Rho) the
+// quotient of the two gives n and either of them F (Snyder, equations 15-3 and 15-2; on the ellipsoid, with m
+// for the cosine and t for the tangent of half the colatitude, 15-8 and 15-10).
 void K7LambertProjection::ComputeCone() {
   if (m_ellipsoidal) {
     m_n = (std::log(m(m_phi1)) - std::log(m(m_phi2))) / (std::log(t(m_phi1)) - std::log(t(m_phi2)));
@@ -124,14 +126,16 @@ void K7LambertProjection::ComputeCone() {
   m_rho0 = K7LambertProjection::Lat2Rho(m_phi0);
 }
 
-// Snyder, equations 15-1 and 15-7.
+// Conformal: -d(rho) / d(phi) = n rho / cos(phi), the scale along the meridian that of the parallel. Its
+// integral is rho = F / tan^n(pi / 4 + phi / 2) (Snyder, equation 15-1; on the ellipsoid 15-7).
 double K7LambertProjection::Lat2Rho(double phi) const {
   if (m_ellipsoidal) return m_scale * std::pow(t(phi), m_n);
   return m_scale / std::pow(std::tan(K7_PI / 4 + phi / 2), m_n);
 }
 
-// Snyder, equation 15-5. On the ellipsoid the conformal latitude chi comes first (15-11 and 7-13), then the
-// series 3-5, nested as 3-35 has it.
+// 15-1 solved for phi (Snyder, equation 15-5). On the ellipsoid t = (rho / F)^(1 / n) gives the conformal
+// latitude chi = pi / 2 - 2 atan(t) (15-11 and 7-13), then the series 3-5 the latitude, nested as UseEllipEqs
+// prepares it.
 double K7LambertProjection::Rho2Lat(double rho) const {
   if (!m_ellipsoidal) return 2 * std::atan(std::pow(m_scale / rho, 1 / m_n)) - K7_PI / 2;
   const double chi = K7_PI / 2 - 2 * std::atan(std::pow(rho / m_scale, 1 / m_n));
@@ -142,7 +146,7 @@ double K7LambertProjection::Rho2Lat(double rho) const {
 
 // The series 3-5 is a sin 2chi + b sin 4chi + c sin 6chi + d sin 8chi. With sin 4chi = 2 sin 2chi cos 2chi
 // and so on it becomes sin 2chi times a polynomial of cos 2chi with the coefficients a - c, 2b - 4d, 4c, 8d
-// (equations 3-34 and 3-35).
+// (Snyder, chapter 3, on computing such series).
 void K7LambertProjection::UseEllipEqs(double a, double b) {
   m_ellipsoidal = true;
   m_e = std::sqrt(1 - b * b / (a * a));
@@ -159,11 +163,14 @@ void K7LambertProjection::UseEllipEqs(double a, double b) {
   ComputeCone();
 }
 
+// The radius of a parallel on the ellipsoid in semi-major axes (Snyder, equation 14-15).
 double K7LambertProjection::m(double phi) const {
   const double sine = std::sin(phi);
   return std::cos(phi) / std::sqrt(1 - m_e * m_e * (sine * sine));
 }
 
+// tan(pi / 4 - chi / 2) of the conformal latitude chi; (1 - sin) / (1 + sin) is the square of the sphere's
+// tan(pi / 4 - phi / 2) (Snyder, equation 15-9a).
 double K7LambertProjection::t(double phi) const {
   const double sine = std::sin(phi);
   const double eSine = m_e * sine;
@@ -199,14 +206,14 @@ void K7AlbersProjection::ComputeCone() {
   m_rho0 = K7AlbersProjection::Lat2Rho(m_phi0);
 }
 
-// Snyder, equation 14-3.
+// The equal-area radius that ComputeCone derives (Snyder, equation 14-3).
 double K7AlbersProjection::Lat2Rho(double phi) const {
   // Never below 0 but by rounding: at a pole that is a standard parallel.
   const double square = m_scale - 2 * m_n * std::sin(phi);
   return std::sqrt(std::max(square, 0.0)) / m_n;
 }
 
-// Snyder, equation 14-8.
+// 14-3 solved for sin(phi) (Snyder, equation 14-8).
 double K7AlbersProjection::Rho2Lat(double rho) const {
   const double sine = (m_scale - rho * rho * (m_n * m_n)) / (2 * m_n);
   // Rounding may carry the poles, not more, just beyond 1.

@@ -48,8 +48,8 @@ K7Projection* K7MercatorProjection::Clone(int* error) const {
 
 const char* K7MercatorProjection::Name() const { return "Mercator"; }
 
-// Conformal: dy / d(phi) = R / cos(phi), as the parallels are drawn longer by 1 / cos(phi). Its integral is y
-// (Snyder, equations 7-1 and 7-2).
+// Conformal: dy / d(phi) = R / cos(phi), as the parallels are drawn longer by 1 / cos(phi). Its integral is
+// y = R log tan(pi / 4 + phi / 2) (Snyder, equations 7-1 and 7-2).
 bool K7MercatorProjection::LatLon2World(double lat, double lon, double& x, double& y, double& z) const {
   const double phi = std::clamp(lat * K7_DEG_TO_RAD, -MERCATOR_LIMIT, MERCATOR_LIMIT);
   x = lon * K7_DEG_TO_RAD * R;
@@ -58,7 +58,7 @@ bool K7MercatorProjection::LatLon2World(double lat, double lon, double& x, doubl
   return lat > -90.0 && lat < 90.0;
 }
 
-// Snyder, equations 7-4 and 7-5.
+// 7-1 and 7-2 solved: tan(pi / 4 - phi / 2) = exp(-y / R) (Snyder, equations 7-4 and 7-5).
 bool K7MercatorProjection::World2LatLon(double x, double y, double, double& lat, double& lon) const {
   lat = (K7_PI / 2 - 2 * std::atan(std::exp(-y / R))) * K7_RAD_TO_DEG;
   lon = x / R * K7_RAD_TO_DEG;
@@ -73,8 +73,8 @@ K7Projection* K7MillerProjection::Clone(int* error) const {
 
 const char* K7MillerProjection::Name() const { return "Miller"; }
 
-// Snyder, equations 11-1 and 11-2: Mercator's y of 0.8 phi, divided by 0.8, so that the scales still agree at
-// the equator.
+// Mercator's y of 0.8 phi, divided by 0.8, so that the scales still agree at the equator: d(0.8 phi) / 0.8 =
+// d(phi) there (Snyder, chapter 11, forward).
 bool K7MillerProjection::LatLon2World(double lat, double lon, double& x, double& y, double& z) const {
   x = lon * K7_DEG_TO_RAD * R;
   y = std::log(std::tan(0.4 * (lat * K7_DEG_TO_RAD) + K7_PI / 4)) / 0.8 * R;
@@ -82,7 +82,7 @@ bool K7MillerProjection::LatLon2World(double lat, double lon, double& x, double&
   return lat >= -90.0 && lat <= 90.0;
 }
 
-// Snyder, equations 11-6 and 11-7.
+// The same solved for phi: pi / 4 + 0.4 phi = atan(exp(0.8 y / R)), times 2.5 (Snyder, chapter 11, inverse).
 bool K7MillerProjection::World2LatLon(double x, double y, double, double& lat, double& lon) const {
   lat = (2.5 * std::atan(std::exp(0.8 * y / R)) - MILLER_OFFSET) * K7_RAD_TO_DEG;
   lon = x / R * K7_RAD_TO_DEG;
@@ -110,7 +110,8 @@ void K7RectangularProjection::ParamValue(int, double value) {
 
 double K7RectangularProjection::ParamValue(int) const { return m_standardParallel; }
 
-// Snyder, equations 12-1 and 12-2, both divided by the cosine of the standard parallel.
+// x = R lambda cos(parallel) and y = R phi (Snyder, equations 12-1 and 12-2), both divided by the cosine: one
+// factor for the whole map.
 bool K7RectangularProjection::LatLon2World(double lat, double lon, double& x, double& y, double& z) const {
   x = lon * K7_DEG_TO_RAD * R;
   y = lat * K7_DEG_TO_RAD * m_stretch * R;
@@ -118,6 +119,7 @@ bool K7RectangularProjection::LatLon2World(double lat, double lon, double& x, do
   return true;
 }
 
+// The same solved (Snyder, equations 12-5 and 12-6).
 bool K7RectangularProjection::World2LatLon(double x, double y, double, double& lat, double& lon) const {
   lat = y / R / m_stretch * K7_RAD_TO_DEG;
   lon = x / R * K7_RAD_TO_DEG;
