@@ -8,23 +8,26 @@
 class K7Grfx;
 class K7Projection;
 
-/// Abstract chart, implemented by the host: what is shown, in which projection, and how it is drawn. The
-/// operations with a body are what only some hosts offer; the defaults say "not here".
+/// A K7Chart is what the host shows, in which projection, and how it is drawn. The host implements it. The
+/// operations with a body are what only some hosts offer; their defaults say "not here".
 class K7_API K7Chart {
  public:
   virtual ~K7Chart();
 
-  /// The projection in use; stays the chart's. Null before one is chosen.
+  /// Answers the projection in use, which stays the chart's. Null before one is chosen.
   virtual K7Projection* GetProjection() = 0;
-  /// The extent shown, empty before the first view is set.
+  /// Answers the extent shown, empty before the first view is set.
   virtual K7ChartRect GetExtent() const = 0;
-  /// Draws the chart's layers on `g`, which the projection has been set up on. 0, K7_ERR_RENDER_CANCELLED
-  /// when the user broke it off, or another negative code.
+  /// Draws the chart's layers on `g`, which the projection has been set up on. Answers 0,
+  /// K7_ERR_RENDER_CANCELLED when the user broke it off, or another negative code.
   virtual int Render(K7Grfx* g) = 0;
 
-  /// Name of the layer that the named component belongs to; empty when there is none.
+  /// \name What only some hosts offer
+  /// @{
+  /// Answers the name of the layer that the named component belongs to; empty when there is none.
   virtual K7String GetComponentParentName(const char* component);
-  /// Opacity (255: opaque) of what lies off the route. False when the chart does not support it.
+  /// Sets the opacity (255: opaque) of what lies off the route. Answers false when the chart does not
+  /// support it.
   virtual bool SetOffRouteAlpha(unsigned char alpha);
   virtual bool CanToggleTerrainContours();
   virtual void ToggleTerrainContours();
@@ -34,6 +37,7 @@ class K7_API K7Chart {
   virtual void SetRouteVisible(unsigned char visible);
   /// Stores the user's preferences of the current theme at `path`.
   virtual void WriteUserThemePref(const char* path);
+  /// @}
 
  protected:
   K7Chart() = default;

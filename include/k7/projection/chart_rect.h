@@ -5,12 +5,13 @@
 
 class K7File;
 
-/// Extent of charts, stores, shapes, tiles and queries: a latitude band and a longitude interval, in degrees,
-/// edges included. East below west means across the 180th meridian: west to 180 and -180 to east. A value; no
-/// locks.
+/// A K7ChartRect is the extent of charts, stores, shapes, tiles and queries: a latitude band and a
+/// longitude interval, in degrees, edges included. East below west means across the 180th meridian: west to
+/// 180 and -180 to east. A value; no locks.
 class K7_API K7ChartRect {
  public:
-  /// The empty rectangle, north -999, south 999, east -999, west 999: no point is in it, `Include` starts it.
+  /// Makes the empty rectangle, north -999, south 999, east -999, west 999. No point is in it, and
+  /// `Include` starts it.
   K7ChartRect() = default;
   K7ChartRect(double n, double s, double e, double w) : m_north(n), m_south(s), m_east(e), m_west(w) {}
   void Init(double n, double s, double e, double w) { *this = K7ChartRect(n, s, e, w); }
@@ -24,7 +25,7 @@ class K7_API K7ChartRect {
   /// \name Questions
   /// @{
   bool IsEmpty() const { return m_south > m_north; }
-  /// Exactly 90, -90, 180, -180.
+  /// Answers true for exactly 90, -90, 180, -180.
   bool IsEntireWorld() const;
   /// Answers false for what is not a number.
   bool PtIn(double lat, double lon) const;
@@ -41,8 +42,8 @@ class K7_API K7ChartRect {
 
   /// \name Growing and cutting
   /// @{
-  /// Grows by the lesser way to take in a point, across 180 where that is shorter. A position that is not a
-  /// number changes nothing.
+  /// Grows by the lesser way to take in a point, across 180 where that is shorter. Of two ways as long, the
+  /// point's side of the eastern edge decides. A position that is not a number changes nothing.
   void Include(double lat, double lon);
   /// Grows by margins in degrees and clamps to the world. A rectangle across 180 is clamped alike and may
   /// lose its crossing.
@@ -52,20 +53,20 @@ class K7_API K7ChartRect {
   /// `BoundingUnion`.
   void Union(const K7ChartRect& a, const K7ChartRect& b);
   K7ChartRect& operator|=(const K7ChartRect& other);
-  /// The narrowest rectangle that holds every point of both; across 180 where that is narrower, all
+  /// Becomes the narrowest rectangle that holds every point of both; across 180 where that is narrower, all
   /// longitudes (180, -180) where both together leave no gap. Either may be empty, across 180, or this.
   void BoundingUnion(const K7ChartRect& a, const K7ChartRect& b);
-  /// False when nothing is common: this is then empty or, when already the latitudes are disjoint, holds
-  /// their crossed bounds and keeps its longitudes. With one of the two across 180, what is common is sought
-  /// only on that side of 180 on which the other has its eastern edge, with both, only across it. `AreaIn`
-  /// has no such limit.
+  /// Becomes what both have in common. Answers false when that is nothing: this is then empty or, when
+  /// already the latitudes are disjoint, holds their crossed bounds and keeps its longitudes. With one of
+  /// the two across 180, what is common is sought only on that side of 180 on which the other has its
+  /// eastern edge, with both, only across it. `AreaIn` has no such limit.
   bool Intersect(const K7ChartRect& a, const K7ChartRect& b);
   K7ChartRect& operator&=(const K7ChartRect& other);
   /// @}
 
-  /// Reads north, south, east, west as 8-byte little-endian floats. What the last read returned (8 when all
-  /// is well, less or a negative code at the end of the file); K7_ERR_BAD_ARGUMENT for null. A field that
-  /// does not come whole keeps its value.
+  /// Reads north, south, east, west as 8-byte little-endian floats. Answers what the last read returned (8
+  /// when all is well, less or a negative code at the end of the file), or K7_ERR_BAD_ARGUMENT for null. A
+  /// field that does not come whole keeps its value.
   int Read(K7File* f);
 
  private:

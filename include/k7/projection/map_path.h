@@ -33,21 +33,28 @@ class K7_API K7MapPath {
   /// Takes up another view, or the same after it has looked elsewhere.
   void SetView(const K7MapView& view);
 
-  /// The area of a feature, for `K7Grfx::Fill`; nothing for other kinds.
+  /// \name Features
+  /// @{
+  /// Adds the area of a feature, for `K7Grfx::Fill`; nothing for other kinds.
   int Area(K7Grfx* g, const K7MapFeatures& features, int feature);
-  /// The lines of a feature, or an area's outline without the edges at which its data set was cut.
+  /// Adds the lines of a feature, or an area's outline without the edges at which its data set was cut.
   int Outline(K7Grfx* g, const K7MapFeatures& features, int feature);
+  /// @}
 
-  /// An area from its rings, laid end to end, `sizes` holding the points of each; repaired as
+  /// \name Positions
+  /// @{
+  /// Adds an area from its rings, laid end to end, `sizes` holding the points of each; it is repaired as
   /// `K7MapFeatures::Add` does it. What is drawn more than once is better made a feature.
   int Area(K7Grfx* g, const K7LatLon* points, const int* sizes, int rings);
-  /// A line whose edges run straight in latitude and longitude, across 180 by the shorter way.
+  /// Adds a line whose edges run straight in latitude and longitude, across 180 by the shorter way.
   int Line(K7Grfx* g, const K7LatLon* points, int count);
-  /// A route: between its points the line runs along great circles. Antipodes have no great circle of their
-  /// own; between them it runs over the north pole. Points off the earth are left out, as of features.
+  /// Adds a route: between its points the line runs along great circles. Antipodes have no great circle of
+  /// their own; between them it runs over the north pole. Points off the earth are left out, as of
+  /// features.
   int GreatCircle(K7Grfx* g, const K7LatLon* points, int count);
-  /// The outline of all that the projection can show: the sea's area, and the limb.
+  /// Adds the outline of all that the projection can show: the sea's area, and the limb.
   int WholeMap(K7Grfx* g);
+  /// @}
 
  private:
   struct Stages;

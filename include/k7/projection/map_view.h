@@ -8,9 +8,9 @@
 #include <k7/projection/grfx.h>
 #include <k7/projection/projection.h>
 
-/// A projection, a window and a camera over it: where a position falls, what position a pixel shows, how
-/// large a mile is and where north lies. It has a camera of its own, so that it outlives the graphics
-/// contexts that are drawn on, and `K7MapPath` turns lines and areas into device paths by it.
+/// A K7MapView is a projection, a window and a camera over it: where a position falls, what position a
+/// pixel shows, how large a mile is and where north lies. It has a camera of its own, so that it outlives
+/// the graphics contexts that are drawn on, and `K7MapPath` turns lines and areas into device paths by it.
 ///
 ///     K7MapView view(projection, width, height);
 ///     if (view.LookAt(48.5, -123.5, 300) != 0) return;   // K7ErrorString has the words
@@ -19,71 +19,89 @@
 ///
 /// Device coordinates are those of `K7Grfx`. The middle of the window shows the centre exactly, also in
 /// windows of odd size. The projection stays the host's and must outlive the view; after its parameters
-/// change, look again. A value; const operations may run in several threads.
+/// change, look again. A value; several threads may call const operations.
 class K7_API K7MapView {
  public:
-  /// Pixels of the window.
+  /// Takes the window's size in pixels.
   K7MapView(K7Projection* projection, int width, int height);
 
+  /// \name Looking
+  /// @{
   /// Shows `range` nautical miles from the centre to the nearer edge of the window, at the scale that the map
   /// has along the centre's meridian; with 0, the whole of what the projection can show, for which a flat
   /// map's centre moves along its meridian to the middle of the map. A tilted eye sees what its field of view
   /// holds and takes no range.
   ///
-  /// 0; K7_ERR_BAD_ARGUMENT without projection or window, for a position outside +-90 and +-540 degrees or a
-  /// negative range; K7_ERR_PROJECTION_RANGE when this centre, range and parameters give no picture, and
-  /// below 1e-9 nautical miles a pixel, where positions have no more digits. Failed, the view shows nothing:
-  /// nothing is seen, `GetExtent` is empty.
+  /// Answers 0; K7_ERR_BAD_ARGUMENT without projection or window, for a position outside +-90 and +-540
+  /// degrees or a negative range; K7_ERR_PROJECTION_RANGE when this centre, range and parameters give no
+  /// picture, and below 1e-9 nautical miles a pixel, where positions have no more digits. Failed, the view
+  /// shows nothing: nothing is seen, `GetExtent` is empty.
   int LookAt(double lat, double lon, double range);
-  /// The same with a given magnification in place of a range, as `K7Grfx::GetZoom` counts it.
+  /// Does the same with a given magnification in place of a range, as `K7Grfx::GetZoom` counts it.
   int LookAtZoom(double lat, double lon, double zoom);
-  /// Looked at something, successfully.
+  /// Answers whether the view looked at something, successfully.
   bool IsSet() const { return m_isSet; }
+  /// @}
 
+  /// \name What the view is
+  /// @{
   K7Projection* Projection() const { return m_projection; }
   int Width() const { return m_camera.Width(); }
   int Height() const { return m_camera.Height(); }
   double CenterLat() const { return m_lat; }
   double CenterLon() const { return m_lon; }
   double Zoom() const { return m_zoom; }
-  /// Nautical miles that a pixel spans along the meridian at the centre; for a tilted eye, across the picture
-  /// where the ground is nearest.
+  /// Answers the nautical miles that a pixel spans along the meridian at the centre; for a tilted eye,
+  /// across the picture where the ground is nearest.
   double NMPerPixel() const { return m_nmPerPixel; }
-  /// The projection works on the globe in the round; else, and without one, the world is a plane.
+  /// Answers true when the projection works on the globe in the round; else, and without one, the world is
+  /// a plane.
   bool IsGlobe() const { return m_projection && m_projection->IsAzimuthal(); }
-  /// The general perspective with a pitch other than straight down: the scale changes across the picture.
+  /// Answers true for the general perspective with a pitch other than straight down: the scale changes
+  /// across the picture.
   bool IsTilted() const;
+  /// @}
 
-  /// Device point of a position. True when it is seen: on the map, before the eye and within the window.
-  /// Written wherever the position has a device point.
+  /// \name Positions and pixels
+  /// @{
+  /// Gives the device point of a position, written wherever the position has one. Answers true when it is
+  /// seen: on the map, before the eye and within the window.
   bool ToDevice(double lat, double lon, double& dx, double& dy) const;
-  /// Position under a device point, which may lie outside the window; as `K7Projection::Device2LatLon`. False
-  /// before the first view.
+  /// Gives the position under a device point, which may lie outside the window, as
+  /// `K7Projection::Device2LatLon` does. False before the first view.
   bool FromDevice(double dx, double dy, double& lat, double& lon) const;
+  /// @}
 
-  /// What the window shows: a box that holds every position seen. Empty before the first view; west -180 and
-  /// east 180 when all longitudes are seen.
+  /// \name What the window shows
+  /// @{
+  /// Answers what the window shows: a box that holds every position seen. It is empty before the first
+  /// view; west -180 and east 180 when all longitudes are seen.
   K7ChartRect GetExtent() const;
-  /// The same before it is wrapped: longitudes around the centre's, from `west` up to `east`, at most 360
-  /// apart, so that they may pass 180. False before the first view.
+  /// Gives the same before it is wrapped: longitudes around the centre's, from `west` up to `east`, at most
+  /// 360 apart, so that they may pass 180. False before the first view.
   bool GetExtent(double& north, double& south, double& east, double& west) const;
-  /// Nautical miles that a pixel spans at a position, to the north and to the east. False off the map, at the
-  /// poles and where a scale is not finite.
+  /// Gives the nautical miles that a pixel spans at a position, to the north and to the east. False off the
+  /// map, at the poles and where a scale is not finite.
   bool Scale(double lat, double lon, double& north, double& east) const;
-  /// Direction of true north at a position, in degrees clockwise from up on the device, -180 to 180: compass
-  /// roses and courses turn by it. False as in `Scale`.
+  /// Gives the direction of true north at a position, in degrees clockwise from up on the device, -180 to
+  /// 180: compass roses and courses turn by it. False as in `Scale`.
   bool TrueNorth(double lat, double lon, double& angle) const;
+  /// @}
 
+  /// \name Contexts
+  /// @{
   /// Gives a context this view's camera and viewing volume, whatever its zoom, so that its `UnProject` agrees
   /// with the view. Null, and a view without a picture, do nothing.
   void SetUp(K7Grfx* g) const;
-  /// A context that has this view's camera: what projections ask for, and the way to the device. Lives as
-  /// long as the view.
+  /// Answers a context that has this view's camera: what projections ask for, and the way to the device. It
+  /// lives as long as the view.
   K7GrfxK7* Context() const { return &m_camera; }
+  /// @}
 
-  /// A new projection for a chart about a place, which the caller deletes: cones are laid through the chart
-  /// (C. H. Deetz and O. S. Adams, Elements of Map Projection, 1938: standard parallels a sixth of the
-  /// height inside its edges), the others are those of `K7Projection::Create`, whose failures these are.
+  /// Makes a projection for a chart about a place, which the caller deletes. Cones are laid through the
+  /// chart (C. H. Deetz and O. S. Adams, Elements of Map Projection, 1938: standard parallels a sixth of
+  /// the height inside its edges); the others are those of `K7Projection::Create`, whose failures these
+  /// are.
   static K7Projection* CreateProjection(K7ProjType type, double lat, double lon, double range, int* error);
 
  private:
