@@ -96,9 +96,9 @@ class K7_API K7Projection {
   /// its own.
   virtual double ScaleError(double lat, double lon) const;
 
-  /// `LatLon2World` of `count` positions at once, several times as fast. All arrays hold `count` numbers,
-  /// degrees in and world units out, and no output overlaps another array; a `count` below 1 does nothing. A
-  /// null `z` is left out: the flat families lose nothing by it.
+  /// Does `LatLon2World` for `count` positions at once, several times as fast. All arrays hold `count`
+  /// numbers, degrees in and world units out, and no output overlaps another array; a `count` below 1 does
+  /// nothing. A null `z` is left out: the flat families lose nothing by it.
   ///
   /// Each coordinate is within 1e-12 of the single call's, relative to: 1 for the azimuthal family; for the
   /// flat ones, the largest of the coordinate itself, one earth radius in world units and, for cones, the
