@@ -54,15 +54,14 @@ int64_t SizeOf(K7File* file) { return file->Seek(0) ? std::max<int64_t>(k7read::
 
 int K7ShpFile::ReadRecords() {
   const int firstRow = m_attrFile->Tell();
-  int start = 0;
-  int err = ReadInSequence(start);
+  int err = ReadInSequence();
   if (err == K7_ERR_MEMORY) return err;
   const bool goesOn = err == 0 && MainGoesOn();
-  if ((err || goesOn) && IndexLeads(m_records.Count(), goesOn ? -1 : start)) {
+  // A derived reader that stops the sequence finds no file bad.
+  if ((goesOn || m_badFile == K7_SHP_MAIN_FILE) && IndexLeads()) {
     m_badFile = K7_SHP_NO_FILE;
     m_records.FreeElems();
-    m_attrFile->Seek(firstRow);
-    err = ReadByIndex();
+    err = ReadByIndex(firstRow);
   } else if (goesOn || (err == K7_ERR_OUT_OF_RANGE && TableIsShort())) {
     m_badFile = K7_SHP_ATTR_FILE;
     err = K7_ERR_OUT_OF_RANGE;
@@ -70,18 +69,18 @@ int K7ShpFile::ReadRecords() {
   return err == 0 && m_badFile != K7_SHP_NO_FILE ? int{K7_ERR_OUT_OF_RANGE} : err;
 }
 
-// `start` is where the last record that was tried stands.
-int K7ShpFile::ReadInSequence(int& start) {
+int K7ShpFile::ReadInSequence() {
   const int count = RecordCount();
   int err = 0;
-  for (int i = 0; err == 0 && i < count; ++i) {
-    start = m_mainFile->Tell();
-    err = StoreNext(i);
-  }
+  for (int i = 0; err == 0 && i < count; ++i) err = StoreNext(i);
   return err;
 }
 
-int K7ShpFile::ReadByIndex() {
+int K7ShpFile::ReadByIndex(int firstRow) {
+  if (firstRow < 0 || !m_attrFile->Seek(firstRow)) {
+    m_badFile = K7_SHP_ATTR_FILE;
+    return K7_ERR_OUT_OF_RANGE;
+  }
   const int count = RecordCount();
   int err = 0;
   for (int i = 0; err == 0 && i < count; ++i) {
@@ -90,7 +89,10 @@ int K7ShpFile::ReadByIndex() {
       m_badFile = K7_SHP_INDEX_FILE;
       return K7_ERR_OUT_OF_RANGE;
     }
-    m_mainFile->Seek(static_cast<int>(entry.offset));
+    if (!m_mainFile->Seek(static_cast<int>(entry.offset))) {
+      m_badFile = K7_SHP_MAIN_FILE;
+      return K7_ERR_OUT_OF_RANGE;
+    }
     err = StoreNext(i);
   }
   return err;
@@ -110,27 +112,30 @@ int K7ShpFile::StoreNext(int i) {
   return err;
 }
 
-// Whether the index can do better than the sequence, which failed at record `failed` that it looked for at
-// `start`: it has an entry for each row of the table, another place for that record, and all its entries lead
+// Whether the index can do better than the sequence: it has an entry for each row of the table, and all lead
 // to records of their length.
-bool K7ShpFile::IndexLeads(int failed, int start) const {
+bool K7ShpFile::IndexLeads() const {
   const int count = m_dbfHdr.recordCount;
   const int64_t end = SizeOf(m_mainFile);
   if (count <= 0 || RecordCount() > count || (SizeOf(m_indexFile) - INDEX_HEADER_SIZE) / 8 != count)
     return false;
   Entry entry;
-  if (start >= 0 && ReadEntry(m_indexFile, failed, entry) && entry.offset == start) return false;
   for (int i = 0; i < count; ++i)
     if (!ReadEntry(m_indexFile, i, entry) || ContentLength(m_mainFile, entry.offset, end) != entry.length)
       return false;
   return true;
 }
 
-// Behind the table's last record stands another, whole one.
+// Behind the table's last record stands another, whole one, or the index has one more.
 bool K7ShpFile::MainGoesOn() const {
-  if (RecordCount() != m_dbfHdr.recordCount) return false;
+  const int count = m_dbfHdr.recordCount;
+  if (RecordCount() != count) return false;
   const int pos = m_mainFile->Tell();
-  return ContentLength(m_mainFile, pos, SizeOf(m_mainFile)) >= SHAPE_TYPE_SIZE;
+  const int64_t end = SizeOf(m_mainFile);
+  if (ContentLength(m_mainFile, pos, end) >= SHAPE_TYPE_SIZE) return true;
+  Entry next;
+  return count >= 0 && ReadEntry(m_indexFile, count, next) && next.length >= SHAPE_TYPE_SIZE &&
+         ContentLength(m_mainFile, next.offset, end) == next.length;
 }
 
 // The table has no room for the rows that it states.
@@ -158,8 +163,7 @@ K7ShpRecord* K7ShpFile::NextRecord() {
 // row behind the table's end is none.
 void K7ShpFile::PassRow(int row) {
   const int64_t size = int64_t{m_dbfHdr.dataLength} + 1;
-  m_attrFile->Seek(row);
-  if (row < 0 || size > k7read::BytesLeft(m_attrFile)) return;
+  if (row < 0 || !m_attrFile->Seek(row) || size > k7read::BytesLeft(m_attrFile)) return;
   m_badFile = K7_SHP_ATTR_FILE;
   m_attrFile->Seek(static_cast<int>(row + size));
 }

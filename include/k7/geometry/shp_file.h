@@ -107,9 +107,9 @@ class K7_API K7ShpFile {
   ///
   /// Answers 0; the code of `ReadHeader`; K7_ERR_INVALID_DATA for a shape type without a class, null shapes
   /// included unless they are kept; K7_ERR_MEMORY; or K7_ERR_OUT_OF_RANGE for a record that could not be
-  /// read. That is: the main file ends before it or its counts do not fit its bytes; the main file has more
-  /// records than the table; or the table holds a row that it fails to give, and then all records are
-  /// there, that one without attributes.
+  /// read. That is: the main file ends before it or its counts do not fit its bytes; the main file or the
+  /// index has more records than the table; or the table holds a row that it fails to give, and then all
+  /// records are there, that one without attributes.
   virtual int Read(const char* path, K7IO* io);
   /// Answers the records that the attribute table's header states. After a failed `Read` there may be fewer
   /// in the reader (`StoredCount`).
@@ -184,10 +184,10 @@ class K7_API K7ShpFile {
   void Clear();
   int OpenFiles(const char* path, K7IO* io);
   int ReadRecords();
-  int ReadInSequence(int& start);
-  int ReadByIndex();
+  int ReadInSequence();
+  int ReadByIndex(int firstRow);
   int StoreNext(int i);
-  bool IndexLeads(int failed, int start) const;
+  bool IndexLeads() const;
   bool MainGoesOn() const;
   bool TableIsShort() const;
   void PassRow(int row);
