@@ -1,146 +1,141 @@
 // Lets the n-th thing that can fail do so, once or from there on, for every n, and judges what came of it.
 #pragma once
 
+#include "failing/failing_files.h"
+#include "support/temp_dir.h"
+
+#include <k7/core.h>
+
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
-#include <csignal>
-#include <cstdint>
+
+#include <bit>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
-/// What fails, and how: memory, or a host's files by a code, by half of what was asked, or without a word.
-enum class Fault { NONE, MEMORY, FILE_CODE, FILE_HALF, FILE_NOTHING };
-
-/// The one failure that is planned. Only what runs under `Disturbed` counts.
-struct Plan {
-  Fault fault = Fault::NONE;
-  int at = -1;
-  bool onwards = false;
-  int count = 0;
-  bool armed = false;
-
-  bool Fails() {
-    if (!armed) return false;
-    const int i = count++;
-    return at >= 0 && (i == at || (onwards && i > at));
-  }
-};
-inline constinit Plan plan;
-/// Allocations and files that are held.
-inline constinit long held = 0;
-
-/// The library's work, and within it what a host does, whose memory is not at issue.
-template <bool ARMED>
-struct Arming {
-  Arming() { plan.armed = ARMED; }
-  ~Arming() { plan.armed = before; }
-  Arming(const Arming&) = delete;
-  Arming& operator=(const Arming&) = delete;
-  const bool before = plan.armed;
-};
-using Disturbed = Arming<true>;
-using Quiet = Arming<false>;
-
-/// What a scenario got, in order (FNV-1a): a success must be that of the undisturbed run.
+/// What a scenario got, in order: a success must be that of the undisturbed run.
 struct Digest {
-  uint64_t value = 14695981039346656037u;
-
-  Digest() = default;
-  explicit Digest(const char* text) { Add(text); }
+  template <class... T>
+  explicit Digest(const T&... parts) {
+    Add(parts...);
+  }
   bool operator==(const Digest&) const = default;
-  void Add(const void* data, size_t size) {
-    for (size_t i = 0; i < size; ++i)
-      value = (value ^ static_cast<const unsigned char*>(data)[i]) * 1099511628211u;
+  template <class... T>
+  void Add(const T&... parts) {
+    ((m_value = m_value * 1099511628211u + Hash(parts)), ...);
   }
-  void Add(const char* text) {
-    while (*text) Add(text++, 1);
-    Add("", 1);
-  }
-  void Add(int i) { Add(&i, sizeof i); }
-  void Add(double d) { Add(&d, sizeof d); }
+
+ private:
+  static uint64_t Hash(std::string_view text) { return std::hash<std::string_view>()(text); }
+  static uint64_t Hash(const char* text) { return Hash(std::string_view(text)); }
+  static uint64_t Hash(int i) { return static_cast<uint64_t>(i); }
+  static uint64_t Hash(double d) { return std::bit_cast<uint64_t>(d); }
+  uint64_t m_value = 1;
 };
 
-/// Answers 0 and fills the digest, or a failure's negative code, or DAMAGED.
-using ScenarioFunction = int (*)(Digest&);
 constexpr int DAMAGED = 1;   ///< failed, and what was there before is not what it was
 constexpr int LITTERED = 2;  ///< left a file behind that nobody asked for
 
+/// What a host does. It starts with the files, in its own file system or in a folder on the disk, works with
+/// memory and files that may fail, and answers 0 and what it got, a failure's code, or DAMAGED.
 struct Scenario {
   const char* name;
-  ScenarioFunction run;
-  std::vector<int> codes;  ///< failures that it may answer
-  bool usesHostFiles = false;
+  int (*run)(FailingIO& host, Digest& got);
+  std::vector<int> codes = {};  ///< failures that it may answer beside K7_ERR_MEMORY
+  std::vector<std::pair<std::string, std::string>> files = {};
+  /// The first file is replaced: afterwards it is the old one or ends as the new one does. On the disk a
+  /// failure leaves the old one; a host's own may be lost with its disk, though not with memory.
+  const char* newEnd = nullptr;
+  bool onDisk = false;
 };
 
-enum class Finding { WRONG_RESULT, WRONG_CODE, DAMAGE, LEAK, CRASH, HANG };
-constexpr const char* FINDING_NAMES[] = {"wrong result", "wrong code", "damage", "leak", "crash", "hang"};
+/// To be made before the first child process, which would leave it behind.
+inline const std::string& Folder() {
+  static const TempDir folder;
+  static const std::string path = folder / "disk/";
+  return path;
+}
 
-struct Found {
-  Finding kind;
-  int at;
-  int code;
-};
+inline const char* OnDisk(const char* name) {
+  const Quiet quiet;
+  static std::string path;
+  path = Folder() + name;
+  return path.c_str();
+}
+inline K7IOK7& Native() {
+  static K7IOK7 io;
+  return io;
+}
+inline std::string Load(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
 
-/// What a child process tells its parent, in memory that they share.
-struct Report {
-  int at;  ///< being tried
-  int count;
-  Found found[4096];
-  void Add(Finding kind, int code) {
-    if (count < 4096) found[count++] = {kind, at, code};
+inline int Run(const Scenario& scenario, Digest& got) {
+  namespace fs = std::filesystem;
+  FailingIO host;
+  if (scenario.onDisk) {
+    K7IO::SetInst(&Native());
+    fs::remove_all(Folder());
+    fs::create_directories(Folder());
   }
-};
+  for (const auto& [path, text] : scenario.files) {
+    host.Put(path.c_str(), text);
+    if (scenario.onDisk) std::ofstream(OnDisk(path.c_str()), std::ios::binary) << text;
+  }
+  int err;
+  {
+    const Disturbed on;
+    err = scenario.run(host, got);
+  }
+  K7Options::Destroy();
+  K7Log::CloseLogFile();
+  tzset();  // the C library gets back what it keeps of the zone
+  if (err > 0 || !scenario.newEnd) return err;
+  const auto& [path, old] = scenario.files.front();
+  const std::string now = scenario.onDisk ? Load(OnDisk(path.c_str())) : host.Text(path.c_str());
+  got.Add(now);
+  if (scenario.onDisk && std::distance(fs::directory_iterator(Folder()), {}) != 1) return LITTERED;
+  const bool isNew = now.ends_with(scenario.newEnd) && !(err && scenario.onDisk);
+  const bool mayBeLost = !scenario.onDisk && plan.fault != Fault::MEMORY;
+  return err == 0 || isNew || now == old || mayBeLost ? err : DAMAGED;
+}
 
-inline void TryFrom(int first, const Scenario& scenario, Fault fault, bool onwards, Report& report) {
+/// Tries all failures, in a process of its own, which dies as a death test does: with 0 unless something was
+/// found, then told on stderr. A crash or a hang is behind the last failure that is named there.
+[[noreturn]] inline void FailOneByOne(const Scenario& scenario, Fault fault, bool onwards, bool silentLoss) {
+  int findings = 0;
+  const auto found = [&](const char* what, long detail) {
+    std::cerr << what << " (" << detail << ") ";
+    ++findings;
+  };
   Digest whole;
   plan = {};
   plan.fault = fault;
-  scenario.run(whole);  // whatever is made once for the process is made
+  Run(scenario, whole);  // whatever is made once for the process is made
   plan.count = 0;
-  whole = {};
-  report.at = -1;
-  if (const int code = scenario.run(whole)) return report.Add(Finding::WRONG_RESULT, code);
+  whole = Digest();
+  if (const int code = Run(scenario, whole)) found("fails undisturbed", code);
   const int points = plan.count;
-  for (int n = first; n < points; ++n) {
-    report.at = n;
+  for (int n = 0; n < points; ++n) {
+    std::cerr << n << ' ';
     const long before = held;
     plan = {fault, n, onwards};
     alarm(5);
-    Digest result;
-    const int code = scenario.run(result);
+    Digest got;
+    const int code = Run(scenario, got);
     plan = {};
     alarm(0);
-    if (code == 0 && !(result == whole)) report.Add(Finding::WRONG_RESULT, code);
-    if (code > 0) report.Add(Finding::DAMAGE, code);
-    bool allowed = code >= 0;
-    for (const int known : scenario.codes) allowed = allowed || code == known;
-    if (!allowed) report.Add(Finding::WRONG_CODE, code);
-    if (held != before) report.Add(Finding::LEAK, static_cast<int>(held - before));
+    const bool known = code == K7_ERR_MEMORY || std::ranges::count(scenario.codes, code) > 0;
+    if (code == 0 && !(got == whole) && !silentLoss) found("wrong result", code);
+    if (code > 0) found(code == LITTERED ? "litter" : "damage", code);
+    if (code < 0 && !known) found("wrong code", code);
+    if (held != before) found("leak", held - before);
   }
-}
-
-/// All findings. Each run has a process of its own, so that a crash and a hang are findings too, and the next
-/// failure is tried behind them.
-inline std::vector<Found> FailOneByOne(const Scenario& scenario, Fault fault, bool onwards) {
-  static constexpr int MOST_DEATHS = 20;
-  auto& report = *static_cast<Report*>(
-      mmap(nullptr, sizeof(Report), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
-  report.count = 0;
-  report.at = -1;
-  for (int deaths = 0; deaths < MOST_DEATHS; ++deaths) {
-    const pid_t child = fork();
-    if (child == 0) {
-      TryFrom(report.at + 1, scenario, fault, onwards, report);
-      _exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    if (status == 0) break;
-    report.Add(WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM ? Finding::HANG : Finding::CRASH, status);
-  }
-  std::vector<Found> found(report.found, report.found + report.count);
-  munmap(&report, sizeof(Report));
-  return found;
+  _exit(findings > 0);
 }

@@ -83,9 +83,7 @@ class MemFile : public K7File {
 class MemIO : public K7IO {
  public:
   K7File* CreateFileX(const char* path, const char* mode) override {
-    auto found = files.find(path);
-    if (mode[0] != 'r' && found == files.end()) found = files.emplace(path, std::make_shared<Bytes>()).first;
-    auto* file = new (std::nothrow) MemFile(found == files.end() ? nullptr : found->second, mode);
+    auto* file = new (std::nothrow) MemFile(Find(path, mode), mode);
     if (file) file->room = room;
     return file;
   }
@@ -103,6 +101,14 @@ class MemIO : public K7IO {
 
   std::map<std::string, std::shared_ptr<Bytes>> files;
   size_t room = SIZE_MAX;
+
+ protected:
+  /// The bytes that a stream is opened over; null for one that reads and finds none.
+  std::shared_ptr<Bytes> Find(const char* path, const char* mode) {
+    if (mode[0] != 'r') files.try_emplace(path, std::make_shared<Bytes>());
+    const auto found = files.find(path);
+    return found == files.end() ? nullptr : found->second;
+  }
 };
 
 /// Installs a file system for the length of a scope and leaves the library without one.
