@@ -453,10 +453,12 @@ TEST(ShpFile, MissingFilesAndArguments) {
   MemIO io;
   Set(1).Serve(io);
   K7ShpFile file;
-  EXPECT_EQ(file.Read(nullptr, &io), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(file.Read("a.shp", nullptr), K7_ERR_BAD_ARGUMENT);
   io.Put("a", io.Get("a.shp"));
   EXPECT_EQ(file.Read("a", &io), K7_ERR_FILE_IO);
+  EXPECT_EQ(file.BadFile(), K7_SHP_ATTR_FILE);
+  EXPECT_EQ(file.Read(nullptr, &io), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(file.Read("a.shp", nullptr), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(file.BadFile(), K7_SHP_NO_FILE);
   const std::pair<const char*, K7ShpPart> parts[] = {
       {"a.shx", K7_SHP_INDEX_FILE}, {"a.dbf", K7_SHP_ATTR_FILE}, {"a.shp", K7_SHP_MAIN_FILE}};
   for (const auto& [missing, part] : parts) {
