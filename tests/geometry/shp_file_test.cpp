@@ -257,7 +257,8 @@ TEST(ShpFile, ConvertsAttributes) {
       {"-1e999      ", -HUGE_VAL, -1}, {"-1E-999     ", 0, -1},
       {"+5          ", 5, 5},          {"+-5         ", 0, 0},
       {"************", 0, 0},          {"           +", 0, 0},
-      {"1,5         ", 1, 1},          {"            ", 0, 0}};
+      {"1,5         ", 1, 1},          {"            ", 0, 0},
+      {"1e-999      ", 0, 1}};
   Set set;
   std::vector<std::string> rows;
   for (const auto& [text, number, integer] : cases) {
