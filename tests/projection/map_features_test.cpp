@@ -251,6 +251,7 @@ TEST(MapPath, HasNoPointsThatCannotBeSeen) {
   EXPECT_EQ(path.Area(nullptr, features, 0), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(path.Line(&recorder, nullptr, 2), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(path.GreatCircle(&recorder, circle.data(), -1), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(path.GreatCircle(&recorder, nullptr, 1), K7_ERR_BAD_ARGUMENT);
 }
 
 // Where the map bends no edge, only its ends are needed, and what divides it by degrees.
@@ -318,7 +319,9 @@ TEST(MapPath, ARouteToTheAntipodeRunsOverThePole) {
   const K7LatLon poles[] = {{90, 0}, {NAN, 3}, {10, 1e300}, {-90, 0}};
   K7MapPath path(view);
   recorder.Clear();
-  EXPECT_GT(path.GreatCircle(&recorder, poles, 4), 10);
+  const int count = path.GreatCircle(&recorder, poles, 4);
+  EXPECT_GT(count, 10);
+  EXPECT_EQ(path.GreatCircle(&recorder, poles, 4), count);
   EXPECT_LT(recorder.Distance(150, 150), 0.5);
 }
 

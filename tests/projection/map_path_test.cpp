@@ -73,6 +73,7 @@ class DrawnMap : public testing::TestWithParam<Case> {
     const int count =
         K7MapPath(*view).Area(&recorder, points.data(), sizes.data(), static_cast<int>(sizes.size()));
     EXPECT_EQ(count, recorder.PointCount());
+    EXPECT_LE(recorder.Beyond(WIDTH, HEIGHT), 64.001);
     // One on each side may lie in a sliver thinner than itself.
     EXPECT_LE(WrongPixels(inside), 2);
   }
@@ -236,6 +237,7 @@ TEST_P(DrawnMap, RoutesRunAlongGreatCircles) {
 
 TEST_P(DrawnMap, TheWholeMapIsWherePickingFindsOne) {
   K7MapPath(*view).WholeMap(&recorder);
+  EXPECT_LE(recorder.Beyond(WIDTH, HEIGHT), 64.001);
   const double south = GetParam().type == K7_PROJ_MERCATOR ? -89.9 : -90.1;
   const auto drawn = [&](double lat, double) {
     if (GetParam().type != K7_PROJ_LAMBERT) return lat > south && lat < -south;

@@ -20,6 +20,8 @@ Owned Make(int type, double lat, double lon, double range) {
   return Owned(K7MapView::CreateProjection(static_cast<K7ProjType>(type), lat, lon, range, nullptr));
 }
 
+bool IsGlobe(int type) { return Make(type, 0, 0, 0)->IsAzimuthal(); }
+
 // All nine projections about a place, in a window whose sides are odd, even, or one of each.
 template <class Check>
 void ForAllProjections(double lat, double lon, double range, Check check) {
@@ -30,6 +32,28 @@ void ForAllProjections(double lat, double lon, double range, Check check) {
       K7MapView view(projection.get(), width, height);
       ASSERT_EQ(view.LookAt(lat, lon, range), 0);
       check(view);
+    }
+}
+
+// Of those whose world has an end, and no part that is left out of it.
+TEST(MapView, TheWorldFitsTheWindow) {
+  for (const int type :
+       {K7_PROJ_ORTHOGRAPHIC, K7_PROJ_RECTANGULAR, K7_PROJ_MILLER, K7_PROJ_ALBERS, K7_PROJ_PERSPECTIVE})
+    for (const auto& [width, height] : {std::pair{401, 101}, {400, 300}, {101, 400}}) {
+      const Owned projection = Make(type, 10, 20, 0);
+      K7MapView view(projection.get(), width, height);
+      ASSERT_EQ(view.LookAt(10, 20, 0), 0);
+      PathRecorder recorder;
+      K7MapPath(view).WholeMap(&recorder);
+      double right = 0, bottom = 0;
+      for (const PathRecorder::Point& p : recorder.pieces.at(0).points) {
+        right = std::max(right, p.x);
+        bottom = std::max(bottom, p.y);
+      }
+      EXPECT_EQ(recorder.Beyond(width, height), 0) << type;
+      EXPECT_TRUE(right > 0.96 * width || bottom > 0.96 * height) << type << " " << right << " " << bottom;
+      double dx = 0, dy = 0;
+      EXPECT_TRUE(IsGlobe(type) || view.ToDevice(90, 20, dx, dy)) << type;
     }
 }
 
@@ -153,6 +177,14 @@ TEST(MapView, TheExtentHoldsWhatIsSeenAndLittleMore) {
     ASSERT_EQ(view.LookAt(lat, lon, range), 0);
     ExpectExtent(view, 8);
   }
+  // With edges that run askew to the meridians.
+  K7PerspectiveProjection askew(4);
+  const double params[] = {1e6, 35, 5, -78, 20};
+  for (int i = 0; i < 5; ++i) askew.ParamValue(i, params[i]);
+  askew.SetClipPlanes();
+  K7MapView view(&askew, 161, 121);
+  ASSERT_EQ(view.LookAt(80, 20, 0), 0);
+  ExpectExtent(view, 8);
 }
 
 // Also for cones that are not laid about the chart, up to their seam, their wide end and around their point,

@@ -45,6 +45,14 @@ class PathRecorder : public K7GrfxK7 {
     for (const Piece& piece : pieces) count += piece.points.size();
     return static_cast<int>(count);
   }
+  /// How far a point lies outside a window, in pixels.
+  double Beyond(int width, int height) const {
+    double most = 0;
+    for (const Piece& piece : pieces)
+      for (const Point& p : piece.points)
+        most = std::fmax(most, std::fmax(std::fmax(-p.x, p.x - width), std::fmax(-p.y, p.y - height)));
+    return most;
+  }
   /// Pixels from a place to the nearest line of the path; infinite when there is none.
   double Distance(double x, double y) const {
     double nearest = INFINITY;
