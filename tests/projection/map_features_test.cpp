@@ -39,7 +39,10 @@ TEST(MapFeatures, PointsOffTheEarthAreLeftOut) {
   EXPECT_EQ(features.PointCount(2), 0);
   EXPECT_EQ(features.PointCount(3), 0);
   EXPECT_TRUE(features.Bounds(3).IsEmpty());
-  EXPECT_EQ(features.Count(), 4);
+  EXPECT_EQ(AddOne(features, K7_MAP_LINES, {{30, 40}, {50, 60}}), 4);
+  EXPECT_EQ(features.Point(4, 1).Lat(), 50);
+  EXPECT_EQ(features.Point(4, 1).Lon(), 60);
+  EXPECT_EQ(features.Count(), 5);
 }
 
 TEST(MapFeatures, RingsAreClosedAndRunClockwise) {
@@ -73,7 +76,7 @@ TEST(MapFeatures, RowsAreCarriedOnAcross180) {
   EXPECT_TRUE(features.Contains(2, -80, 10));
   EXPECT_TRUE(features.Contains(2, -80, 179));
   EXPECT_FALSE(features.Contains(2, -60, 10));
-  EXPECT_EQ(features.Bounds(2).East(), 180);
+  EXPECT_EQ(features.Bounds(2), K7ChartRect(-70, -90, 180, -180));
 }
 
 // A satellite's track comes around again and again; each of its turns is seen where it is.

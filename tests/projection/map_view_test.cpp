@@ -223,6 +223,11 @@ TEST(MapView, APoleBringsAllLongitudes) {
       ASSERT_EQ(view.LookAt(side * 85, 30, 290), 0);
       EXPECT_GT(view.GetExtent().West(), -180) << type;
     }
+  const Owned globe = Make(K7_PROJ_ORTHOGRAPHIC, 40, 30, 0);
+  K7MapView round(globe.get(), 200, 200);
+  ASSERT_EQ(round.LookAt(40, 30, 0), 0);
+  EXPECT_EQ(round.GetExtent(), K7ChartRect(90, round.GetExtent().South(), 180, -180));
+  EXPECT_NEAR(round.GetExtent().South(), -50, 1e-6);
   const Owned across = Make(K7_PROJ_MERCATOR, 0, 180, 600);
   K7MapView view(across.get(), 200, 200);
   ASSERT_EQ(view.LookAt(0, 180, 600), 0);
