@@ -30,10 +30,11 @@ K7ChartRect RandomRect(std::mt19937& random) {
 }
 
 void EachPoint(const std::function<void(double, double)>& visit) {
-  for (int lat = -90; lat <= 90; lat += 5) {
+  for (int lat = -90; lat <= 90; lat += 5)
     for (int lon = -175; lon <= 180; lon += 5) visit(lat, lon);
-  }
 }
+
+double Width(const K7ChartRect& r) { return r.East() - r.West() + (r.East() < r.West() ? 360 : 0); }
 
 TEST(ChartRect, OverlapAndIntersectionAgreeWithTheirPoints) {
   std::mt19937 random(11);
@@ -66,7 +67,6 @@ TEST(ChartRect, OverlapAndIntersectionAgreeWithTheirPoints) {
 TEST(ChartRect, GrowsByTheShorterWay) {
   std::mt19937 random(12);
   std::uniform_int_distribution<int> latitude(-9, 9), longitude(-17, 17);
-  const auto width = [](const K7ChartRect& r) { return std::fmod(r.East() - r.West() + 360.0, 360.0); };
   for (int i = 0; i < 1500; ++i) {
     const K7ChartRect before = RandomRect(random);
     const double lat = 10 * latitude(random), lon = 10 * longitude(random);
@@ -76,7 +76,7 @@ TEST(ChartRect, GrowsByTheShorterWay) {
     const double toEast = std::fabs(std::remainder(lon - before.East(), 360.0));
     const double toWest = std::fabs(std::remainder(lon - before.West(), 360.0));
     const bool inside = OnArc(lon, before.East(), before.West());
-    EXPECT_EQ(width(after) - width(before), inside ? 0 : std::min(toEast, toWest));
+    EXPECT_EQ(Width(after) - Width(before), inside ? 0 : std::min(toEast, toWest));
     EachPoint([&](double la, double lo) { EXPECT_TRUE(!Holds(before, la, lo) || after.PtIn(la, lo)); });
     EXPECT_TRUE(before < after);
     EXPECT_EQ(after < before, after == before);
@@ -84,51 +84,42 @@ TEST(ChartRect, GrowsByTheShorterWay) {
   K7ChartRect r;
   r.Include(10, 170);
   r.Include(12, -170);
-  EXPECT_TRUE(r == K7ChartRect(12, 10, -170, 170));
+  EXPECT_EQ(r, K7ChartRect(12, 10, -170, 170));
 }
 
 TEST(ChartRect, BoundingUnionHoldsBothAndNoMoreThanItMust) {
   std::mt19937 random(13);
-  const K7ChartRect edges[] = {{},
-                               {90, -90, 180, -180},
-                               {20, 10, 180, 170},
-                               {20, 10, -170, -180},
-                               {0, 0, 180, 180},
-                               {0, 0, -180, -180},
-                               {5, -5, -180, 180}};
+  const K7ChartRect world(90, -90, 180, -180), east(20, 10, 180, 170), west(20, 10, -170, -180);
+  const K7ChartRect seamEast(0, 0, 180, 180), seamWest(0, 0, -180, -180), inverse(5, -5, -180, 180);
+  const K7ChartRect edges[] = {{}, world, east, west, seamEast, seamWest, inverse};
   const auto any = [&] {
     const size_t i = random() % 20;
     return i < std::size(edges) ? edges[i] : RandomRect(random);
   };
-  const auto width = [](double east, double west) { return east - west + (east < west ? 360 : 0); };
   for (int i = 0; i < 600; ++i) {
     const K7ChartRect a = any(), b = any();
     K7ChartRect both = a, swapped = b;
     both.BoundingUnion(both, b);
     swapped.BoundingUnion(swapped, a);
-    EXPECT_TRUE(both == swapped);
+    EXPECT_EQ(both, swapped);
     const auto holdsBoth = [&](const K7ChartRect& r) {
-      for (double lon = -180; lon <= 180; lon += 5) {
-        for (const K7ChartRect* part : {&a, &b}) {
+      for (double lon = -180; lon <= 180; lon += 5)
+        for (const K7ChartRect* part : {&a, &b})
           if (!part->IsEmpty() && part->PtIn(part->North(), lon) && !r.PtIn(part->North(), lon)) return false;
-        }
-      }
       return true;
     };
     EXPECT_TRUE(holdsBoth(both)) << i;
     EXPECT_EQ(both.North(), std::max(a.North(), b.North()));
     EXPECT_EQ(both.South(), std::min(a.South(), b.South()));
     if (a.IsEmpty() || b.IsEmpty()) {
-      EXPECT_TRUE(both == (a.IsEmpty() ? b : a));
+      EXPECT_EQ(both, a.IsEmpty() ? b : a);
       continue;
     }
     double narrowest = 360;
-    for (const double east : {a.East(), b.East(), 180.0}) {
-      for (const double west : {a.West(), b.West(), -180.0}) {
-        if (holdsBoth({90, -90, east, west})) narrowest = std::min(narrowest, width(east, west));
-      }
-    }
-    EXPECT_EQ(width(both.East(), both.West()), narrowest) << i;
+    for (const double east : {a.East(), b.East(), 180.0})
+      for (const double west : {a.West(), b.West(), -180.0})
+        if (const K7ChartRect r(90, -90, east, west); holdsBoth(r)) narrowest = std::min(narrowest, Width(r));
+    EXPECT_EQ(Width(both), narrowest) << i;
   }
 }
 
@@ -136,14 +127,13 @@ TEST(ChartRect, CentreLiesHalfWayBetweenTheEdges) {
   std::mt19937 random(14);
   for (int i = 0; i < 300; ++i) {
     const K7ChartRect r = RandomRect(random);
+    SCOPED_TRACE(testing::Message() << r.East() << ' ' << r.West());
     double lat, lon;
     r.Center(lat, lon);
     EXPECT_EQ(r.North() - lat, lat - r.South());
     EXPECT_LE(std::fabs(lon), 180);
-    const double toEast = std::remainder(r.East() - lon, 360.0),
-                 toWest = std::remainder(r.West() - lon, 360.0);
-    EXPECT_EQ(toEast, -toWest) << r.East() << ' ' << r.West();
-    EXPECT_TRUE(OnArc(lon, r.East(), r.West())) << r.East() << ' ' << r.West();
+    EXPECT_EQ(std::remainder(r.East() - lon, 360), -std::remainder(r.West() - lon, 360));
+    EXPECT_TRUE(OnArc(lon, r.East(), r.West()));
   }
 }
 
@@ -151,40 +141,42 @@ TEST(ChartRect, SpecialRectangles) {
   const K7ChartRect world(90, -90, 180, -180), pacific(10, 0, -170, 170), alps(48, 45, 12, 6);
   K7ChartRect r;
   EXPECT_TRUE(r.Intersect(world, pacific));
-  EXPECT_TRUE(r == pacific);
-  EXPECT_FALSE(r.Intersect(alps, K7ChartRect(48, 45, 30, 20)));
-  EXPECT_TRUE(r == K7ChartRect());
-  r = alps;
-  EXPECT_FALSE(r.Intersect(alps, pacific));  // only the latitudes are settled by then
-  EXPECT_TRUE(r == K7ChartRect(10, 45, 12, 6));
-
+  EXPECT_EQ(r, pacific);
   EXPECT_TRUE(r.Intersect(alps, world));
-  EXPECT_TRUE(r == alps);
+  EXPECT_EQ(r, alps);
+  EXPECT_FALSE(r.Intersect(alps, pacific));  // only the latitudes are settled by then
+  EXPECT_EQ(r, K7ChartRect(10, 45, 12, 6));
+  EXPECT_FALSE(r.Intersect(alps, K7ChartRect(48, 45, 30, 20)));
+  EXPECT_EQ(r, K7ChartRect());
   EXPECT_TRUE(world.IsEntireWorld());
   EXPECT_FALSE(K7ChartRect(90, -90, 180, -179.999).IsEntireWorld());
 
   double lat, lon;
   pacific.Center(lat, lon);
   EXPECT_EQ(lon, -180);
-  r.Init(10, -80, 170, -175);
-  r.Expand(20, 10.5);
-  EXPECT_TRUE(r == K7ChartRect(30, -90, 180, -180));
-  r = pacific;
-  r.Expand(1, 15);
-  EXPECT_TRUE(r == K7ChartRect(11, -1, -155, 155));
-  r = alps;
-  r.Expand(50, 1);
-  EXPECT_TRUE(r == K7ChartRect(90, -5, 13, 5));
+  const struct {
+    K7ChartRect before;
+    double dLat, dLon;
+    K7ChartRect after;
+  } expansions[] = {{{10, -80, 170, -175}, 20, 10.5, {30, -90, 180, -180}},
+                    {{10, -80, -179, 179}, 1, -400, {11, -81, -180, 180}},
+                    {pacific, 1, 15, {11, -1, -155, 155}},
+                    {alps, 50, 1, {90, -5, 13, 5}}};
+  for (auto [rect, dLat, dLon, after] : expansions) {
+    rect.Expand(dLat, dLon);
+    EXPECT_EQ(rect, after);
+  }
   r = pacific;
   r.Union(alps, r);
   EXPECT_TRUE(r.PtIn(10, -170) && r.PtIn(0, 170) && r.PtIn(48, 12));
+  (r = alps) |= pacific;
+  EXPECT_TRUE(r.PtIn(10, -170) && r.PtIn(0, 170) && r.PtIn(48, 12));
 
-  const double nan = std::nan("");
-  EXPECT_FALSE(alps.PtIn(nan, 8) || pacific.PtIn(5, nan) || pacific.AreaIn(nan, nan, 175, 172));
+  EXPECT_FALSE(alps.PtIn(NAN, 8) || pacific.PtIn(5, NAN) || pacific.AreaIn(NAN, NAN, 175, 172));
   r.Empty();
-  for (double lonOrNan : {nan, 8.0, nan}) r.Include(46, lonOrNan);
-  r.Include(nan, 9);
-  EXPECT_TRUE(r == K7ChartRect(46, 46, 8, 8));
+  for (double lonOrNan : {NAN, 8.0, NAN}) r.Include(46, lonOrNan);
+  r.Include(NAN, 9);
+  EXPECT_EQ(r, K7ChartRect(46, 46, 8, 8));
 }
 
 TEST(ChartRect, ReadsFourFloats) {
@@ -195,10 +187,10 @@ TEST(ChartRect, ReadsFourFloats) {
   io.Put("cut", Bytes(first, first + 20));
   K7ChartRect r(1, 2, 3, 4);
   EXPECT_EQ(r.Read(std::unique_ptr<K7File>(io.CreateFileX("whole", "rb")).get()), 8);
-  EXPECT_TRUE(r == K7ChartRect(48.5, 45.25, 12, 6));
+  EXPECT_EQ(r, K7ChartRect(48.5, 45.25, 12, 6));
   r.Init(1, 2, 3, 4);
   EXPECT_LT(r.Read(std::unique_ptr<K7File>(io.CreateFileX("cut", "rb")).get()), 8);
-  EXPECT_TRUE(r == K7ChartRect(48.5, 45.25, 3, 4));
+  EXPECT_EQ(r, K7ChartRect(48.5, 45.25, 3, 4));
   EXPECT_EQ(r.Read(nullptr), K7_ERR_BAD_ARGUMENT);
 }
 
