@@ -1,4 +1,5 @@
 // The calls for many positions against the calls for one, which are held to other programs' figures.
+#include <k7/geodesy/constants.h>
 #include <k7/projection.h>
 
 #include <gtest/gtest.h>

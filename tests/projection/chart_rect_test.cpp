@@ -89,9 +89,9 @@ TEST(ChartRect, GrowsByTheShorterWay) {
 
 TEST(ChartRect, BoundingUnionHoldsBothAndNoMoreThanItMust) {
   std::mt19937 random(13);
-  const K7ChartRect world(90, -90, 180, -180), east(20, 10, 180, 170), west(20, 10, -170, -180);
+  const K7ChartRect world(90, -90, 180, -180), eastern(20, 10, 180, 170), western(20, 10, -170, -180);
   const K7ChartRect seamEast(0, 0, 180, 180), seamWest(0, 0, -180, -180), inverse(5, -5, -180, 180);
-  const K7ChartRect edges[] = {{}, world, east, west, seamEast, seamWest, inverse};
+  const K7ChartRect edges[] = {{}, world, eastern, western, seamEast, seamWest, inverse};
   const auto any = [&] {
     const size_t i = random() % 20;
     return i < std::size(edges) ? edges[i] : RandomRect(random);
@@ -174,7 +174,7 @@ TEST(ChartRect, SpecialRectangles) {
 
   EXPECT_FALSE(alps.PtIn(NAN, 8) || pacific.PtIn(5, NAN) || pacific.AreaIn(NAN, NAN, 175, 172));
   r.Empty();
-  for (double lonOrNan : {NAN, 8.0, NAN}) r.Include(46, lonOrNan);
+  for (double lonOrNan : {std::nan(""), 8.0, std::nan("")}) r.Include(46, lonOrNan);
   r.Include(NAN, 9);
   EXPECT_EQ(r, K7ChartRect(46, 46, 8, 8));
 }

@@ -105,6 +105,19 @@ class DrawnMap : public testing::TestWithParam<Case> {
     return false;
   }
 
+  // Places from 0 to 1 along a line that are seen and not drawn.
+  template <class Place>
+  int Missed(Place placeAt, double tolerance) {
+    int missed = 0;
+    for (int i = 0; i <= 200; ++i) {
+      const K7LatLon place = placeAt(i / 200.0);
+      double x, y;
+      if (!view->ToDevice(place.Lat(), place.Lon(), x, y) || Squeezed(x, y, place)) continue;
+      missed += !(recorder.Distance(x, y) < tolerance);
+    }
+    return missed;
+  }
+
   PathRecorder recorder;
   std::unique_ptr<K7Projection> projection;
   std::unique_ptr<K7MapView> view;
@@ -170,19 +183,18 @@ TEST_P(DrawnMap, ZigzagsAreDrawnWhole) {
   const double size = std::clamp(view->NMPerPixel() * WIDTH / 60, 0.1, 20.0);
   Ring line;
   for (int i = 0; i < 12; ++i) line.emplace_back(lat + (i % 2 ? size : -size), lon + size * (i - 6) / 4);
+  line.push_back(line.front());
   recorder.Clear();
-  const int count = K7MapPath(*view).Line(&recorder, line.data(), 12);
+  const int count = K7MapPath(*view).Line(&recorder, line.data(), 13);
   EXPECT_EQ(count, recorder.PointCount());
-  int missed = 0;
-  for (size_t i = 1; i < line.size(); ++i)
-    for (double t = 0; t <= 1; t += 1 / 64.0) {
-      const K7LatLon place(line[i - 1].Lat() + t * (line[i].Lat() - line[i - 1].Lat()),
-                           line[i - 1].Lon() + t * (line[i].Lon() - line[i - 1].Lon()));
-      double x, y;
-      if (!view->ToDevice(place.Lat(), place.Lon(), x, y) || Squeezed(x, y, place)) continue;
-      missed += !(recorder.Distance(x, y) < 0.7);
-    }
-  EXPECT_EQ(missed, 0);
+  for (size_t i = 1; i < line.size(); ++i) {
+    const K7LatLon& a = line[i - 1];
+    const K7LatLon& b = line[i];
+    const auto at = [&](double t) {
+      return K7LatLon(a.Lat() + t * (b.Lat() - a.Lat()), a.Lon() + t * (b.Lon() - a.Lon()));
+    };
+    EXPECT_EQ(Missed(at, 0.7), 0) << i;
+  }
 }
 
 TEST_P(DrawnMap, LinesStayOnTheirParallel) {
@@ -214,16 +226,13 @@ TEST_P(DrawnMap, RoutesRunAlongGreatCircles) {
     const K7LatLon route[] = {from, to};
     recorder.Clear();
     K7MapPath(*view).GreatCircle(&recorder, route, 2);
-    int missed = 0;
     const double course = from.InitCourse(to), length = from.Distance(to);
-    for (int i = 1; i < 200; ++i) {
+    const auto at = [&](double t) {
       K7LatLon place;
-      place.EndPoint(from, course, length * i / 200);
-      double x, y;
-      if (!view->ToDevice(place.Lat(), place.Lon(), x, y) || Squeezed(x, y, place)) continue;
-      missed += recorder.Distance(x, y) > 1;
-    }
-    EXPECT_EQ(missed, 0) << to.Lat() << " " << to.Lon();
+      place.EndPoint(from, course, length * t);
+      return place;
+    };
+    EXPECT_EQ(Missed(at, 1), 0) << to.Lat() << " " << to.Lon();
     // No point of it lies beyond its ends.
     for (const PathRecorder::Piece& piece : recorder.pieces)
       for (const PathRecorder::Point& p : piece.points) {
@@ -264,14 +273,6 @@ class Land : public DrawnMap {
     }
   }
 
-  void ExpectAt(bool isLand, const Ring& places) {
-    for (const K7LatLon& p : places) {
-      double x, y;
-      if (!view->ToDevice(p.Lat(), p.Lon(), x, y) || Squeezed(x, y, p)) continue;
-      EXPECT_EQ(recorder.Encloses(x, y), isLand) << p.Lat() << " " << p.Lon();
-    }
-  }
-
   static K7MapFeatures land;
 };
 K7MapFeatures Land::land;
@@ -279,32 +280,18 @@ K7MapFeatures Land::land;
 TEST_P(Land, IsLandAndSeaIsSea) {
   K7MapPath path(*view);
   for (int i = 0; i < land.Count(); ++i) path.Area(&recorder, land, i);
-  // The middles of continents, and of oceans.
-  ExpectAt(true, {{62, -110},
-                  {40, -100},
-                  {-10, -55},
-                  {5, 20},
-                  {25, 5},
-                  {55, 40},
-                  {62, 100},
-                  {35, 95},
-                  {-25, 135},
-                  {-80, 60},
-                  {-85, 100},
-                  {75, -40}});
-  ExpectAt(false, {{0, -150},
-                   {0, 178},
-                   {-40, -120},
-                   {30, -40},
-                   {-30, -15},
-                   {-25, 80},
-                   {35, 170},
-                   {85, 0},
-                   {87, 179},
-                   {-60, -100},
-                   {-60, 90},
-                   {45, -40},
-                   {-15, -110}});
+  // Latitudes and longitudes of the middles of continents, and of oceans.
+  const std::vector<double> continents = {62, -110, 40, -100, -10, -55, 5,   20, 25,  5,   55, 40,
+                                          62, 100,  35, 95,   -25, 135, -80, 60, -85, 100, 75, -40};
+  const std::vector<double> oceans = {0,   -150, 0, 178, -40, -120, 30,   -40, -30, -15, -25, 80,  35,
+                                      170, 85,   0, 87,  179, -60,  -100, -60, 90,  45,  -40, -15, -110};
+  for (const auto& places : {continents, oceans})
+    for (size_t i = 0; i < places.size(); i += 2) {
+      const K7LatLon p(places[i], places[i + 1]);
+      double x, y;
+      if (!view->ToDevice(p.Lat(), p.Lon(), x, y) || Squeezed(x, y, p)) continue;
+      EXPECT_EQ(recorder.Encloses(x, y), places == continents) << p.Lat() << " " << p.Lon();
+    }
 }
 
 // A coast is drawn where the area's edge is, and not where the data were cut.

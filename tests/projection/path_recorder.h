@@ -46,7 +46,7 @@ class PathRecorder : public K7GrfxK7 {
     return static_cast<int>(count);
   }
   /// How far a point lies outside a window, in pixels.
-  double Beyond(int width, int height) const {
+  double Beyond(double width, double height) const {
     double most = 0;
     for (const Piece& piece : pieces)
       for (const Point& p : piece.points)
