@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -39,14 +40,14 @@ TEST(Threads, DrawAndPickThroughOneView) {
   };
   const std::vector<double> alone = draw();
   ASSERT_GT(alone.size(), 200u);
-  int wrong[3] = {};
+  std::atomic<int> wrong = 0;
   std::vector<std::thread> threads;
-  for (int& count : wrong)
+  for (int thread = 0; thread < 3; ++thread)
     threads.emplace_back([&] {
-      for (int i = 0; i < 50; ++i) count += draw() != alone;
+      for (int i = 0; i < 50; ++i) wrong += draw() != alone;
     });
   for (std::thread& thread : threads) thread.join();
-  for (const int count : wrong) EXPECT_EQ(count, 0);
+  EXPECT_EQ(wrong, 0);
 }
 
 }  // namespace
