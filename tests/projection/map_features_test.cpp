@@ -115,13 +115,16 @@ TEST(MapFeatures, HalvesThatWereCutBeside180MeetThere) {
   K7MercatorProjection projection;
   K7MapView view(&projection, 400, 300);
   ASSERT_EQ(view.LookAt(-16.9, 180, 1), 0);
-  // Without a gap between them, neither runs on by more than a pixel, and their cut is no coast.
+  // They overlap on the seam, neither runs on by more than a pixel, and their cut is no coast.
   K7MapPath path(view);
   const struct {
     double lon;
     bool east, west;
-  } places[] = {
-      {179.9995, true, false}, {179.9997, true, false}, {-179.9997, false, true}, {-179.9995, false, true}};
+  } places[] = {{179.9995, true, false},
+                {179.9997, true, false},
+                {180, true, true},
+                {-179.9997, false, true},
+                {-179.9995, false, true}};
   for (const auto& [lon, east, west] : places) {
     double dx = 0, dy = 0;
     ASSERT_TRUE(view.ToDevice(-16.9, lon, dx, dy));

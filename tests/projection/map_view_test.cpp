@@ -230,6 +230,9 @@ TEST(MapView, ACylinderStretchesEastByTheSecant) {
     const bool found = tiny.Scale(0, 0, north, east);
     none += !found;
     EXPECT_TRUE(!found || std::isfinite(north + east)) << zoom;
+    double angle = 0;
+    tiny.TrueNorth(0, 0, angle);
+    EXPECT_EQ(angle, 0) << zoom;
   }
   EXPECT_GT(none, 0);
 }
@@ -282,6 +285,13 @@ TEST(MapView, WhatGivesNoPictureIsRefusedAndShowsNothing) {
                                 static_cast<K7Projection*>(&inner)})
       EXPECT_EQ(refused(wrong, 40, 0, 100), K7_ERR_PROJECTION_RANGE) << parallel;
   }
+  // Eyes in the ground, cameras that look up or tip over, and what no angle of a picture is.
+  for (const auto& [parameter, value] : {std::pair{0, 0.5}, {3, 80.0}, {3, -91.0}, {4, 0.0}, {4, 90.0}}) {
+    K7PerspectiveProjection eye(4);
+    eye.ParamValue(parameter, value);
+    eye.SetClipPlanes();
+    EXPECT_EQ(refused(&eye, 40, 0, 0), K7_ERR_PROJECTION_RANGE) << parameter << " " << value;
+  }
   K7MapView view(&mercator, 100, 100);
   K7MapPath early(view);
   PathRecorder recorder;
@@ -291,6 +301,9 @@ TEST(MapView, WhatGivesNoPictureIsRefusedAndShowsNothing) {
   EXPECT_EQ(view.LookAtZoom(0, 0, 0), K7_ERR_PROJECTION_RANGE);
   EXPECT_EQ(view.LookAtZoom(0, 0, 1), K7_OK);
   EXPECT_EQ(view.LookAtZoom(91, 0, 1), K7_ERR_BAD_ARGUMENT);
+  EXPECT_FALSE(view.IsSet());
+  EXPECT_EQ(view.LookAtZoom(0, 0, 1), K7_OK);
+  EXPECT_EQ(view.LookAt(0, 0, -1), K7_ERR_BAD_ARGUMENT);
   EXPECT_FALSE(view.IsSet());
   EXPECT_EQ(view.LookAtZoom(0, 0, 1), K7_OK);
   // A path that has not taken up what the view looks at.
