@@ -156,7 +156,11 @@ TEST(MatrixStack, ModesHaveTheirOwnDepths) {
     EXPECT_EQ(stack.MatrixMode(static_cast<K7MatrixMode>(mode)), K7_ERR_OUT_OF_RANGE);
   EXPECT_EQ(stack.Scale(1, 2, 3), K7_OK);  // the texture stack is still the current one
   EXPECT_EQ(stack.MatrixMode(static_cast<K7MatrixMode>(5)), K7_OK);
-  for (const int code : {stack.PushMatrix(), stack.PopMatrix(), stack.Identity(), stack.Translate(0, 0, 1)})
+  double v[] = {0, 0, 1};
+  for (const int code :
+       {stack.PushMatrix(), stack.PopMatrix(), stack.Identity(), stack.Translate(0, 0, 1),
+        stack.Scale(1, 2, 3), stack.Rotate(1, 0, 0, 1), stack.Ortho(0, 1, 0, 1, 0, 1),
+        stack.Frustum(0, 1, 0, 1, 1, 2), stack.Perspective(45, 1, 1, 2), stack.LookAt(v, v, v)})
     EXPECT_EQ(code, K7_ERR_OUT_OF_RANGE);
   EXPECT_EQ(stack.Translate(0, 0, 0), K7_OK);
 }
@@ -169,7 +173,9 @@ TEST(MatrixStack, CombinesProjectionAndModelView) {
   stack.Rotate(30, 1, 1, 0);
   double eye[] = {1, 2, 3}, centre[] = {0, 0, 0}, up[] = {0, 1, 0};
   EXPECT_EQ(stack.LookAt(eye, centre, up), K7_OK);
-  EXPECT_EQ(stack.LookAt(eye, centre, nullptr), K7_ERR_OUT_OF_RANGE);
+  for (const int code : {stack.LookAt(nullptr, centre, up), stack.LookAt(eye, nullptr, up),
+                         stack.LookAt(eye, centre, nullptr)})
+    EXPECT_EQ(code, K7_ERR_OUT_OF_RANGE);
   stack.MatrixMode(K7_MATRIX_PROJECTION);
   stack.Ortho(-1, 3, -1, 1, 0, 5);
   stack.GetTextureMatrix(both);

@@ -17,10 +17,10 @@ TEST(Threads, DrawAndPickThroughOneView) {
   K7MapView view(projection.get(), 300, 200);
   ASSERT_EQ(view.LookAt(40, 10, 3000), 0);
   K7MapFeatures features;
-  for (int n : {5, 60, 300}) {
-    std::vector<K7LatLon> ring(static_cast<size_t>(n));
-    for (int i = 0; i < n; ++i) ring[static_cast<size_t>(i)].EndPoint({50, 20}, 360.0 * i / n, 500.0 + 8 * n);
-    features.Add(K7_MAP_AREA, ring.data(), &n, 1);
+  for (const int n : {5, 60, 300}) {
+    K7LatLon ring[300];
+    for (int i = 0; i < n; ++i) ring[i].EndPoint({50, 20}, 360.0 * i / n, 500.0 + 8 * n);
+    features.Add(K7_MAP_AREA, ring, &n, 1);
   }
   const auto draw = [&] {
     PathRecorder recorder;
@@ -34,7 +34,8 @@ TEST(Threads, DrawAndPickThroughOneView) {
       view.FromDevice(x, 100, lat, lon);
       view.Scale(lat, lon, north, east);
       view.TrueNorth(lat, lon, angle);
-      numbers.insert(numbers.end(), {lat, lon, north, east, angle, view.GetExtent().North()});
+      const double inside = features.Contains(2, lat, lon);
+      numbers.insert(numbers.end(), {lat, lon, north, east, angle, inside, view.GetExtent().North()});
     }
     return numbers;
   };
