@@ -256,24 +256,11 @@ bool k7os::IsLink(const char* path) {
 bool k7os::DeleteFile(const char* path) { return unlink(path) == 0; }
 
 bool k7os::FollowLinks(const char* path, K7String& target) {
-  static const int MAX_LINKS = 40;
   const NativePath native(path);
   if (!native.Text()) return false;
-  if (char* const real = realpath(native.Text(), nullptr)) {
-    const bool made = target.Create(real) >= 0;
-    std::free(real);
-    return made;
-  }
-  // A link to what is not there yet is followed by hand.
-  bool made = target.Create(native.Text()) >= 0;
-  char next[4096];
-  ssize_t n;
-  for (int i = 0; made && i < MAX_LINKS && (n = readlink(target, next, sizeof next - 1)) > 0; ++i) {
-    next[n] = 0;
-    const int slash = next[0] == '/' ? -1 : target.ReverseFind('/');
-    K7String folder;
-    made = folder.Copy(target, slash + 1) >= 0 && (folder += next) == 0 && target.Create(folder) >= 0;
-  }
+  char* const real = realpath(native.Text(), nullptr);
+  const bool made = target.Create(real ? real : native.Text()) >= 0;
+  std::free(real);
   return made;
 }
 

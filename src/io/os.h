@@ -50,8 +50,8 @@ bool IsReadable(const char* path);
 /// memory.
 bool IsLink(const char* path);
 bool DeleteFile(const char* path);
-/// The file that `path` leads to through links, be it there or yet to be made; the path itself where there is
-/// no link. False without memory.
+/// The file that `path` leads to through links; the path itself where that is not there. False without
+/// memory.
 bool FollowLinks(const char* path, K7String& target);
 /// Nobody loses by `fresh`, an open new file of no bytes, taking the place of `to`, which is no link: there
 /// is no file, or a plain one that this process may write, under one name, and of the same owner. `fresh` has

@@ -3,22 +3,20 @@
 #include <k7/io/io_native.h>
 #include <k7/io/xml_elem.h>
 
+#include "support/disk_file.h"
 #include "support/mem_io.h"
-#include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <memory>
 #include <thread>
-#include <vector>
+#include <tuple>
 
 namespace {
 
@@ -186,30 +184,6 @@ TEST(Xml, AttributesAreKeptAsTheyAreSet) {
   EXPECT_FALSE(copy->GetAttribByIndex(-1, name, value));
 }
 
-// Clean under the thread sanitizer: what is read is never made on first use.
-TEST(Xml, ThreadsReadOneTree) {
-  const std::string text = "<a>" + Repeat("<b c=\"1\" d=\"&lt;2\">t</b>", 100) + "</a>";
-  K7XmlElem root;
-  ASSERT_NE(root.Parse(text.c_str()), nullptr);
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&root] {
-      int sum = 0;
-      K7String name, value;
-      for (const K7XmlElem* b = root.FirstChild(); b; b = b->NextSibling()) {
-        sum += b->NumAttribs();
-        EXPECT_TRUE(b->GetAttribByIndex(1, name, value) && name == "d" && value == "<2");
-        EXPECT_STREQ(b->AttribValue("c"), "1");
-        const std::unique_ptr<K7XmlElem> copy(b->Clone());
-        EXPECT_TRUE(copy->Attrib("d", value) && value == "<2");
-      }
-      EXPECT_EQ(sum, 200);
-      EXPECT_EQ(root.ChildText("none"), "");
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-}
-
 // A million levels, siblings and attributes, broken-off comments and quotes: linear, whatever the input.
 TEST(Xml, SizeOfTheInputCostsNeitherStackNorSquares) {
   const int million = 1000000;
@@ -327,119 +301,110 @@ TEST(Xml, HostsServicesOpenTheNamedFileAlone) {
   EXPECT_EQ(io.Get("o.xml.tmp").size(), 10u);
 }
 
-std::string FileText(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
 // A folder of the test's own, and the native services.
 class XmlFile : public testing::Test {
  protected:
-  int Write(const fs::path& path) const { return m_tree.WriteFile(path.c_str()); }
-  std::ptrdiff_t Names() const { return std::distance(fs::directory_iterator(m_dir), {}); }
+  int Write(const std::string& path) const { return m_tree.WriteFile(path.c_str()); }
+  std::ptrdiff_t Names() const { return std::distance(fs::directory_iterator(m_dir.Path()), {}); }
 
   K7IOK7 m_io;
   ScopedIO m_scope{&m_io};
-  TempDir m_temp;
-  const fs::path m_dir = m_temp.Path();
+  TempDir m_dir;
   K7XmlElem m_tree{"New", "100% sure"};
   const std::string m_text = "<?xml version=\"1.0\" encoding=\"windows-1252\"?>\n<New>100% sure</New>\n";
 };
 
 TEST_F(XmlFile, IsReplacedBehindItsLink) {
   // On another file system than the link, where there is one.
-  const fs::path other = fs::is_directory("/dev/shm") ? "/dev/shm" : m_dir;
-  const fs::path real = other / (m_dir.filename().string() + ".xml");
-  std::ofstream(real) << "old";
-  const fs::perms mine = fs::perms::owner_read | fs::perms::owner_write;
-  fs::permissions(real, mine);
-  fs::create_symlink(real, m_dir / "o.xml");
-  std::ofstream(real.string() + ".tmp") << "the user's";
+  const TempDir other(fs::is_directory("/dev/shm") ? "/dev/shm" : fs::temp_directory_path());
+  const std::string real = other / "real.xml", link = m_dir / "o.xml";
+  PutFile(real, "old");
+  fs::permissions(real, static_cast<fs::perms>(0640));
+  fs::create_symlink(real, link);
+  PutFile(real + ".tmp", "the user's");
   std::ifstream reader(real);  // still sees the file that it opened
-  EXPECT_EQ(Write(m_dir / "o.xml"), 0);
-  EXPECT_TRUE(fs::is_symlink(m_dir / "o.xml"));
-  EXPECT_EQ(FileText(real), m_text);
-  EXPECT_EQ(fs::status(real).permissions(), mine);
-  EXPECT_EQ(FileText(real.string() + ".tmp"), "the user's");
+  EXPECT_EQ(Write(link), 0);
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(GetFile(real), m_text);
+  EXPECT_EQ(fs::status(real).permissions(), static_cast<fs::perms>(0640));
+  EXPECT_EQ(GetFile(real + ".tmp"), "the user's");
   std::string before;
-  EXPECT_TRUE(reader >> before && before == "old");
+  reader >> before;
+  EXPECT_EQ(before, "old");
   EXPECT_EQ(Names(), 1);
-  fs::remove(real);
-  fs::remove(real.string() + ".tmp");
 }
 
 TEST_F(XmlFile, IsWrittenItselfWhereNoOtherMayTakeItsPlace) {
-  // A second name, and a link that leads to no file yet.
-  std::ofstream(m_dir / "one.xml") << "old";
+  // A second name, and a chain of links that leads to no file yet.
+  PutFile(m_dir / "one.xml", "old");
   fs::create_hard_link(m_dir / "one.xml", m_dir / "two.xml");
   EXPECT_EQ(Write(m_dir / "two.xml"), 0);
-  EXPECT_EQ(FileText(m_dir / "one.xml"), m_text);
-  fs::create_symlink("later.xml", m_dir / "link.xml");
-  EXPECT_EQ(Write(m_dir / "link.xml"), 0);
-  EXPECT_TRUE(fs::is_symlink(m_dir / "link.xml"));
-  EXPECT_EQ(FileText(m_dir / "later.xml"), m_text);
+  EXPECT_EQ(GetFile(m_dir / "one.xml"), m_text);
+  const std::string later = m_dir / "sub/later.xml";
+  fs::create_directory(m_dir / "sub");
+  fs::create_symlink("later.xml", m_dir / "sub/second");
+  fs::create_symlink("sub/second", m_dir / "first");
+  EXPECT_EQ(Write(m_dir / "first"), 0);
+  EXPECT_TRUE(fs::is_symlink(m_dir / "first"));
+  EXPECT_EQ(GetFile(later), m_text);
 
   // Another owner, whom only root can make.
-  if (chown((m_dir / "later.xml").c_str(), 12345, 12345) == 0) {
-    EXPECT_EQ(Write(m_dir / "later.xml"), 0);
-    struct stat info;
-    ASSERT_EQ(stat((m_dir / "later.xml").c_str(), &info), 0);
+  if (chown(later.c_str(), 12345, 12345) == 0) {
+    PutFile(later, "old");
+    EXPECT_EQ(Write(later), 0);
+    struct stat info {};
+    EXPECT_EQ(stat(later.c_str(), &info), 0);
     EXPECT_EQ(info.st_uid, 12345u);
-    EXPECT_EQ(FileText(m_dir / "later.xml"), m_text);
+    EXPECT_EQ(GetFile(later), m_text);
   }
   // A pipe takes the text; nothing is made of it.
-  const fs::path pipe = m_dir / "pipe";
+  const std::string pipe = m_dir / "pipe";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   std::string piped;
-  std::thread reader([&] { piped = FileText(pipe); });
+  std::thread reader([&] { piped = GetFile(pipe); });
   EXPECT_EQ(Write(pipe), 0);
   reader.join();
   EXPECT_EQ(piped, m_text);
   EXPECT_TRUE(fs::is_fifo(pipe));
-  EXPECT_EQ(Names(), 5);
 
+  fs::create_symlink("loop", m_dir / "loop");
+  for (const std::string& path : {m_dir / "loop", m_dir / "none/o.xml", m_dir.Path()})
+    EXPECT_EQ(Write(path), K7_ERR_FILE_IO) << path;
   EXPECT_EQ(m_tree.WriteFile(nullptr), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(Write(m_dir / "none" / "o.xml"), K7_ERR_FILE_IO);
-  EXPECT_EQ(Write(m_dir), K7_ERR_FILE_IO);
-  EXPECT_EQ(K7XmlElem().ParseFile(m_dir.c_str()), K7_ERR_FILE_IO);
-}
-
-// True when `act` in a process of its own gives `expected`.
-bool GivesApart(int expected, const std::function<int()>& act) {
-  const pid_t child = fork();
-  if (child == 0) _exit(act() == expected ? 0 : 1);
-  int status = 1;
-  return waitpid(child, &status, 0) == child && status == 0;
+  EXPECT_EQ(K7XmlElem().ParseFile(m_dir.Path().c_str()), K7_ERR_FILE_IO);
+  EXPECT_EQ(Names(), 6);
 }
 
 TEST_F(XmlFile, ClosedFoldersAndProtectedFiles) {
-  const fs::path open = m_dir / "open.xml", closed = m_dir / "closed.xml";
-  std::ofstream(open) << "old";
-  std::ofstream(closed) << "old";
-  fs::permissions(open, static_cast<fs::perms>(0666));
-  fs::permissions(closed, static_cast<fs::perms>(0444));
-  fs::permissions(m_dir, static_cast<fs::perms>(0555));
-  const auto asNobody = [&](const fs::path& path) {
-    // Root's rights would open everything.
-    return geteuid() != 0 || setuid(65534) == 0 ? Write(path) : 1;
-  };
-  EXPECT_TRUE(GivesApart(0, [&] { return asNobody(open); }));
-  EXPECT_EQ(FileText(open), m_text);
-  fs::permissions(m_dir, static_cast<fs::perms>(0777));
-  EXPECT_TRUE(GivesApart(K7_ERR_FILE_IO, [&] { return asNobody(closed); }));
-  EXPECT_EQ(FileText(closed), "old");
-  EXPECT_EQ(Names(), 2);
+  // Mode of the folder and of the file in it, and what writing to that gives.
+  for (const auto& [folder, file, expected] :
+       {std::tuple{0555, 0666, 0}, {0777, 0444, int{K7_ERR_FILE_IO}}}) {
+    PutFile(m_dir / "o.xml", "old");
+    fs::permissions(m_dir / "o.xml", static_cast<fs::perms>(file));
+    fs::permissions(m_dir.Path(), static_cast<fs::perms>(folder));
+    {
+      const Nobody nobody(m_dir);
+      EXPECT_EQ(Write(m_dir / "o.xml"), expected);
+    }
+    EXPECT_EQ(GetFile(m_dir / "o.xml"), expected ? "old" : m_text);
+  }
+  EXPECT_EQ(Names(), 1);
 }
 
 // Files may grow to a few bytes only: as full as a disk that fills up in the middle.
 TEST_F(XmlFile, FullDiskLeavesTheOldFile) {
-  std::ofstream(m_dir / "o.xml") << "old";
-  EXPECT_TRUE(GivesApart(K7_ERR_FILE_IO, [&] {
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{m_text.size() - 1, m_text.size() - 1};
-    return setrlimit(RLIMIT_FSIZE, &limit) == 0 ? Write(m_dir / "o.xml") : 1;
-  }));
-  EXPECT_EQ(FileText(m_dir / "o.xml"), "old");
+  PutFile(m_dir / "o.xml", "old");
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit limit{m_text.size() - 1, before.rlim_max};
+  const int limited = setrlimit(RLIMIT_FSIZE, &limit);
+  const int err = Write(m_dir / "o.xml");
+  setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(limited, 0);
+  EXPECT_EQ(err, K7_ERR_FILE_IO);
+  EXPECT_EQ(GetFile(m_dir / "o.xml"), "old");
   EXPECT_EQ(Names(), 1);
 }
 

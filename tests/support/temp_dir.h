@@ -6,8 +6,8 @@
 
 class TempDir {
  public:
-  TempDir() {
-    std::string pattern = std::filesystem::temp_directory_path() / "k7testXXXXXX";
+  explicit TempDir(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+    std::string pattern = parent / "k7testXXXXXX";
     m_path = mkdtemp(pattern.data());
   }
   ~TempDir() { std::filesystem::remove_all(m_path); }

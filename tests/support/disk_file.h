@@ -1,0 +1,36 @@
+// Whole files of the disk, read and written past the library; and a user who may not do everything.
+#pragma once
+
+#include "support/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+inline void PutFile(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+inline std::string GetFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// Root may read and write everything: for a while this process is somebody else, who may reach `dir`.
+class Nobody {
+ public:
+  explicit Nobody(const TempDir& dir) {
+    if (!Changed()) return;
+    namespace fs = std::filesystem;
+    fs::permissions(dir.Path(), fs::perms::group_exec | fs::perms::others_exec, fs::perm_options::add);
+    EXPECT_EQ(seteuid(65534), 0);
+  }
+  ~Nobody() { EXPECT_TRUE(!Changed() || seteuid(0) == 0); }
+  Nobody(const Nobody&) = delete;
+  Nobody& operator=(const Nobody&) = delete;
+  static bool Changed() { return getuid() == 0; }
+};
