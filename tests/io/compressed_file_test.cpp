@@ -56,7 +56,7 @@ std::string Letters(size_t length, int kinds) {
 
 TEST(CompressedFile, HasTheStatedBytesAndComesBackWhole) {
   // Short texts make streams whose masked ends overlap; noise takes more room than it has bytes.
-  for (const size_t length : {1u, 2u, 3u, 9u, 10u, 255u, 256u, 257u, 65536u, 1000000u})
+  for (const size_t length : {1u, 2u, 3u, 9u, 10u, 255u, 256u, 257u, 65536u, 200000u})
     for (const int kinds : {1, 4, 255}) {
       const std::string text = Letters(length, kinds);
       EXPECT_TRUE(Compress(text) == CompressByHand(text)) << length;

@@ -8,8 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <atomic>
 #include <barrier>
+#include <chrono>
 #include <cstdlib>
 #include <sstream>
 #include <thread>
@@ -46,7 +48,10 @@ int WrongWhile(int rounds, Change change, Ask ask) {
 
 struct CountedIO : MemIO {
   explicit CountedIO(std::atomic<int>& count) : deleted(count) {}
-  ~CountedIO() override { ++deleted; }
+  ~CountedIO() override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));  // for others to come upon it
+    ++deleted;
+  }
   std::atomic<int>& deleted;
 };
 
@@ -70,7 +75,7 @@ class SharedFile : public testing::Test {
 };
 
 TEST(Threads, MakeSetAndDeleteOneInstance) {
-  for (int round = 0; round < 300; ++round) {
+  for (int round = 0; round < 100; ++round) {
     K7IO* made[THREADS];
     InThreads([&](int t) { made[t] = K7IO::Inst(); });
     for (K7IO* const io : made) ASSERT_EQ(io, made[0]) << round;
@@ -100,12 +105,13 @@ std::string ReadBytes(K7File& file, int n) {
 TEST_F(SharedFile, ThreadsWriteWholeTexts) {
   constexpr int TEXTS = 500;
   K7FileK7(path.c_str(), "wb").SecureCompress(Letters(0, 400).data(), 400);
-  const std::string written[THREADS] = {Letters(0, 3001), "1%2%3%4\n", GetFile(path)};
+  const std::string written[THREADS] = {Letters(0, 3001), std::string(300, '%') + "\n", GetFile(path)};
+  const std::string line = std::string(600, '%') + "\n";
   YieldingFile file(path.c_str(), "w+b");
   InThreads([&](int t) {
     for (int i = 0; i < TEXTS; ++i)
       t == 0   ? file.Write(written[0].data(), 3001)
-      : t == 1 ? file.WriteLine("1%%2%%3%%4\n")
+      : t == 1 ? file.WriteLine(line.c_str())
                : file.SecureCompress(Letters(0, 400).data(), 400);
   });
   file.Flush();
@@ -121,18 +127,21 @@ TEST_F(SharedFile, ThreadsWriteWholeTexts) {
   EXPECT_EQ(counts, std::vector<int>(THREADS, TEXTS));
 }
 
-TEST_F(SharedFile, ThreadsReadEachNumberOnce) {
-  constexpr uint32_t COUNT = 60000;
+// From a pipe, which makes readers wait in the middle.
+TEST_F(SharedFile, ThreadsReadEachTextOnce) {
+  constexpr int COUNT = 400, SIZE = 30000;
   std::string bytes;
-  for (uint32_t i = 0; i < COUNT; ++i) bytes.append(reinterpret_cast<const char*>(&i), sizeof i);
-  PutFile(path, bytes);
+  for (int i = 0; i < COUNT; ++i) bytes += Letters(i % 26, SIZE);
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  std::thread writer([&] { PutFile(path, bytes); });
   K7FileK7 file(path.c_str(), "rb");
-  std::vector<int> seen(COUNT);  // each place by one thread alone, unless a number comes twice
-  InThreads([&](int t) {
-    uint32_t number = 0;
-    while (t ? file.Read32(&number) == 0 : file.Read(&number, 4) == 4) ++seen[std::min(number, COUNT - 1)];
+  std::atomic<int> whole{0};
+  InThreads([&](int) {
+    for (std::string text; !(text = ReadBytes(file, SIZE)).empty();)
+      whole += text == std::string(SIZE, text[0]);
   });
-  EXPECT_EQ(seen, std::vector<int>(COUNT, 1));
+  writer.join();
+  EXPECT_EQ(whole, COUNT);
 }
 
 TEST_F(SharedFile, ThreadsDecompressWholeTexts) {
