@@ -197,12 +197,14 @@ TEST_F(NativeIO, DirectoriesAreListedInPreOrderElevenLevelsDeep) {
 // Relative paths end at the working folder: what leads to it or above it is not followed.
 TEST_F(NativeIO, RelativeDirectoriesAreListed) {
   fs::create_directories(dir / "work/in/side");
+  fs::create_directories(dir / "work/i/below");
   fs::create_directory_symlink(dir.Path(), dir / "work/in/above");
+  fs::create_directory_symlink(dir / "work/i", dir / "work/in/side/to_i");  // no part of "in"
   const fs::path before = fs::current_path();
   fs::current_path(dir / "work");
   K7StrArray out;
   io.FindDirsRecur("in/", out, 0);
-  EXPECT_EQ(Texts(out), (Names{"in/above\\", "in/side\\"}));
+  EXPECT_EQ(Texts(out), (Names{"in/above\\", "in/side\\", "in/side\\to_i\\", "in/side\\to_i\\below\\"}));
   fs::current_path(before);
 }
 

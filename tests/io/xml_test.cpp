@@ -164,6 +164,7 @@ TEST(Xml, AttributesAreKeptAsTheyAreSet) {
   for (const int outside : {-1, 101}) EXPECT_FALSE(copy->GetAttribByIndex(outside, name, value));
   EXPECT_TRUE(copy->Attrib("7", value));
   EXPECT_STREQ(value, "xxxxxxx") << "the first of that name";
+  EXPECT_TRUE(copy->Attrib("30", value)) << "an empty value is one";
   EXPECT_FALSE(copy->Attrib("SELF", value));
   EXPECT_EQ(copy->AttribValue(nullptr), nullptr);
 }
