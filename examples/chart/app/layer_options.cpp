@@ -60,7 +60,8 @@ std::string Find(const std::string& name, const std::string& folder, const DataS
     return request.path.empty() ? "no data for the layer " + Quoted(name) + ": " + WhatIsThere(folder)
                                 : std::string();
   }
-  request = {ThemeItem::Other, name};
+  const LayerRow* const kind = LayerOfFile(name);
+  request = {kind ? kind->item : ThemeItem::Other, name};
   if (IsShapefile(name)) return {};
   return "unknown layer " + Quoted(name) + ": " + WhatIsThere(folder) + "; a file of your own ends in .shp";
 }

@@ -30,6 +30,11 @@ std::string UnknownOption(const VerbRow& row, const std::string& argument) {
   return "unknown option " + Quoted(name) + see;
 }
 
+// "-5,3" is a value: no option begins with a digit.
+bool IsOption(const std::string& argument) {
+  return argument.size() > 1 && argument[0] == '-' && !std::strchr("0123456789.", argument[1]);
+}
+
 std::string RunVerb(const VerbRow& row, const std::vector<std::string>& arguments) {
   const std::unique_ptr<Verb> verb = row.make();
   OptionTable options;
@@ -41,7 +46,7 @@ std::string RunVerb(const VerbRow& row, const std::vector<std::string>& argument
       std::fputs(VerbHelp(row).c_str(), stdout);
       return {};
     }
-    if (argument.empty() || argument[0] != '-')
+    if (!IsOption(argument))
       problem = verb->TakeArgument(argument);
     else
       problem = options.Has(argument) ? options.Take(arguments, i) : UnknownOption(row, argument);

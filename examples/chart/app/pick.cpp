@@ -62,11 +62,13 @@ class Pick : public Verb {
            view.FromDevice(dx, dy, lat, lon);
   }
 
-  static void Print(Chart& chart, const ChartWindow& window, const Pixel& pixel) {
+  void Print(Chart& chart, const ChartWindow& window, const Pixel& pixel) const {
     const double dx = pixel.x - window.x, dy = pixel.y - window.y;
     std::printf("%g,%g  ", pixel.x, pixel.y);
     double lat, lon;
-    if (dx < 0 || dy < 0 || dx > window.width || dy > window.height) {
+    if (pixel.x < 0 || pixel.y < 0 || pixel.x > m_sheet.width || pixel.y > m_sheet.height) {
+      std::puts("outside the picture");
+    } else if (dx < 0 || dy < 0 || dx > window.width || dy > window.height) {
       std::puts("outside the chart's frame");
     } else if (!IsDrawn(*chart.View(), dx, dy, lat, lon)) {
       std::puts("off the map");

@@ -7,17 +7,20 @@
 
 namespace {
 
-constexpr int MIN_PIXELS = 200;
 constexpr int MAX_PIXELS = 16000;
+
+std::string SizeRange(const SheetOptions& options) {
+  return "from " + std::to_string(options.smallest) + " to " + std::to_string(MAX_PIXELS);
+}
 
 std::string SetSize(const char* text, SheetOptions& options) {
   const char* const end = text + std::strlen(text);
   const auto [cross, widthError] = std::from_chars(text, end, options.width);
   const bool crossed = widthError == std::errc() && (*cross == 'x' || *cross == 'X');
   const auto [stop, heightError] = std::from_chars(crossed ? cross + 1 : end, end, options.height);
-  const auto fits = [](int pixels) { return pixels >= MIN_PIXELS && pixels <= MAX_PIXELS; };
+  const auto fits = [&](int pixels) { return pixels >= options.smallest && pixels <= MAX_PIXELS; };
   if (!crossed || heightError != std::errc() || stop != end || !fits(options.width) || !fits(options.height))
-    return "the size is WIDTHxHEIGHT in pixels from 200 to 16000, not " + Quoted(text);
+    return "the size is WIDTHxHEIGHT in pixels " + SizeRange(options) + ", not " + Quoted(text);
   return {};
 }
 
@@ -29,7 +32,8 @@ std::string SetOutput(const char* text, SheetOptions& options) {
 }
 
 constexpr OptionRow<SheetOptions> SIZE_OPTIONS[] = {
-    {"--size", "WIDTHxHEIGHT", "of the picture in pixels (default 1600x1000)", SetSize},
+    {"--size", "WIDTHxHEIGHT", "of the picture in pixels, each ", SetSize, false,
+     [](const SheetOptions& options) { return SizeRange(options) + " (default 1600x1000)"; }},
 };
 
 constexpr OptionRow<SheetOptions> OUTPUT_OPTIONS[] = {

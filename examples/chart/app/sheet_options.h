@@ -4,6 +4,7 @@
 #include "app/option_table.h"
 
 struct SheetOptions {
+  int smallest = 200;  // of width and height: less leaves no room for a chart beside its margins
   int width = 1600;
   int height = 1000;
   std::string output;

@@ -195,7 +195,7 @@ void GraticuleLayer::AddTicks(const LayerContext& context, K7MapPath& path, doub
   const double length = size * 0.35;
   for (const LineKind kind : {LineKind::Parallel, LineKind::Meridian}) {
     const GraticuleStep& step = kind == LineKind::Parallel ? m_latStep : m_lonStep;
-    if (step.lines > 1 || step.ticks == 0) continue;
+    if (step.ticks == 0) continue;
     K7MapFeatures features;
     std::vector<Line> lines;
     AddFamily(features, lines, kind, step.ticks);

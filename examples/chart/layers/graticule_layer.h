@@ -9,7 +9,8 @@
 enum class LineKind { Parallel, Meridian };
 
 /// The step, in degrees, that leaves 4 to 8 lines over a span of so many degrees, and the finer one of the
-/// ticks between them. 0 for ticks when the lines themselves are a degree or more apart.
+/// ticks between them. 0 for ticks when the lines themselves are more than a degree apart,
+/// or a second.
 struct GraticuleStep {
   double lines, ticks;
 };

@@ -3,6 +3,8 @@
 #include <k7/foundation/string.h>
 #include <k7/io/file.h>
 
+#include <cstdio>
+#include <filesystem>
 #include <iterator>
 
 namespace {
@@ -23,6 +25,16 @@ const LayerRow* FindLayer(const char* name) {
   for (const LayerRow& layer : LAYERS)
     if (K7String::IComp(name, layer.name) == 0) return &layer;
   return nullptr;
+}
+
+const LayerRow* LayerOfFile(const std::string& path) {
+  std::string name = std::filesystem::path(path).stem().string();
+  int millions = 0, prefix = 0;
+  if (std::sscanf(name.c_str(), "ne_%dm_%n", &millions, &prefix) == 1)
+    name.erase(0, static_cast<size_t>(prefix));
+  for (const LayerRow& layer : LAYERS)
+    if (K7String::IComp(name.c_str(), layer.set) == 0) return &layer;
+  return FindLayer(name.c_str());
 }
 
 const DataScale& ScaleFor(double rangeNM) {

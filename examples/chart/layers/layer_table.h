@@ -16,6 +16,9 @@ struct LayerRow {
 std::span<const LayerRow> Layers();
 /// Null when there is none of that name, regardless of case.
 const LayerRow* FindLayer(const char* name);
+/// The layer that a set of any folder is, by its name: "ne_10m_land.shp" and "Land.shp" are land. Null for
+/// another name.
+const LayerRow* LayerOfFile(const std::string& path);
 
 /// The scales at which sets are made, the coarsest first, and the range of a chart, in nautical miles, from
 /// which on a set shows all that a picture can.

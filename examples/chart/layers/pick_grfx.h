@@ -26,8 +26,9 @@ class PickGrfx : public K7GrfxK7 {
     m_encloses = false;
     m_distance = INFINITY;
   }
-  /// By the even-odd rule.
-  bool Encloses() const { return m_encloses; }
+  /// By the even-odd rule, and on the path itself: pieces of one area that meet, as at 180 degrees, leave no
+  /// gap between them.
+  bool Covers() const { return m_encloses || m_distance < ON_THE_PATH; }
   /// Pixels from the point to the path.
   double Distance() const { return m_distance; }
 
@@ -40,6 +41,8 @@ class PickGrfx : public K7GrfxK7 {
     const double t = square > 0 ? std::clamp(-(ax * (bx - ax) + ay * (by - ay)) / square, 0.0, 1.0) : 0;
     m_distance = std::min(m_distance, std::hypot(ax + t * (bx - ax), ay + t * (by - ay)));
   }
+
+  static constexpr double ON_THE_PATH = 0.01;  // pixels
 
   double m_x, m_y;
   double m_startX = 0, m_startY = 0, m_lastX = 0, m_lastY = 0;

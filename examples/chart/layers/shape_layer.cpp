@@ -158,7 +158,7 @@ void ShapeLayer::Pick(const LayerContext& context, K7MapPath& path, double dx, d
     bool hit = false;
     if (m_features.Kind(i) == K7_MAP_AREA) {
       path.Area(&picker, m_features, i);
-      hit = picker.Encloses();
+      hit = picker.Covers();
     } else {
       path.Outline(&picker, m_features, i);
       hit = picker.Distance() <= PICK_REACH * context.scale;

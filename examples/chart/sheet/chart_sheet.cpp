@@ -57,7 +57,7 @@ std::string CenterText(const K7MapView& view, const ChartRequest& request) {
 std::string DataText(const Chart& chart, const K7MapView& view) {
   const double data = chart.DataScale();
   if (data <= ScaleDenominator(view.NMPerPixel()) || view.IsTilted()) return {};
-  return "coast lines made for 1 : " + Denominator(data);
+  return "lines made for 1 : " + Denominator(data);
 }
 
 std::string Joined(const std::string& a, const std::string& b) {
