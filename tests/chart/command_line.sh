@@ -5,6 +5,8 @@ chart=$1
 # The font library keeps its tables until the process ends, which a leak check would count.
 here=$(cd "$(dirname "$0")" && pwd)
 export LSAN_OPTIONS="suppressions=$here/lsan.supp:print_suppressions=0"
+sample=$here/../../data/sample
+sample=$(cd "$sample" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
@@ -37,14 +39,108 @@ says() {  # what a line of the output must hold, then arguments
 says gallery --help
 says --projection draw --help
 says --projection help draw
+says --version -h
+says --version --help
+says --output draw --range 3 --help
 says gallery.png gallery -h
 says ne_110m_land.shp help draw
 says '^k7chart [0-9]*\.[0-9]*\.[0-9]*$' --version
-says 'rivers  *Rivers .*1:110m 1:50m  *ne_110m_rivers_lake_centerlines' layers
-says 'lakes .* no ' layers
 says '^132,559  off the map$' pick 132,559 --projection lambert --center 0,0 --range 5000 --size 301x701
-says 'Altitude (ft)  *6277693' projections
-[ "$("$chart" projections | grep -c '^[a-z]')" = 9 ] || fail "nine projections"
+says 'X,Y' pick --help
+says 'each from 200 to 16000 (default' help pick
+says 'each from 300 to 16000 (default' help gallery
+
+# Words of a help stand in lines of 80 characters, each as full as it goes.
+"$chart" help draw | awk 'length > 80 { exit 1 }
+  /^   / && last ~ /^  / { split($0, words, " "); if (length(last) + 1 + length(words[1]) <= 80) exit 1 } { last = $0 }' ||
+  fail "lines of the help"
+
+# The lists as a whole.
+lists() {  # verb; the list is the standard input
+  cat >expected.txt
+  env K7CHART_DATA="$sample" "$chart" "$1" >list.txt
+  diff expected.txt list.txt >&2 || fail "the list of $1"
+}
+lists projections <<'END'
+                            default       values
+lambert        Lambert Conformal
+    Standard Parallel 1     45            above -90 and below 90; unless set, laid through the chart
+    Standard Parallel 2     30            above -90 and below 90; unless set, laid through the chart
+mercator       Mercator
+orthographic   Orthographic
+rectangular    Rectangular
+    Standard Parallel       0             above -90 and below 90
+miller         Miller
+albers         Albers Equal-Area
+    Standard Parallel 1     45            above -90 and below 90; unless set, laid through the chart
+    Standard Parallel 2     30            above -90 and below 90; unless set, laid through the chart
+perspective    General Perspective
+    Altitude (ft)           62776939.1    from 1 to 1000000000
+    Heading                 0             from -360 to 360
+    Bank                    0             from -360 to 360
+    Pitch                   -90           from -90 to below 80
+    Field of View Y (degs)  45            above 0 and below 90
+stereographic  Stereographic
+gnomonic       Gnomonic
+END
+lists layers <<END
+Layers in $sample
+
+  layer    theme      present       sets
+  land     Land       1:110m 1:50m  ne_110m_land, ne_50m_land, ne_10m_land
+  lakes    Lakes      no            ne_110m_lakes, ne_50m_lakes, ne_10m_lakes
+  rivers   Rivers     1:110m 1:50m  ne_110m_rivers_lake_centerlines, ne_50m_rivers_lake_centerlines, ne_10m_rivers_lake_centerlines
+  borders  Borders    1:110m 1:50m  ne_110m_admin_0_boundary_lines_land, ne_50m_admin_0_boundary_lines_land, ne_10m_admin_0_boundary_lines_land
+
+1:110m serves beyond 2500 NM of range.
+1:50m serves beyond 400 NM of range.
+Where a set is missing, the next finer one is taken, or else a coarser. '--layer FILE.shp' draws any
+other set.
+END
+
+# Pixels: 1600x1000 has its window from 70,38 to 1530,910 and so its middle at 800,474. Kansas is land.
+kansas=(--center "N38 30 W98 00" --projection stereographic --layer land)
+picks() {  # pixel, its line, the line below it or nothing, then arguments
+  local pixel=$1 first=$2 second=$3 said
+  shift 3
+  said=$("$chart" pick "$pixel" "$@" 2>&1)
+  [ "$said" = "$pixel  $first${second:+$'\n'    $second}" ] || fail "said of pick $pixel $*: $said"
+}
+middle='N38 30.000 W098 00.000'
+picks 800,474 "$middle" "ne_50m_land: Land" "${kansas[@]}" --range 2500
+picks 800,474 "$middle" "ne_110m_land: Country" "${kansas[@]}" --range 2501
+picks 800,474 "$middle" "ne_110m_land: Country" "${kansas[@]}"
+picks 800,474 "$middle" "ne_50m_land: Land" "${kansas[@]}" --range=1
+picks 800,474 'N48 30.000 W123 30.000' "" --range 10 --layer rivers
+picks 800,474 'N48 30.000 W123 30.000' "" --range 10 --layer rivers --center "48.5, -123.5"
+picks 800,474 'N50 00.000 W140 00.000' "" --range 10 --layer rivers --center 50N40
+picks 800,474 'N48 30.000 E003 00.000' "" --range 10800 --layer rivers --center "n48 30 e3" --projection orthographic
+picks -5,3 "outside the picture" "" --range 10
+picks 3,-5 "outside the picture" "" --range 10
+picks 1601,3 "outside the picture" "" --range 10
+picks 3,1001 "outside the picture" "" --range 10
+for pixel in 1600,1000 0,0 69.9,474 800,37.9 1530.1,474 800,910.1; do
+  picks $pixel "outside the chart's frame" "" --range 10
+done
+for pixel in 70,38 1530,910 70,910 1530,38; do
+  "$chart" pick $pixel --range 10 | grep -q "^$pixel  N4" || fail "the frame's corner $pixel"
+done
+[ "$("$chart" pick 800,474 1,1 --range 10 --layer rivers | wc -l)" = 2 ] || fail "two pixels"
+
+# Sets by file are what their name says; folders with one scale only serve all ranges; the environment names a folder.
+mkdir coarse fine empty
+cp "$sample"/ne_110m_land.* coarse
+cp "$sample"/ne_50m_land.* fine
+for ending in shp shx dbf; do cp "$sample/ne_110m_land.$ending" "other.$ending"; cp "$sample/ne_110m_land.$ending" "LAND.$ending"; done
+picks 800,474 "$middle" "ne_110m_land: Country" "${kansas[@]}" --range 100 --data coarse
+picks 800,474 "$middle" "ne_50m_land: Land" "${kansas[@]}" --range 5000 --data fine
+K7CHART_DATA=coarse picks 800,474 "$middle" "ne_110m_land: Country" "${kansas[@]}" --range 100
+small=(--data coarse --size 400x300)
+"$chart" "${small[@]}" --output named.png
+for set in LAND coarse/ne_110m_land; do
+  "$chart" "${small[@]}" --layer $set.shp --output file.png && cmp named.png file.png || fail "$set.shp is land"
+done
+"$chart" "${small[@]}" --layer other.shp --output file.png && ! cmp -s named.png file.png || fail "other.shp is no land"
 
 # Wrong words, files and values: one line that names the culprit, not zero, and no picture, whole or half.
 refuses() {  # what the line must hold, then arguments
@@ -80,7 +176,28 @@ refuses mollweide --projection mollweide
 refuses "N95" --center "N95 W10"
 refuses "no longitude" --center "N48 30.0"
 refuses "no latitude" --center "W123 30.0"
-refuses "'0'" --range 0
+refuses "from 1 to 10800, not '0.99'" --range 0.99
+refuses "'10801'" --range 10801
+refuses "NAME=NUMBER" --param Pitch
+refuses "NAME=NUMBER" --param =3
+refuses "NAME=NUMBER" --param Pitch=3x
+refuses "unknown theme '.xml'" --theme .xml
+refuses "from 200 to 16000, not '199x200'" --size 199x200
+refuses "'200x16001'" --size 200x16001
+refuses "'200x200x'" --size 200x200x
+refuses "from 300 to 16000, not '299x300'" gallery --size 299x300
+refuses ".png, .svg or .pdf, unlike 'chart.jpg'" --output chart.jpg
+refuses "no verb 'paint'" help paint
+refuses "unexpected argument 'gallery'" help draw gallery
+refuses "pick needs at least one pixel" pick
+refuses "not '3'" pick 3
+refuses "not '3,x'" pick 3,x
+refuses "not 'x,3'" pick x,3
+refuses "unexpected argument '-5'" draw -5
+refuses "unexpected argument ''" draw ""
+refuses "no verb ''" ""
+refuses "unknown option '-x' (see k7chart pick --help)" pick -x
+refuses "has no layers" --data empty --layer land
 refuses nan --range nan
 refuses 1600 --size 1600
 refuses "has land, rivers, borders" --layer volcanoes
@@ -94,6 +211,17 @@ refuses "cannot write 'no/such/folder.png': No such file" --output no/such/folde
 refuses "cannot write '/dev/full': No space left" --output /dev/full
 refuses "Mercator" --projection mercator --center "N90 E0" --range 300
 refuses "field of view" --projection perspective --param "Pitch=-40" --range 300
+
+[ "$("$chart" layers 2>&1 >/dev/full)" = "k7chart: cannot write to the standard output: No space left on device" ] ||
+  fail "a full standard output"
+[[ $( (ulimit -f 8; "$chart" --output big.png) 2>&1) == *"cannot write 'big.png': File too large" ]] || fail "a file too large"
+for format in svg:'width="320px" height="240px"' pdf:'MediaBox [ 0 0 240 180 ]'; do
+  "$chart" --size 320x240 --range 300 --output "size.${format%%:*}" && grep -aqF "${format#*:}" "size.${format%%:*}" ||
+    fail "the size of ${format%%:*}"
+done
+"$chart" gallery --size 300x300 --output small.png || fail "the smallest gallery"
+"$chart" --size 200x200 --output small.png || fail "the smallest chart"
+"$chart" --range 300 --no-graticule --output bare.png && ! cmp -s bare.png day.png || fail "a chart without its graticule"
 
 # Parameters that give no picture are said by name, with the values that do.
 param() {  # what the line must hold, projection, parameters

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <memory>
 
 namespace {
@@ -35,17 +36,31 @@ TEST(ProjectionParams, EqualParallelsAreTheTangentCone) {
   }
 }
 
-// One that is refused is named, and every default is among the values that are said to work.
-TEST(ProjectionParams, SaidRangesHoldTheDefaults) {
+// What is said of a value is how it is taken: the defaults, and both ends of each range.
+TEST(ProjectionParams, SaidRangesAreThoseThatAreTaken) {
   for (int type = K7_PROJ_LAMBERT; type <= K7_PROJ_GNOMONIC; ++type) {
     const std::unique_ptr<K7Projection> projection(
         K7Projection::Create(static_cast<K7ProjType>(type), nullptr));
     for (int i = 0; i < projection->ParamCount(); ++i) {
-      const std::string name = projection->ParamName(i);
+      const std::string name = projection->ParamName(i), said = ParamRange(*projection, i);
       EXPECT_EQ(SetParams(*projection, {{name, projection->ParamValue(i)}}), "");
-      const std::string problem = SetParams(*projection, {{name, 1e10}});
-      EXPECT_NE(problem.find("'" + name + "' is " + ParamRange(*projection, i)), std::string::npos)
-          << problem;
+      double low = 0, high = 0;
+      ASSERT_EQ(std::sscanf(said.c_str(), "%*[a-z ]%lf%*[a-z ]%lf", &low, &high), 2) << said;
+      const struct {
+        double value;
+        bool taken;
+      } ENDS[] = {{low - 1e-3, false},
+                  {low, said.starts_with("from")},
+                  {low + 1e-3, true},
+                  {high - 1e-3, true},
+                  {high, said.find(" to ") != std::string::npos && said.find("below") == std::string::npos},
+                  {high + 1e-3, false},
+                  {1e10, false}};
+      for (const auto& end : ENDS) {
+        const std::string problem = SetParams(*projection, {{name, end.value}});
+        EXPECT_NE(problem.starts_with("'" + name + "' is " + said + ", not "), end.taken)
+            << end.value << problem;
+      }
     }
   }
 }

@@ -34,9 +34,11 @@ TEST_F(ThemeFileTest, WhatIsLeftOutIsDay) {
   Theme theme, expected;
   theme[ThemeItem::Sea].fill = {1, 2, 3, 4};
   expected[ThemeItem::Land].fill = {0xf4, 0x0b, 0xdc, 0x80};
-  expected[ThemeItem::Borders].dash = {3, 1.5, 0, 0};
+  expected[ThemeItem::Borders].dash = {200, 0.1, 0, 0};
+  expected[ThemeItem::Borders].width = 40;
   expected[ThemeItem::Rivers].maxNMPerPixel = 2.5;
-  EXPECT_EQ(Read("<Fill Group=\"Land\">#F40bDC80</Fill><Dash Group=\"Borders\">3 1.5</Dash>"
+  EXPECT_EQ(Read("<Fill Group=\"Land\">#F40bDC80</Fill><Dash Group=\"Borders\">200 0.1</Dash><Width "
+                 "Group=\"Borders\">40</Width>"
                  "<MaxNMPerPixel Group=\"Rivers\">2.5</MaxNMPerPixel>",
                  theme),
             "");
@@ -85,7 +87,10 @@ TEST_F(ThemeFileTest, SaysWhatIsWrongAndStaysAsItWas) {
       {"<Fill Group=\"Land\">#12345G</Fill>", "'#12345G'"},
       {"<Line Group=\"Land\">#+12345</Line>", "'#+12345'"},
       {"<Width Group=\"Land\">1000</Width>", "Width of Land is 0.1 to 40 pixels, not '1000'"},
-      {"<Width Group=\"Land\">-1</Width>", "'-1'"},
+      {"<Width Group=\"Land\">40.1</Width>", "'40.1'"},
+      {"<Width Group=\"Land\">0.09</Width>", "'0.09'"},
+      {"<Dash Group=\"Land\">200.5</Dash>", "'200.5'"},
+      {"<MinNMPerPixel Group=\"Land\">-1</MinNMPerPixel>", "'-1'"},
       {"<Width Group=\"Land\">nan</Width>", "'nan'"},
       {"<Width Group=\"Land\">1px</Width>", "'1px'"},
       {"<Dash Group=\"Land\"></Dash>", "not ''"},
