@@ -48,7 +48,7 @@ says '^k7chart [0-9]*\.[0-9]*\.[0-9]*$' --version
 says '^132,559  off the map$' pick 132,559 --projection lambert --center 0,0 --range 5000 --size 301x701
 says 'X,Y' pick --help
 says 'each from 200 to 16000 (default' help pick
-says 'each from 300 to 16000 (default' help gallery
+says 'each from 450 to 16000 (default' help gallery
 
 # Words of a help stand in lines of 80 characters, each as full as it goes.
 "$chart" help draw | awk 'length > 80 { exit 1 }
@@ -185,7 +185,7 @@ refuses "unknown theme '.xml'" --theme .xml
 refuses "from 200 to 16000, not '199x200'" --size 199x200
 refuses "'200x16001'" --size 200x16001
 refuses "'200x200x'" --size 200x200x
-refuses "from 300 to 16000, not '299x300'" gallery --size 299x300
+refuses "from 450 to 16000, not '449x450'" gallery --size 449x450
 refuses ".png, .svg or .pdf, unlike 'chart.jpg'" --output chart.jpg
 refuses "no verb 'paint'" help paint
 refuses "unexpected argument 'gallery'" help draw gallery
@@ -219,7 +219,7 @@ for format in svg:'width="320px" height="240px"' pdf:'MediaBox [ 0 0 240 180 ]';
   "$chart" --size 320x240 --range 300 --output "size.${format%%:*}" && grep -aqF "${format#*:}" "size.${format%%:*}" ||
     fail "the size of ${format%%:*}"
 done
-"$chart" gallery --size 300x300 --output small.png || fail "the smallest gallery"
+"$chart" gallery --size 450x450 --output small.png || fail "the smallest gallery"
 "$chart" --size 200x200 --output small.png || fail "the smallest chart"
 "$chart" --range 300 --no-graticule --output bare.png && ! cmp -s bare.png day.png || fail "a chart without its graticule"
 

@@ -30,7 +30,7 @@ class Gallery : public Verb {
   ChartRequest m_request;
   LookOptions m_look;
   LayerOptions m_layers;
-  SheetOptions m_sheet{.smallest = 300, .output = "gallery.png"};
+  SheetOptions m_sheet{.smallest = 450, .output = "gallery.png"};
 };
 
 }  // namespace
