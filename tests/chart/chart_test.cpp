@@ -7,8 +7,11 @@
 #include "support/temp_dir.h"
 
 #include <k7/foundation/error_string.h>
+#include <k7/io/io.h>
 
+#include <algorithm>
 #include <cmath>
+#include <map>
 
 namespace {
 
@@ -106,6 +109,63 @@ TEST_F(ChartTest, PictureRecordingAndPickingAgree) {
     EXPECT_GT(lands, places / 10) << type;
     cairo_destroy(cairo);
     cairo_surface_destroy(surface);
+  }
+}
+
+// Rivers are lines over the land, lakes among them broad ones under it; both are found within four pixels, by
+// the name that the attribute table has.
+TEST_F(ChartTest, RiversAndTheirLakesAreDrawnApartAndFoundByName) {
+  struct Inks : PathRecorder {
+    void LineColor(double, double, double blue, double) override { ink = std::lround(blue * 255); }
+    void LineStyle(double lineWidth, const double*, int) override { width = lineWidth; }
+    void Stroke() override {
+      strokes[{ink, width}] += !pieces.empty();
+      if (!pieces.empty()) drawn.insert(drawn.end(), pieces.begin(), pieces.end());
+      Clear();
+    }
+    long ink = 0;
+    double width = 0;
+    std::map<std::pair<long, double>, int> strokes;
+    std::vector<Piece> drawn;
+  };
+  const std::string path = K7_SAMPLE_DATA "/ne_50m_rivers_lake_centerlines.shp";
+  ShapeLayer rivers(ThemeItem::Rivers, path), other(ThemeItem::Other, path);
+  ASSERT_EQ(rivers.Load(progress), "");
+  ASSERT_EQ(other.Load(progress), "");
+  K7ShpFile file;
+  ASSERT_EQ(file.Read(path.c_str(), K7IO::Inst()), 0);
+  int lakes = 0;
+  for (int i = 0; i < file.StoredCount(); ++i)
+    lakes += std::string(file.GetRecord(i)->Text(file.FindField("featurecla"))).starts_with("Lake");
+  ASSERT_GT(lakes, 0);
+  for (ShapeLayer* const layer : {&rivers, &other}) {
+    const ThemeItem item = layer->Item();
+    const double scale = item == ThemeItem::Rivers ? 1 : 2;
+    Chart waters({layer}, theme, progress);
+    ASSERT_EQ(waters.Show({K7_PROJ_MILLER, {0, 0}, 0, {}}, 4000, 3000, scale), "");
+    EXPECT_EQ(waters.DataScale(), 50e6);
+    Inks inks;
+    ASSERT_EQ(waters.Render(&inks), 0);
+    const auto strokes = [&](ThemeItem of) {
+      return inks.strokes[{theme[of].line.blue, theme[of].width * scale}];
+    };
+    EXPECT_EQ(strokes(ThemeItem::LakeLines), item == ThemeItem::Rivers ? lakes : 0);
+    EXPECT_EQ(strokes(item), file.StoredCount() - strokes(ThemeItem::LakeLines));
+    inks.pieces = inks.drawn;
+    for (int i = 0; i < file.StoredCount(); i += 29) {
+      const K7ShpRecord& record = *file.GetRecord(i);
+      std::string expected = "ne_50m_rivers_lake_centerlines";
+      const std::string name = record.Text(file.FindField("name"));
+      expected += (name.empty() ? ": " : ": " + name + ", ") + record.Text(file.FindField("featurecla"));
+      const K7ShpXY& at = record.Obj()->Points()[record.Obj()->GetPointCount() / 2];
+      double x, y;
+      ASSERT_TRUE(waters.View()->ToDevice(at.y, at.x, x, y));
+      for (double away = 0; away < 12; away += 1.7) {
+        const std::vector<std::string> found = waters.Pick(x + away, y - away);
+        EXPECT_EQ(!found.empty(), inks.Distance(x + away, y - away) <= 4 * scale) << expected << away;
+        EXPECT_TRUE(away > 0 || std::count(found.begin(), found.end(), expected)) << expected;
+      }
+    }
   }
 }
 

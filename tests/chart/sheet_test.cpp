@@ -189,9 +189,6 @@ TEST_F(SheetTest, TheGalleryHasNineChartsInRowsOfThree) {
     EXPECT_TRUE(Has(trace.Texts(), "centre N89 00.0 E020 00.0"));
     EXPECT_TRUE(Has(trace.Texts(), "centre N80 00.0 E020 00.0"));
   }
-  DrawingTrace trace(900, 600);
-  EXPECT_EQ(DrawGallery(trace.Cairo(), {}, 300, 300, theme, chart), "");
-  EXPECT_NE(DrawGallery(trace.Cairo(), {}, 240, 300, theme, chart), "");
 }
 
 // The window in whole pixels, clipped, and two frames about it.
@@ -203,6 +200,10 @@ TEST_F(SheetTest, TheFrameStandsAroundTheWindow) {
   EXPECT_EQ(window.y, 86);
   EXPECT_EQ(window.width, 465);
   EXPECT_EQ(window.height, 277);
+  // Beside its margins a chart has at least 16 pixels each way.
+  EXPECT_EQ(DrawChart(trace.Cairo(), {0, 0, 128, 118, 10}, {}, theme, chart), "");
+  EXPECT_NE(DrawChart(trace.Cairo(), {0, 0, 127, 118, 10}, {}, theme, chart), "");
+  EXPECT_NE(DrawChart(trace.Cairo(), {0, 0, 128, 117, 10}, {}, theme, chart), "");
   const std::vector<std::string> script = trace.Lines();
   EXPECT_EQ(std::count(script.begin(), script.end(), "n 167 86 465 277 rectangle"), 2);  // clip, neat line
   EXPECT_EQ(
