@@ -99,7 +99,7 @@ int K7Array::GrowTo(int n, bool setCount) {
   return 0;
 }
 
-int K7Array::operator+=(const void* elem) { return elem ? Insert(elem, -1, 1) : K7_ERR_BAD_ARGUMENT; }
+int K7Array::operator+=(const void* elem) { return Insert(elem, -1, 1); }
 
 int K7Array::Insert(const void* elems, int pos, int n) {
   if (n < 0 || (!elems && n > 0)) return K7_ERR_BAD_ARGUMENT;

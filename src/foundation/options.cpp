@@ -117,7 +117,7 @@ int K7Options::Write(const char* path) {
 
 K7KeyValue* K7Options::GetKeyValueByIndex(int index) {
   const K7LockGuard lock(m_mutex);
-  return index >= 0 && index < m_settings.Count() ? At(m_settings, index) : nullptr;
+  return At(m_settings, index);
 }
 
 K7KeyValue* K7Options::GetKeyValueByName(const char* key, const char* group) {

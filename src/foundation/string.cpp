@@ -345,7 +345,7 @@ int K7String::operator+=(const char* s) { return std::min(Insert(Len(), s), 0); 
 
 int K7String::operator+=(char c) { return std::min(Insert(Len(), c), 0); }
 
-K7String K7String::Left(int n, int* err) const { return n <= 0 ? Mid(0, 0, err) : Mid(0, n, err); }
+K7String K7String::Left(int n, int* err) const { return Mid(0, std::max(n, 0), err); }
 
 K7String K7String::Right(int n, int* err) const {
   const int length = Len();

@@ -51,7 +51,9 @@ TEST(K7Cache, AgreesWithARestatement) {
   std::deque<Tile> tiles(40);
   for (Tile& tile : tiles) tile.size = static_cast<int>(random() % 60);
   tiles[0].size = BUDGET + 1;
-  K7Cache cache(BUDGET);
+  tiles[1].size = 0;
+  K7Cache cache;
+  cache.Init(BUDGET);
   Model model;
   for (int step = 0; step < 20000; ++step) {
     Tile& tile = tiles[random() % tiles.size()];
@@ -61,6 +63,7 @@ TEST(K7Cache, AgreesWithARestatement) {
       ASSERT_EQ(code, std::erase(model.list, &tile) ? 0 : K7_ERR_BAD_ARGUMENT);
     } else if (edit == 1) {
       ASSERT_EQ(cache.Purge(), 0);
+      ASSERT_EQ(cache.Insert(nullptr), 0);
       model.Evict(0);
     } else if (edit == 2) {
       tile.pinned = random() % 3 == 0;

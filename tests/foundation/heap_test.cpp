@@ -3,10 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <deque>
 #include <limits>
 #include <random>
 #include <set>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -14,12 +15,8 @@ struct Node : K7HeapObj {
   bool Precedes(const K7HeapObj& other) const override { return rank < static_cast<const Node&>(other).rank; }
   double HeapRank() const override { return ranked ? rank : std::numeric_limits<double>::quiet_NaN(); }
   int rank = 0;
-  size_t index = 0;
   bool ranked = false;
-  bool in = false;
 };
-
-constexpr size_t NODES = 3000;
 
 }  // namespace
 
@@ -29,41 +26,37 @@ TEST(K7Heap, AgreesWithASortedSet) {
     for (int d = 1; d <= 5; ++d) {
       // Without ranks beside the members, with them, with some: the same member must come out each time.
       K7Heap heaps[] = {{type, d}, {type, d}, {type, d}};
-      std::deque<Node> nodes[3];
-      for (auto& each : nodes) each.resize(NODES);
-      std::multiset<int> ranks;
+      std::vector<Node> nodes[3];
+      for (auto& each : nodes) each.resize(3000);
+      std::set<std::pair<int, size_t>> model;
       for (int step = 0; step < 12000; ++step) {
         // Grows past the first 1024 slots, then empties.
-        const size_t i = random() % NODES;
-        const int rank = static_cast<int>(random() % 500) - 250;
-        const bool in = nodes[0][i].in;
+        size_t i = random() % 3000;
+        const bool in = model.count({nodes[0][i].rank, i}) > 0;
         const auto edit = step < 8000 && !in ? 0 : random() % 2 + 1;
-        size_t out = NODES;
+        const int rank = static_cast<int>(random() % 500) - 250;
         for (size_t h = 0; h < 3; ++h) {
-          Node& node = nodes[h][i];
-          if (edit == 0) {
-            node.rank = rank;
-            node.index = i;
-            node.ranked = h == 1 || (h == 2 && i % 2);
-            ASSERT_EQ(heaps[h] += &node, 0);
-          } else if (edit == 1) {
-            ASSERT_EQ(heaps[h] -= &node, in);
-          } else {
-            Node* const top = static_cast<Node*>(heaps[h].PopTop());
-            ASSERT_EQ(top != nullptr, !ranks.empty());
+          if (edit == 1) {
+            ASSERT_EQ(heaps[h] -= &nodes[h][i], in);
+          } else if (edit == 2) {
+            const K7HeapObj* const top = heaps[h].PopTop();
+            ASSERT_EQ(top != nullptr, !model.empty());
             if (!top) continue;
-            ASSERT_EQ(top->rank, type == K7_HEAP_MIN ? *ranks.begin() : *ranks.rbegin()) << step;
-            if (h == 0) out = top->index;
-            ASSERT_EQ(top->index, out) << step;
-            top->in = false;
-            continue;
+            if (h == 0) i = static_cast<size_t>(static_cast<const Node*>(top) - nodes[0].data());
+            ASSERT_EQ(top, &nodes[h][i]) << step;
+            ASSERT_EQ(nodes[h][i].rank, type == K7_HEAP_MIN ? model.begin()->first : model.rbegin()->first);
           }
-          node.in = edit == 0;
         }
-        if (edit == 0) ranks.insert(rank);
-        if (edit == 1 && in) ranks.erase(ranks.find(nodes[0][i].rank));
-        if (out < NODES) ranks.erase(ranks.find(nodes[0][out].rank));
-        for (const K7Heap& heap : heaps) ASSERT_EQ(heap.Size(), static_cast<int>(ranks.size()));
+        model.erase({nodes[0][i].rank, i});
+        for (size_t h = 0; h < 3; ++h) {
+          if (edit == 0) {
+            nodes[h][i].rank = rank;
+            nodes[h][i].ranked = h == 1 || (h == 2 && i % 2);
+            ASSERT_EQ(heaps[h] += &nodes[h][i], 0);
+          }
+          ASSERT_EQ(heaps[h].Size(), static_cast<int>(model.size()) + (edit == 0));
+        }
+        if (edit == 0) model.insert({rank, i});
       }
     }
 }

@@ -22,28 +22,43 @@ struct Model {
   std::string text;
   int capacity = 0;
 
-  void Grow(size_t length) {
-    const int n = static_cast<int>(length);
-    if (n + 1 > capacity) capacity = n + 1 + std::max(n / 10, 7);
+  int Size() const { return static_cast<int>(text.size()); }
+  bool Has(int i) const { return i >= 0 && i < Size(); }
+  int Grow() {
+    if (Size() + 1 > capacity) capacity = Size() + 1 + std::max(Size() / 10, 7);
+    return Size();
   }
   int Replace(const std::string& from, const std::string& to) {
     int count = 0;
     if (from.empty() || from == to) return 0;
     for (size_t p = 0; (p = text.find(from, p)) != std::string::npos; p += to.size(), ++count) {
       text.replace(p, from.size(), to);
-      Grow(text.size());
+      Grow();
     }
     return count;
   }
-  void Trim(const std::string& set) {
+  int Insert(int at, const std::string& added) {
+    if (at == Size() || Has(at)) text.insert(static_cast<size_t>(at), added);
+    return Size();
+  }
+  int Trim(const std::string& set) {
     text.erase(0, std::min(text.find_first_not_of(set), text.size()));
-    text.erase(text.find_last_not_of(set) + 1);
+    return text.erase(text.find_last_not_of(set) + 1), 0;
+  }
+  // A negative count means the rest.
+  std::string Part(int start, int count) const {
+    return Has(start) ? text.substr(static_cast<size_t>(start), static_cast<size_t>(count)) : "";
   }
 };
 
+int Map(std::string& text, int (*change)(int)) {
+  for (char& c : text) c = static_cast<char>(change(static_cast<unsigned char>(c)));
+  return 0;
+}
+int Sign(int n) { return (n > 0) - (n < 0); }
 std::mt19937 random_bits(7);
 int Number(int below) { return static_cast<int>(random_bits() % static_cast<unsigned>(below)); }
-char Letter() { return "abc, "[Number(5)]; }
+char Letter() { return "aZz_ \xE4"[Number(6)]; }
 std::string Letters(int longest) {
   std::string s(static_cast<size_t>(Number(longest + 1)), ' ');
   for (char& c : s) c = Letter();
@@ -60,9 +75,9 @@ TEST(K7String, CapacityFollowsTheGrowthRule) {
   EXPECT_EQ(s.Alloc(100), 0);
   EXPECT_EQ(s.AllocLen(), 111);
   const char* const bytes = s;
-  EXPECT_TRUE(std::all_of(bytes + 2, bytes + 111, [](char c) { return c == 0; }));
+  EXPECT_EQ(std::string(bytes, 111), "ab" + std::string(109, '\0'));
   // Exhausted memory leaves the text and its place.
-  EXPECT_EQ(s.Alloc(INT_MAX - 1), K7_ERR_MEMORY);
+  for (const int size : {INT_MAX - 1, INT_MAX}) EXPECT_EQ(s.Alloc(size), K7_ERR_MEMORY);
   EXPECT_EQ(static_cast<const char*>(s), bytes);
   EXPECT_EQ(Text(s), "ab");
   EXPECT_EQ(K7String(s).AllocLen(), 111);
@@ -73,58 +88,82 @@ TEST(K7String, CapacityFollowsTheGrowthRule) {
   moved = K7String("y");
   EXPECT_EQ(Text(moved), "y");
   EXPECT_EQ(moved.AllocLen(), 111);
+  moved.SetChar(90, 'z');
+  moved.Clear();
+  EXPECT_EQ(std::string(moved, 111), std::string(111, '\0'));
 }
 
 TEST(K7String, EditsAgreeWithARestatement) {
-  K7String s("");
-  Model model{"", 8};
-  std::string a, b;
-  char c = 0;
-  int at = 0;
-  size_t from = 0;
-  const auto size = [&] { return static_cast<int>(model.text.size()); };
-  // Each edit on both, with its result; those that lengthen the text stand last.
-  const std::vector<std::pair<std::function<int()>, std::function<int()>>> edits = {
-      {[&] { return s.Trim(a.c_str()), 0; }, [&] { return model.Trim(a), 0; }},
-      {[&] { return s.Trim(c), 0; }, [&] { return model.Trim({c}), 0; }},
-      {[&] { return s.Delete(at, 9); },
-       [&] { return at < size() ? (model.text.erase(from, 9), size()) : size(); }},
-      {[&] { return s.Remove(c); }, [&] { return static_cast<int>(std::erase(model.text, c)); }},
-      {[&] { return s.Replace(c, '-'); }, [&] { return model.Replace({c}, "-"); }},
-      {[&] { return s.Create(b.c_str()); }, [&] { return model.text = b, 1; }},
-      {[&] { return s.Copy(b.c_str(), 4); }, [&] { return model.text = b.substr(0, 4), size(); }},
-      {[&] { return s.Replace(a.c_str(), b.c_str()); }, [&] { return model.Replace(a, b); }},
-      {[&] { return s.Insert(at, b.c_str()); }, [&] { return model.text.insert(from, b), size(); }},
-      {[&] { return s += c; }, [&] { return model.text += c, 0; }},
-      {[&] { return s += b.c_str(); }, [&] { return model.text += b, 0; }}};
-  for (int step = 0; step < 20000; ++step) {
-    a = Letters(3);
-    b = Letters(6);
-    c = Letter();
-    at = Number(size() + 1);
-    from = static_cast<size_t>(at);
-    const auto& [ours, theirs] = edits[static_cast<size_t>(Number(size() > 200 ? 7 : 11))];
-    ASSERT_EQ(ours(), theirs()) << step;
-    model.Grow(model.text.size());
-    ASSERT_EQ(Text(s), model.text) << step;
-    ASSERT_EQ(s.AllocLen(), model.capacity) << step;
-    const size_t start = std::min(from, model.text.size());
-    const int place = static_cast<int>(start);
-    ASSERT_EQ(s.Find(a.c_str(), place), static_cast<int>(model.text.find(a, start)));
-    ASSERT_EQ(s.Find(c, place), static_cast<int>(model.text.find(c, start)));
-    ASSERT_EQ(s.FindAny(a.c_str(), place), static_cast<int>(model.text.find_first_of(a, start)));
-    ASSERT_EQ(s.ReverseFind(c), static_cast<int>(model.text.rfind(c)));
-    ASSERT_EQ(Text(s.Mid(place, 5)), model.text.substr(start, 5));
-    ASSERT_EQ(Text(s.Left(place)) + Text(s.Mid(place)), model.text);
-    ASSERT_EQ(Text(s.Right(place)), model.text.substr(model.text.size() - start));
-    ASSERT_EQ(s[place], model.text.c_str()[start]);
-    ASSERT_EQ(Text(s + b.c_str() + c), model.text + b + c);
+  // From null on, for some edits or for thousands.
+  for (int round = 0; round < 56; ++round) {
+    K7String s;
+    Model model;
+    std::string a, b;
+    char c = 0;
+    int at = 0, n = 0;
+    // Each edit on both, with its result; those that lengthen the text stand last.
+    const std::pair<std::function<int()>, std::function<int()>> edits[] = {
+        {[&] { return s.Trim(a.c_str()), 0; }, [&] { return model.Trim(a); }},
+        {[&] { return s.Trim(c), 0; }, [&] { return model.Trim({c}); }},
+        {[&] { return s.MakeReverse(), 0; }, [&] { return std::ranges::reverse(model.text), 0; }},
+        {[&] { return s.MakeUpper(), 0; }, [&] { return Map(model.text, std::toupper); }},
+        {[&] { return s.MakeLower(), 0; }, [&] { return Map(model.text, std::tolower); }},
+        {[&] { return s.Delete(at, n); },
+         [&] {
+           if (n > 0 && model.Has(at)) model.text.erase(static_cast<size_t>(at), static_cast<size_t>(n));
+           return model.Size();
+         }},
+        {[&] { return s.Remove(c); }, [&] { return static_cast<int>(std::erase(model.text, c)); }},
+        {[&] { return s.Replace(c, '-'); }, [&] { return model.Replace({c}, "-"); }},
+        {[&] { return s.Create(b.c_str()); }, [&] { return model.text = b, 1; }},
+        {[&] { return s.Copy(b.c_str(), n); },
+         [&] { return model.text = b.substr(0, static_cast<size_t>(n)), model.Size(); }},
+        {[&] { return s.Replace(a.c_str(), b.c_str()); }, [&] { return model.Replace(a, b); }},
+        {[&] { return s.Insert(at, b.c_str()); }, [&] { return model.Insert(at, b); }},
+        {[&] { return s.Insert(at, c); }, [&] { return model.Insert(at, {c}); }},
+        {[&] { return s += c; }, [&] { return model.text += c, 0; }},
+        {[&] { return s += b.c_str(); }, [&] { return model.text += b, 0; }}};
+    for (int step = 0; step < 1 << round % 14; ++step) {
+      a = Letters(3);
+      b = Letters(9);
+      c = Letter();
+      at = Number(model.Size() + 3) - 1;
+      n = Number(9) - 1;
+      const auto& [ours, theirs] = edits[Number(model.Size() > 200 ? 11 : 15)];
+      ASSERT_EQ(ours(), theirs()) << step;
+      if (s.AllocLen() > 0) model.Grow();
+      ASSERT_EQ(Text(s), model.text) << step;
+      ASSERT_EQ(s.AllocLen(), model.capacity) << step;
+      const int place = std::clamp(at, 0, model.Size()), i = Number(300) - 1;
+      const size_t start = static_cast<size_t>(place);
+      const std::string key =
+          s.AllocLen() > 0 ? a : "~";  // in a null string not even the empty text is found
+      ASSERT_EQ(s.Find(key.c_str(), place), static_cast<int>(model.text.find(key, start)));
+      ASSERT_EQ(s.Find(c, place), static_cast<int>(model.text.find(c, start)));
+      ASSERT_EQ(s.FindAny(a.c_str(), place), static_cast<int>(model.text.find_first_of(a, start)));
+      ASSERT_EQ(s.ReverseFind(c), static_cast<int>(model.text.rfind(c)));
+      ASSERT_EQ(Text(s.Mid(at, n)), model.Part(at, n));
+      ASSERT_EQ(Text(s.Left(at)), model.Part(0, std::max(at, 0)));
+      ASSERT_EQ(Text(s.Right(at)), model.Part(std::max(model.Size() - std::max(at, 0), 0), -1));
+      ASSERT_EQ(s[i], model.Has(i) ? model.text[static_cast<size_t>(i)] : 0);
+      ASSERT_EQ(Text(s + b.c_str() + c), model.text + b + c);
+      // Bytes are compared without signs; with n < 0 the whole texts, to exactly -1, 0 or 1.
+      const size_t limit = n < 0 ? 99 : static_cast<size_t>(n);
+      const int order = Sign(std::strncmp(a.c_str(), b.c_str(), limit));
+      const int compared = K7String(a.c_str()).Comp(b.c_str(), n);
+      ASSERT_EQ(n < 0 ? compared : Sign(compared), order) << a << " " << b;
+      const int ignoring = Sign(K7String(a.c_str()).IComp(b.c_str(), n));
+      Map(a, std::toupper);
+      Map(b, std::toupper);
+      ASSERT_EQ(ignoring, Sign(std::strncmp(a.c_str(), b.c_str(), limit)));
+    }
   }
 }
 
 TEST(K7String, ArgumentsMayPointIntoTheTextItself) {
   K7String s("abcabc");
   const auto at = [&](int i) { return static_cast<const char*>(s) + i; };
+  EXPECT_EQ(s.Create(at(0)), 0);
   s = at(2);
   for (int i = 0; i < 5; ++i) EXPECT_EQ(s += at(0), 0);
   EXPECT_EQ(s.Len(), 4 * 32);
@@ -138,48 +177,33 @@ TEST(K7String, ArgumentsMayPointIntoTheTextItself) {
   s = "xa-ax";
   s.Trim(at(3));  // the set "ax"
   EXPECT_EQ(Text(s), "-");
+  s = "-a-";
+  EXPECT_EQ(s.Replace('-', '\0'), 2);
+  EXPECT_STREQ(at(1), "a");
 }
 
-TEST(K7String, ANullStringIsTheEmptyText) {
-  K7String s;
-  s.SetChar(3, 'x');
-  s.MakeReverse();
-  s.MakeInitial();
-  s.Trim("x");
-  for (const int none : {s.Replace('a', 'b'), s.Replace("a", "b"), s.Remove('a'), s.Delete(0),
-                         s.Copy(nullptr), s.Insert(1, "x"), s += nullptr, s.Token(",", 0, s), s.Len(),
-                         int{s[0]}, K7String("abc").Left(0).AllocLen(), K7String("abc").Mid(3).AllocLen()})
-    EXPECT_EQ(none, 0);
-  for (const int none : {s.Find('a'), s.Find("a"), s.FindAny("a"), s.ReverseFind('a'), s.Comp("a"),
-                         s.Comp("abc", 2), -K7String("a").Comp(nullptr), -K7String("abc").Comp(nullptr, 2)})
-    EXPECT_EQ(none, -1);
-  EXPECT_STREQ(s, "");
-  EXPECT_TRUE(s.IsEmpty());
-  EXPECT_EQ(s.Comp(nullptr, 2), 0);
-  int err = 1;
-  EXPECT_EQ(s.Dup(&err), nullptr);
-  EXPECT_EQ(err, 0);
-}
-
-TEST(K7String, ComparesUnsignedBytes) {
-  // Pairs in ascending order, both ways; "_" lies between the cases of letters, "\xB0" behind all of them.
-  const char* const ascending[][2] = {{"Zulu", "Zulu~"}, {"Zulu~", "Zulu\xB0"}, {"z", "\xB0"}, {"", "a"}};
-  for (const auto& [low, high] : ascending) {
-    EXPECT_EQ(K7String(low).Comp(high), -1) << low;
-    EXPECT_EQ(K7String(high).Comp(low), 1) << low;
-    EXPECT_LT(K7String(low).IComp(high), 0) << low;
-    EXPECT_TRUE(K7String(high) > low) << low;
-  }
-  EXPECT_GT(K7String("_").IComp("a"), 0);
-  EXPECT_EQ(K7String("Zulu").Comp("Zulx", 3), 0);
-  EXPECT_EQ(K7String("Zulu\xB0").IComp("zULU\xB0"), 0);
-  EXPECT_EQ(K7String("Zulu").IComp("zuma", 2), 0);
-  EXPECT_EQ(K7String::IComp(nullptr, "a"), 0);
+TEST(K7String, NullTextsHaveTheirAnswers) {
+  const K7String null, text("abc");
   const char* const list[] = {"ABC", "def", nullptr};
-  EXPECT_EQ(K7String::Index("DEF", list), 1);
-  EXPECT_EQ(K7String::Index("de", list), -1);
-  EXPECT_EQ(K7String::Index(nullptr, list), 0);
-  EXPECT_EQ(K7String::Index(nullptr, list + 2), -1);
+  int err = 1;
+  const int results[][2] = {{null.Comp("a"), -1},
+                            {null.Comp("abc", 2), -1},
+                            {null.Comp(nullptr, 2), 0},
+                            {text.Comp(nullptr, 2), 1},
+                            {text > null, true},
+                            {K7String::IComp(nullptr, "a"), 0},
+                            {K7String::Index("DEF", list), 1},
+                            {K7String::Index("de", list), -1},
+                            {K7String::Index("de", nullptr), -1},
+                            {K7String::Index(nullptr, list), 0},
+                            {K7String::Index(nullptr, list + 2), -1},
+                            {text.Left(0, &err).AllocLen(), 0},
+                            {null.Dup() == nullptr, true},
+                            {K7String().Copy(nullptr), 0},
+                            {K7String() += nullptr, 0},
+                            {err, 0}};
+  for (const auto& [result, expected] : results)
+    EXPECT_EQ(result, expected) << "row " << &result - results[0];
 }
 
 TEST(K7String, TitleCase) {
@@ -198,8 +222,9 @@ TEST(K7String, TokensAndClasses) {
   K7String token;
   for (int pos = 0; (pos = text.Token(",", pos, token)) > 0;) tokens += "[" + Text(token) + "]";
   EXPECT_EQ(tokens, "[a][][b]");
-  EXPECT_EQ(text.Token(",", 5, token), 0);
+  for (const int none : {5, -1}) EXPECT_EQ(text.Token(",", none, token), 0);
   EXPECT_EQ(Text(token), "b");
+  EXPECT_EQ(text.Token(nullptr, 1, token), 5);
   const std::pair<bool (*)(char), int (*)(int)> classes[] = {
       {K7String::IsLower, std::islower}, {K7String::IsAlpha, std::isalpha},
       {K7String::IsDigit, std::isdigit}, {K7String::IsSpace, std::isspace},

@@ -69,8 +69,8 @@ TEST(K7Time, TextsAndOffsets) {
 }
 
 TEST(K7Time, StaysDefinedAtTheEndsOfItsRange) {
+  K7TimeStruct f;
   for (const int end : {INT_MIN, INT_MAX}) {
-    K7TimeStruct f;
     K7Time time(end < 0 ? INT64_MIN : INT64_MAX);
     EXPECT_EQ(time += end, end < 0 ? INT64_MIN : INT64_MAX);
     EXPECT_EQ(time.Format(ISO).AllocLen(), 0);
@@ -81,6 +81,11 @@ TEST(K7Time, StaysDefinedAtTheEndsOfItsRange) {
       far.GetTime(f, offset, true);
     }
   }
+  // The last second whose year is an int.
+  const K7Time last(INT_MAX, 12, 31, 23, 59, 59);
+  EXPECT_TRUE(last.GetTime(f));
+  EXPECT_EQ(f.year, INT_MAX);
+  EXPECT_FALSE(K7Time(last + 1).GetTime(f));
 }
 
 TEST_F(K7TimeInEurope, LocalCalendarAndDaylightTime) {
@@ -111,14 +116,18 @@ TEST_F(K7TimeInEurope, LocalCalendarAndDaylightTime) {
 }
 
 TEST(K7Validate, ChecksRanges) {
-  const double lats[] = {0, 90, -90, 90.0001, std::nan("")};
-  const double lons[] = {0, 180, -180, 0, 0};
-  EXPECT_TRUE(K7Validate::checkLatLonArrays(lats, lons, 3));
-  for (const int n : {0, 4}) EXPECT_FALSE(K7Validate::checkLatLonArrays(lats, lons, n)) << n;
-  EXPECT_FALSE(K7Validate::checkLatLonArrays(nullptr, lons, 1));
-  EXPECT_FALSE(K7Validate::checkLatLonArrays(lats, nullptr, 1));
-  for (const double bad : {lats[4], 180.0001, -180.0001}) EXPECT_FALSE(K7Validate::checkLon(bad)) << bad;
-  for (const double bad : {lats[4], -90.0001}) EXPECT_FALSE(K7Validate::checkLat(bad)) << bad;
+  const double nan = std::nan("");
+  const double lats[] = {0, 90, -90, 90.0001, nan}, lons[] = {0, 180, -180, 0, 0};
+  const struct {
+    const double *lats, *lons;
+    int n;
+    bool valid;
+  } arrays[] = {{lats, lons, 3, true},      {lats, lons, 0, false},    {lats, lons, 4, false},
+                {lats + 3, lons, 1, false}, {nullptr, lons, 1, false}, {lats, nullptr, 1, false}};
+  for (const auto& [lat, lon, n, valid] : arrays)
+    EXPECT_EQ(K7Validate::checkLatLonArrays(lat, lon, n), valid) << n;
+  for (const double bad : {nan, 180.0001, -180.0001}) EXPECT_FALSE(K7Validate::checkLon(bad)) << bad;
+  for (const double bad : {nan, -90.0001}) EXPECT_FALSE(K7Validate::checkLat(bad)) << bad;
   for (const int size : {49, 50, 3840, 3841}) {
     EXPECT_EQ(K7Validate::checkWidthHeight(size, 100), size == 50 || size == 3840);
     EXPECT_EQ(K7Validate::checkWidthHeight(100, size), size == 50 || size == 3840);

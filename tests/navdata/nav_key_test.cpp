@@ -5,27 +5,24 @@
 namespace {
 
 K7NavKey Key(uint32_t idx, uint32_t type) { return {idx, static_cast<K7NavType>(type)}; }
-int Comp(const K7NavKey& a, const K7NavKey& b) { return K7NavKey::Comp(&a, &b); }
 
 }  // namespace
 
 TEST(K7NavKey, OrdersByWrappedDifferences) {
-  EXPECT_EQ(Comp(Key(7, 5), Key(7, 5)), 0);
-  EXPECT_EQ(Comp(Key(9, 4), Key(1, 5)), -1);
-  EXPECT_EQ(Comp(Key(0xFFFFFFFF, 5), Key(0, 5)), -1);
-  EXPECT_EQ(Comp(Key(0, 5), Key(0xFFFFFFFF, 5)), 1);
-  EXPECT_EQ(Comp(Key(0, 5), Key(0x80000001, 5)), 1);
-  EXPECT_EQ(Comp(Key(0, 5), Key(0x80000000, 5)) + Comp(Key(0x80000000, 5), Key(0, 5)), -2);
-  EXPECT_TRUE(K7NavKey() < Key(0, 0) && !(Key(0, 0) < K7NavKey()));
-}
-
-TEST(K7NavKey, OnlyBothWordsMeanNoRecord) {
-  EXPECT_TRUE(K7NavKey().NoRecord());
-  EXPECT_FALSE(Key(0xFFFFFFFF, 5).NoRecord() || Key(5, 0xFFFFFFFF).NoRecord());
-  K7NavKey key = Key(7, 5);
-  EXPECT_TRUE(key.Idx() == 7 && key.NavType() == 5 && key != K7NavKey());
-  key.Reset();
-  EXPECT_EQ(key, K7NavKey());
+  const struct {
+    K7NavKey a, b;
+    int order, reverse;
+  } rows[] = {{Key(7, 5), Key(7, 5), 0, 0},
+              {Key(9, 4), Key(1, 5), -1, 1},
+              {Key(0xFFFFFFFF, 5), Key(0, 5), -1, 1},
+              {Key(0, 5), Key(0x80000001, 5), 1, -1},
+              {Key(0, 5), Key(0x80000000, 5), -1, -1},
+              {K7NavKey(), Key(0, 0), -1, 1}};
+  for (const auto& [a, b, order, reverse] : rows) {
+    EXPECT_EQ(K7NavKey::Comp(&a, &b), order) << a.Idx();
+    EXPECT_EQ(K7NavKey::Comp(&b, &a), reverse) << a.Idx();
+    EXPECT_EQ(a < b, order < 0) << a.Idx();
+  }
 }
 
 TEST(K7NavKeyArray, SortsAndFindsKeys) {
@@ -35,5 +32,10 @@ TEST(K7NavKeyArray, SortsAndFindsKeys) {
   for (int i = 1; i < 20; ++i) EXPECT_TRUE(keys[i - 1] < keys[i]);
   const K7NavKey wanted = Key(14, 2);
   EXPECT_EQ(keys[keys.BinarySearch(&wanted)], wanted);
-  EXPECT_TRUE(keys[20].NoRecord() && keys[-1].NoRecord());
+  // Outside: no record, which takes both words.
+  for (const int i : {20, -1}) EXPECT_TRUE(keys[i].NoRecord());
+  for (const K7NavKey& key : {Key(0xFFFFFFFF, 5), Key(5, 0xFFFFFFFF)}) EXPECT_FALSE(key.NoRecord());
+  K7NavKey key = wanted;
+  key.Reset();
+  EXPECT_EQ(key, K7NavKey());
 }

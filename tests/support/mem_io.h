@@ -98,6 +98,10 @@ class MemIO : public K7IO {
     const auto found = files.find(path);
     return found == files.end() ? Bytes() : *found->second;
   }
+  std::string Text(const char* path) const {
+    const Bytes bytes = Get(path);
+    return {bytes.begin(), bytes.end()};
+  }
 
   std::map<std::string, std::shared_ptr<Bytes>> files;
   size_t room = SIZE_MAX;
