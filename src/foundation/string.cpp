@@ -106,28 +106,16 @@ K7String& K7String::operator=(char c) {
 
 int K7String::Create(const char* text) {
   if (text == m_text) return 0;
-  const int length = Length(text);
-  // The source may lie within this string's own buffer, which growing would free.
-  K7String old;
-  if (length + 1 > AllocLen()) old = std::move(*this);
-  if (const int err = Alloc(length)) {
-    *this = std::move(old);
-    return err;
-  }
-  if (length > 0) std::memmove(m_text, text, static_cast<size_t>(length));
-  m_text[length] = 0;
-  return 1;
+  const int length = Copy(text ? text : "");
+  return length < 0 ? length : 1;
 }
 
 int K7String::Copy(const char* src, int n) {
   if (!src) return 0;
   const int length =
       n < 0 ? Length(src) : static_cast<int>(strnlen(src, static_cast<size_t>(std::min(n, MAX_LENGTH))));
-  K7String copy;
-  if (length + 1 > AllocLen()) {
-    if (const int err = copy.Alloc(length)) return err;
-    std::swap(m_text, copy.m_text);
-  }
+  // What lies within this string's own buffer fits it: growing never frees the source.
+  if (const int err = Alloc(length)) return err;
   std::memmove(m_text, src, static_cast<size_t>(length));
   m_text[length] = 0;
   return length;
@@ -368,8 +356,8 @@ K7String K7String::operator+(const char* s) const {
   const int length = Len();
   const int added = Length(s);
   if (added > MAX_LENGTH - length || sum.Alloc(length + added)) return sum;
-  if (length > 0) std::memcpy(sum.m_text, m_text, static_cast<size_t>(length));
-  if (added > 0) std::memcpy(sum.m_text + length, s, static_cast<size_t>(added));
+  std::memcpy(sum.m_text, static_cast<const char*>(*this), static_cast<size_t>(length));
+  std::memcpy(sum.m_text + length, s ? s : "", static_cast<size_t>(added));
   return sum;
 }
 

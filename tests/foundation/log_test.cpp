@@ -79,13 +79,13 @@ TEST(Log, FailuresAnswerFalse) {
   // Files may grow to a few bytes only: a disk that fills up in the middle of a line.
   rlimit before;
   getrlimit(RLIMIT_FSIZE, &before);
-  const rlimit limit{60, before.rlim_max};
+  const rlimit limit{59, before.rlim_max};
   std::signal(SIGXFSZ, SIG_IGN);
   EXPECT_TRUE(K7Log::CreateLogFile(path.c_str(), &native));
   setrlimit(RLIMIT_FSIZE, &limit);
   EXPECT_TRUE(K7Log::LogMessage(K7_LOG_INFO, "%s", "fits, 100%% and %%d"));
   for (int i = 0; i < 3; ++i)
-    EXPECT_FALSE(K7Log::LogMessage(K7_LOG_INFO, "%s", std::string(40, 'x').c_str()));
+    EXPECT_FALSE(K7Log::LogMessage(K7_LOG_INFO, "%s", "full to 100 %")) << i;  // by a byte
   K7Log::CloseLogFile();
   setrlimit(RLIMIT_FSIZE, &before);
   std::signal(SIGXFSZ, SIG_DFL);

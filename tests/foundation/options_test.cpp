@@ -1,6 +1,7 @@
 #include <k7/foundation/error_string.h>
 #include <k7/foundation/options.h>
 
+#include "support/leaks.h"
 #include "support/mem_io.h"
 
 #include <gtest/gtest.h>
@@ -47,6 +48,8 @@ TEST_F(OptionsTest, SettingsSurviveTheFile) {
   EXPECT_EQ(m_options.GetKeyValuesByGroup("", found), 0);
   EXPECT_EQ(found.Count(), 2);
   EXPECT_EQ(m_options.GetKeyValuesByGroup(nullptr, found), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(m_options.SetOption("Empty", static_cast<const char*>(nullptr)), 0);
+  EXPECT_STREQ(m_options.GetValueByKey("Empty"), "");
   EXPECT_EQ(m_options.SetOption(nullptr, "1"), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(m_options.SetOption(nullptr, 0), K7_ERR_BAD_ARGUMENT);
 
@@ -57,6 +60,7 @@ TEST_F(OptionsTest, SettingsSurviveTheFile) {
   EXPECT_STREQ(m_options.GetValueByKey("Ratio"), "2.500000");
   m_io.room = whole.size() - 1;
   EXPECT_EQ(m_options.Write("other.xml"), K7_ERR_INVALID_DATA);
+  EXPECT_FALSE(Leaks([&] { m_options.Read("o.xml"); }));
   m_io.Put("empty.xml", std::string("<Options/>"));
   ASSERT_EQ(m_options.Read("empty.xml"), 0);
   EXPECT_EQ(m_options.GetKeyValueByIndex(0), nullptr);

@@ -92,7 +92,7 @@ TEST(K7StringFormat, TextsAreExact) {
   EXPECT_EQ(std::string(s), "\xB0" + longer + "1.000000E+00z");
   const std::pair<K7FmtString, const char*> rows[] = {
       {K7FmtString("%Fs%FC%5C", 1.5, 2.5, 'q'), "1.500000s2.500000C    q"},
-      {K7FmtString("%%C%C", 'q'), "%Cq"},
+      {K7FmtString("AC%%C%C", 'q'), "AC%Cq"},
       // The first escape becomes its byte.
       {K7FmtString("a\\x41b"), "aAb"},
       {K7FmtString("%d\\xB0 \\x41", 5), "5\xB0 \\x41"},

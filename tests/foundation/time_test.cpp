@@ -62,6 +62,7 @@ TEST(K7Time, TextsAndOffsets) {
   // Longer than the first buffers, and empty.
   const std::string pattern(3000, 'x');
   EXPECT_STREQ(time.Format((pattern + "%Y").c_str()), (pattern + "1969").c_str());
+  EXPECT_EQ(time.Format(std::string(1 << 20, 'x').c_str()).AllocLen(), 0);  // longer than it writes
   for (const char* const empty : {"", static_cast<const char*>(nullptr)})
     EXPECT_STREQ(time.Format(empty), "");
   for (const int year : {0, 9999}) EXPECT_EQ(K7Time(year, 7, 1, 0, 0, 0).Format("%m").Len(), 2) << year;
