@@ -77,7 +77,7 @@ TEST(K7StringFormat, SizingPassFixesTheCapacity) {
   // Behind "%C" the pass sees shifted arguments: wide stars count as none, texts as null ones.
   ExpectEstimate(50, "%C%*d", 50, 5, 7);
   ExpectEstimate(4096, "%C%*d", 4096, 5, 7);
-  ExpectEstimate(32, "%C%*d", 4097, 5, 7);
+  ExpectEstimate(0, "%C%.*s", 4097, 3, "abc");
   ExpectEstimate(6, "%C%s", 0xB0, "abcdef");
   ExpectEstimate(38, "%Ld%s", 1LL, "abcdefgh");
 }

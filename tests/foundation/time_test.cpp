@@ -82,11 +82,14 @@ TEST(K7Time, StaysDefinedAtTheEndsOfItsRange) {
       far.GetTime(f, offset, true);
     }
   }
-  // The last second whose year is an int.
-  const K7Time last(INT_MAX, 12, 31, 23, 59, 59);
+  // The last second whose year is an int, and the first whose year is one from 1900 on.
+  const K7Time last(INT_MAX, 12, 31, 23, 59, 59), first(INT_MIN + 1900, 1, 1, 0, 0, 0);
   EXPECT_TRUE(last.GetTime(f));
   EXPECT_EQ(f.year, INT_MAX);
-  EXPECT_FALSE(K7Time(last + 1).GetTime(f));
+  std::tm tm;
+  EXPECT_TRUE(first.GetTM(tm));
+  EXPECT_EQ(tm.tm_year, INT_MIN);
+  for (const int64_t beyond : {last + 1, first - 1}) EXPECT_FALSE(K7Time(beyond).GetTM(tm)) << beyond;
 }
 
 TEST_F(K7TimeInEurope, LocalCalendarAndDaylightTime) {
