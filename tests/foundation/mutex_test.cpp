@@ -4,8 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <thread>
-#include <vector>
 
 TEST(K7Mutex, ExcludesOtherThreadsAndAdmitsItsOwnAgain) {
   EXPECT_FALSE(Leaks([] {
@@ -17,18 +18,20 @@ TEST(K7Mutex, ExcludesOtherThreadsAndAdmitsItsOwnAgain) {
   K7Mutex mutex, assigned;
   K7Mutex copy(mutex);  // shares the lock, as what is assigned does
   assigned = copy;
-  int counter = 0;
-  std::vector<std::thread> threads;
-  for (K7Mutex* const outer : {&mutex, &copy, &assigned})
-    threads.emplace_back([&, outer] {
-      for (int i = 0; i < 50000; ++i) {
-        const K7LockGuard guard(*outer);
-        const K7LockGuard again(mutex);
-        ++counter;
-      }
+  for (K7Mutex* const shared : {&mutex, &copy, &assigned}) {
+    std::atomic<bool> entered{false};
+    mutex.Lock();
+    mutex.Lock();
+    std::thread other([&] {
+      const K7LockGuard guard(*shared);
+      entered = true;
     });
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(counter, 150000);
+    mutex.Unlock();
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_FALSE(entered);
+    mutex.Unlock();
+    other.join();
+  }
   const K7LockGuard guard(mutex);
   copy.Initialize();  // a lock of its own: the next line would wait for ever otherwise
   std::thread([&] { const K7LockGuard free(copy); }).join();
