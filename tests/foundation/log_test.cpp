@@ -9,7 +9,6 @@
 #include <sys/resource.h>
 #include <csignal>
 #include <ctime>
-#include <regex>
 
 namespace {
 
@@ -49,11 +48,12 @@ TEST(Log, LinesAreExact) {
   EXPECT_FALSE(K7Log::LogMessage(K7_LOG_CRITICAL, nullptr));
   for (int i = 0; i < 2; ++i) EXPECT_TRUE(K7Log::CloseLogFile());
   EXPECT_FALSE(K7Log::LogMessage(K7_LOG_CRITICAL, "behind"));
-  const std::string text = io.Text("log"), end = WallClock(), first = text.substr(10, 8);
+  std::string text = io.Text("log");
+  const std::string end = WallClock(), first = text.substr(10, 8);
   EXPECT_TRUE(end < start || (start <= first && first <= end)) << first;  // the end is less at midnight
-  EXPECT_EQ(std::regex_replace(text, std::regex("\n\\d\\d:\\d\\d:\\d\\d"), "\n"),
-            "earlier\n\n\n  I  3 files in a/b\n  W  100% of %s, %d\n  D  two\nlines\n  C  " + longText +
-                "\n  C  \n  C  done to 100%\n  C  %ls\n" + BANNER);
+  for (size_t colon; (colon = text.find(':')) != std::string::npos;) text.erase(colon - 2, 8);
+  EXPECT_EQ(text, "earlier\n\n\n  I  3 files in a/b\n  W  100% of %s, %d\n  D  two\nlines\n  C  " + longText +
+                      "\n  C  \n  C  done to 100%\n  C  %ls\n" + BANNER);
 
   // A new log closes the one before it, and its threshold with it.
   io.Put("log", std::string());
