@@ -3,11 +3,14 @@
 
 #include <k7/export.h>
 #include <k7/foundation/array.h>
+#include <k7/navdata/nav_types.h>
 
 #include <cstdint>
 
-/// Type of a navigation record.
-enum K7NavType : uint32_t;
+class K7NavData;
+class K7String;
+class K7XmlElem;
+enum K7XmlOutputType_t : int;
 
 /// A K7NavKey names a navigation record by its type and its index within that type's data. A value of 8
 /// bytes.
@@ -31,6 +34,15 @@ class K7_API K7NavKey {
   /// 2^31 apart compare backwards, and a difference of exactly 2^31 is -1 from either side. Sorted data files
   /// depend on this order.
   static int Comp(const void* a, const void* b);
+
+  /// Replaces `out` with the display name of the type; "Unknown" for a type without one. 0 or K7_ERR_MEMORY.
+  int typeString(K7String& out) const;
+  /// Adds the children "Index" and "NavType" with the two words to `elem`. `data` may be null. 0 or
+  /// K7_ERR_MEMORY.
+  int ToXML(K7NavData* data, K7XmlOutputType_t type, K7XmlElem& elem) const;
+  /// Replaces `out` with an element `name` ("NavKey" for null) that holds those children, without a
+  /// declaration.
+  int ToXML(K7NavData* data, K7XmlOutputType_t type, K7String& out, const char* name) const;
 
  private:
   static constexpr uint32_t NO_WORD = 0xFFFFFFFF;

@@ -1,0 +1,39 @@
+// Records of obstacles and of aircraft formations.
+#pragma once
+
+#include <k7/navdata/nav_rec.h>
+
+/// Obstacle (types 22, 54, 55 and 56).
+struct K7_API K7Obstacle : K7NavRec {
+  int32_t lat = 0;  ///< 2^-23 degree
+  int32_t lon = 0;
+  int16_t elev = 0;    ///< of its top, feet above the sea
+  int16_t height = 0;  ///< feet above the ground
+  uint8_t typeCode = 0;
+  uint8_t lightCode = 0;
+  uint16_t horzAccuracy = 0;  ///< feet; 0 unknown
+  uint16_t vertAccuracy = 0;
+  uint8_t reserved[6] = {};
+
+  /// "Tower", "Building" ... for known codes; "Obstacle" for any other.
+  static const char* TypeString(int code);
+  /// "None", "Lighted" ... for known codes; "Unknown" for any other.
+  static const char* LightString(int code);
+  /// "Tower 1250 ft (400 ft AGL)".
+  int GetDescription(K7NavData* data, K7String& out) const;
+};
+
+/// Meeting point of a formation, relative to a reference (type 21).
+struct K7_API K7Formation : K7NavRec {
+  int32_t refLat = 0;  ///< 2^-23 degree
+  int32_t refLon = 0;
+  K7NavKey refKey;
+  K7NavKey fixKey;
+  int16_t bearing = 0;   ///< tenths of a degree, magnetic
+  int16_t distance = 0;  ///< tenths of an NM
+  char usage = 0;
+  uint8_t reserved[3] = {};
+
+  /// "Formation at " and the identifier of the reference where the store knows it, else its position.
+  int GetDescription(K7NavData* data, K7String& out) const;
+};
