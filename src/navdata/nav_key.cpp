@@ -1,4 +1,9 @@
+#include <k7/foundation/error_string.h>
+#include <k7/io/xml_elem.h>
+#include <k7/navdata/nav_data.h>
 #include <k7/navdata/nav_key.h>
+
+#include <new>
 
 int K7NavKey::Comp(const void* a, const void* b) {
   const K7NavKey& x = *static_cast<const K7NavKey*>(a);
@@ -6,6 +11,33 @@ int K7NavKey::Comp(const void* a, const void* b) {
   if (x == y) return 0;
   const uint32_t difference = x.m_navType != y.m_navType ? x.m_navType - y.m_navType : x.m_idx - y.m_idx;
   return static_cast<int32_t>(difference) > 0 ? 1 : -1;
+}
+
+int K7NavKey::typeString(K7String& out) const {
+  out = K7NavData::TypeName(NavType());
+  return out.Len() ? 0 : K7_ERR_MEMORY;
+}
+
+int K7NavKey::ToXML(K7NavData*, K7XmlOutputType_t, K7XmlElem& elem) const {
+  const struct {
+    const char* name;
+    uint32_t word;
+  } words[] = {{"Index", m_idx}, {"NavType", m_navType}};
+  for (const auto& [name, word] : words) {
+    K7String text;
+    if (const int err = text.Format("%u", word)) return err;
+    K7XmlElem* child = new (std::nothrow) K7XmlElem(name, text);
+    if (!child) return K7_ERR_MEMORY;
+    elem.AddChild(child);
+  }
+  return 0;
+}
+
+int K7NavKey::ToXML(K7NavData* data, K7XmlOutputType_t type, K7String& out, const char* name) const {
+  K7XmlElem elem(name ? name : "NavKey");
+  out.Clear();
+  const int err = ToXML(data, type, elem);
+  return err ? err : elem.Write(out);
 }
 
 K7NavKeyArray::K7NavKeyArray(int growBy) : K7Array(sizeof(K7NavKey), growBy, K7NavKey::Comp) {}
