@@ -8,6 +8,7 @@
 #include <k7/navdata/alt.h>
 #include <k7/navdata/comm.h>
 #include <k7/navdata/course.h>
+#include <k7/navdata/morse_code.h>
 #include <k7/navdata/nav_data.h>
 #include <k7/navdata/nav_fields.h>
 #include <k7/navdata/nav_key.h>
@@ -16,3 +17,4 @@
 #include <k7/navdata/navaid.h>
 #include <k7/navdata/note.h>
 #include <k7/navdata/obstacle.h>
+#include <k7/navdata/route.h>

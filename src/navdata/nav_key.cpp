@@ -1,9 +1,10 @@
-#include <k7/foundation/error_string.h>
+#include "navdata/xml_field.h"
+
 #include <k7/io/xml_elem.h>
 #include <k7/navdata/nav_data.h>
 #include <k7/navdata/nav_key.h>
 
-#include <new>
+#include <algorithm>
 
 int K7NavKey::Comp(const void* a, const void* b) {
   const K7NavKey& x = *static_cast<const K7NavKey*>(a);
@@ -14,8 +15,7 @@ int K7NavKey::Comp(const void* a, const void* b) {
 }
 
 int K7NavKey::typeString(K7String& out) const {
-  out = K7NavData::TypeName(NavType());
-  return out.Len() ? 0 : K7_ERR_MEMORY;
+  return std::min(out.Create(K7NavData::TypeName(NavType())), 0);
 }
 
 int K7NavKey::ToXML(K7NavData*, K7XmlOutputType_t, K7XmlElem& elem) const {
@@ -25,10 +25,9 @@ int K7NavKey::ToXML(K7NavData*, K7XmlOutputType_t, K7XmlElem& elem) const {
   } words[] = {{"Index", m_idx}, {"NavType", m_navType}};
   for (const auto& [name, word] : words) {
     K7String text;
-    if (const int err = text.Format("%u", word)) return err;
-    K7XmlElem* child = new (std::nothrow) K7XmlElem(name, text);
-    if (!child) return K7_ERR_MEMORY;
-    elem.AddChild(child);
+    int err = std::min(text.Format("%u", word), 0);
+    if (!err) err = k7nav::AddElement(elem, name, nullptr, text);
+    if (err) return err;
   }
   return 0;
 }

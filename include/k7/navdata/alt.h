@@ -46,8 +46,8 @@ class K7_API K7Alt {
   int ToString(K7String& out, bool numberOnly = false, bool metric = false) const;
   /// The text of `ToString` with both options off.
   K7String GetAltString() const;
-  /// Adds the element `name`, labelled with the name, with the text of `ToString`; none when the text is
-  /// empty. `metric` as there. 0 or K7_ERR_MEMORY.
+  /// Adds the element `name`, labelled with its name, with the text of `ToString`. `metric` as there. 0 or
+  /// K7_ERR_MEMORY.
   int ToXML(K7NavData* data, K7XmlOutputType_t type, K7XmlElem& parent, const char* name,
             bool metric = false) const;
 

@@ -33,8 +33,6 @@ struct K7_API K7AirportComm : K7NavRec {
 
   /// "Tower", "Ground" ... for the codes above, else the text of `K7EnrouteComm::CommTypeString`.
   static const char* TypeString(int code);
-  /// "KSEA Tower".
-  int GetDescription(K7NavData* data, K7String& out) const;
 };
 
 /// Frequency of an enroute station (type 12).

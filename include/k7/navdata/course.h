@@ -33,8 +33,7 @@ class K7_API K7Course {
   /// The nearest of "N", "NE" ... "NW"; a course between two belongs to the earlier one. K7_ERR_OUT_OF_RANGE,
   /// with `out` unchanged, above 360 degrees.
   int GetCardinalDir(K7String& out) const;
-  /// Adds the element `name`, labelled with the name, with the text of `ToString`; none without a text. 0 or
-  /// K7_ERR_MEMORY.
+  /// Adds the element `name`, labelled with its name, with the text of `ToString`. 0 or K7_ERR_MEMORY.
   int ToXML(K7NavData* data, K7XmlOutputType_t type, K7XmlElem& parent, const char* name) const;
 
  private:
