@@ -3,8 +3,8 @@
 
 #include <malloc.h>
 
-/// Whether `work` holds more memory each time it is done. What the allocator keeps at hand varies by less than the
-/// smallest block a round.
+/// Whether `work` holds more memory each time it is done. What the allocator keeps at hand varies by less
+/// than the smallest block a round.
 template <class Work>
 bool Leaks(Work work) {
   constexpr int ROUNDS = 400;
