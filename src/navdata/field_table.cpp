@@ -586,16 +586,15 @@ constexpr Field BEARING[] = {
 };
 
 template <class Record, int BYTES>
-constexpr Type MakeType(const char* name, const Field* fields, size_t count) {
+constexpr Type MakeType(const char* name, const Field* fields, int count) {
   static_assert(sizeof(Record) == (BYTES + 7) / 8 * 8, "the structure is not as large as its record");
-  return {name, BYTES, []() -> K7NavRec* { return new (std::nothrow) Record; }, fields,
-          static_cast<uint16_t>(count)};
+  return {name, []() -> K7NavRec* { return new (std::nothrow) Record; }, fields, BYTES, count};
 }
 
-#define TYPE(name, bytes, record, fields) MakeType<record, bytes>(name, fields, std::size(fields))
+#define TYPE(name, bytes, record, fields) MakeType<record, bytes>(name, fields, std::ssize(fields))
 #define BARE(name, bytes, record) MakeType<record, bytes>(name, nullptr, 0)
 #define NONE(name) \
-  { name, 0, nullptr, nullptr, 0 }
+  { name, nullptr, nullptr, 0, 0 }
 
 // By type, from 0. What several types share they share here too.
 constexpr Type TYPES[] = {
@@ -673,7 +672,7 @@ constexpr Type TYPES[] = {
     TYPE("Smart Note Altitude", 36, K7SmartNoteAltitude, SMARTNOTEALTITUDE),
     TYPE("Unknown", 264, K7Track, TRACK),
     // Listed and sized, and never created.
-    {"Unknown", 24, nullptr, BEARING, std::size(BEARING)},
+    {"Unknown", nullptr, BEARING, 24, std::ssize(BEARING)},
 };
 static_assert(std::size(TYPES) == K7NAV_TYPE_COUNT);
 

@@ -20,10 +20,10 @@ struct Field {
 
 struct Type {
   const char* name;
-  int bytes;
   K7NavRec* (*create)();
   const Field* fields;
-  uint16_t fieldCount;
+  int bytes;
+  int fieldCount;
 };
 
 /// Null for a value that is no type.
