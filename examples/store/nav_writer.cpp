@@ -1,0 +1,239 @@
+#include "store/nav_writer.h"
+
+#include <array>
+#include <filesystem>
+#include <system_error>
+
+#include "store/database.h"
+#include "store/place.h"
+#include "store/relations.h"
+#include "store/row.h"
+
+namespace {
+
+std::string CreateTable(const TypeTable& table) {
+  std::string sql = "CREATE TABLE \"" + table.name + "\"(idx INTEGER PRIMARY KEY,record_notes TEXT";
+  for (const Column& column : table.columns) {
+    sql += ",\"" + column.name + "\"";
+    switch (static_cast<int>(column.storage)) {
+      case K7STORE_CHAR:
+      case K7STORE_TEXT:
+      case K7STORE_POINTER:
+        sql += column.name == "ident" ? " TEXT COLLATE NOCASE" : " TEXT";
+        break;
+      case K7STORE_FIXED_DEGREES:
+      case K7STORE_FLOAT:
+        sql += " REAL";
+        break;
+      case K7STORE_BYTES:
+        sql += " BLOB";
+        break;
+      default:
+        sql += column.scale == 1.0 ? " INTEGER" : " REAL";
+    }
+  }
+  return sql + ")";
+}
+
+std::string InsertRow(const TypeTable& table) {
+  std::string sql = "REPLACE INTO \"" + table.name + "\" VALUES(?,?";
+  for (size_t i = 0; i < table.columns.size(); i++) sql += ",?";
+  return sql + ")";
+}
+
+}  // namespace
+
+struct NavWriter::State {
+  std::string path;
+  std::string part;
+  Database database;
+  std::array<uint32_t, K7NAV_TYPE_COUNT> counts = {};
+  std::string problem;  // the first
+  K7ChartRect extent;
+
+  std::string source;
+  int cycle = 0, revision = 0;
+  unsigned from = 0, until = 0;
+
+  bool Fail(const std::string& what) {
+    if (problem.empty()) problem = what;
+    return false;
+  }
+  bool Run(const std::string& sql) { return database.Run(sql) || Fail(part + ": " + database.Message()); }
+  bool Begin();
+  bool Write(const TypeTable& table, const K7NavRec& rec);
+  bool AddPlaces(const TypeTable& table);
+  bool AddIndexes(const TypeTable& table);
+  bool AddFacts();
+  bool IsInPlace();
+};
+
+// The file is ours alone from here on: whoever else begins meets the lock. Nothing is rolled back, ever, so
+// there is no journal.
+bool NavWriter::State::Begin() {
+  return database.Open(part, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) &&
+         database.Run(
+             "PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=OFF; PRAGMA cache_size=-65536;"
+             "PRAGMA temp_store=FILE; BEGIN EXCLUSIVE");
+}
+
+bool NavWriter::State::Write(const TypeTable& table, const K7NavRec& rec) {
+  sqlite3_stmt* statement = database.Prepare(InsertRow(table));
+  if (!statement) return Fail(part + ": " + database.Message());
+  Query query(statement);
+  query.Bind(static_cast<int64_t>(rec.key.Idx()));
+  const bool bound = BindRow(table, rec, statement, 2);
+  query.Next();
+  return (bound && query.IsGood()) || Fail(part + ": " + database.Message());
+}
+
+bool NavWriter::State::AddPlaces(const TypeTable& table) {
+  if (table.place == Place::NONE) return true;
+  const std::string area = "\"" + table.AreaName() + "\"";
+  if (!Run("CREATE VIRTUAL TABLE " + area + " USING rtree_i32(id,west,east,south,north)")) return false;
+  sqlite3_stmt* insert = database.Prepare("INSERT INTO " + area + " VALUES(?,?,?,?,?)");
+  sqlite3_stmt* select =
+      database.Prepare("SELECT idx," + table.ColumnList() + " FROM \"" + table.name + "\"");
+  if (!insert || !select) return Fail(part + ": " + database.Message());
+  const auto add = [&](int64_t id, const Box& box) {
+    Query query(insert);
+    for (const int64_t value :
+         {id, int64_t(box.west), int64_t(box.east), int64_t(box.south), int64_t(box.north)})
+      query.Bind(value);
+    query.Next();
+    return query.IsGood() || Fail(part + ": " + database.Message());
+  };
+  Arena arena;
+  Query rows(select);
+  while (rows.Next()) {
+    arena.Clear();
+    const int64_t id = rows.Integer(0);
+    const auto box = BoundsOf(table, *ReadRow(table, static_cast<uint32_t>(id), select, 1, arena));
+    if (!box) continue;
+    extent.BoundingUnion(extent, box->Degrees());
+    constexpr int32_t HALF_TURN = 180 * (1 << 23);
+    Box first = *box, second = *box;
+    if (box->east < box->west) first.east = HALF_TURN, second.west = -HALF_TURN;
+    if (!add(id, first) || (box->east < box->west && !add(id + SECOND_HALF, second))) return false;
+  }
+  return rows.IsGood() || Fail(part + ": " + database.Message());
+}
+
+bool NavWriter::State::AddIndexes(const TypeTable& table) {
+  std::string sql;
+  for (const std::string& column : IndexesOf(table)) {
+    sql +=
+        "CREATE INDEX \"" + table.name + "_" + column + "\" ON \"" + table.name + "\"(\"" + column + "\");";
+  }
+  return Run(sql);
+}
+
+bool NavWriter::State::AddFacts() {
+  sqlite3_stmt* insert = nullptr;
+  if (Run("CREATE TABLE store(name TEXT PRIMARY KEY,value)"))
+    insert = database.Prepare("INSERT INTO store VALUES(?,?)");
+  if (!insert) return Fail(part + ": " + database.Message());
+  const auto add = [&](const char* name, auto value) {
+    Query query(insert);
+    query.Bind(std::string_view(name)).Bind(value).Next();
+    return query.IsGood() || Fail(part + ": " + database.Message());
+  };
+  return add("source", std::string_view(source)) && add("cycle", int64_t(cycle)) &&
+         add("revision", int64_t(revision)) && add("from", int64_t(from)) && add("until", int64_t(until)) &&
+         add("north", extent.North()) && add("south", extent.South()) && add("east", extent.East()) &&
+         add("west", extent.West());
+}
+
+// Another that began at the same moment may have taken ours for a dead one's.
+bool NavWriter::State::IsInPlace() {
+  int moved = 0;
+  sqlite3_file_control(database.Handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  return !moved || Fail(part + ": removed by another process");
+}
+
+NavWriter::NavWriter() = default;
+
+NavWriter::~NavWriter() {
+  if (!m_state) return;
+  m_state->database.Close();
+  std::error_code ignored;
+  std::filesystem::remove(m_state->part, ignored);
+}
+
+bool NavWriter::Open(const std::string& path, std::string& problem) {
+  auto state = std::make_unique<State>();
+  state->path = path;
+  state->part = path + ".part";
+  std::error_code error;
+  if (std::filesystem::exists(state->part, error)) {
+    // Without its lock it belongs to nobody any more, whatever is in it.
+    state->Begin();
+    if (sqlite3_errcode(state->database.Handle()) == SQLITE_BUSY) {
+      problem = path + ": being written by another process";
+      return false;
+    }
+    state->database.Close();
+    std::filesystem::remove(state->part, error);
+  }
+  if (!state->Begin()) {
+    problem = state->part + ": " + state->database.Message();
+    return false;
+  }
+  m_state = std::move(state);
+  return true;
+}
+
+K7NavKey NavWriter::Add(K7NavRec& rec) {
+  const TypeTable& table = TableOf(rec.Type());
+  if (!m_state || table.name.empty() || !m_state->problem.empty()) return {};
+  uint32_t& count = m_state->counts[table.type];
+  if (count == 0 && !m_state->Run(CreateTable(table))) return {};
+  rec.key = K7NavKey(count, table.type);
+  if (!m_state->Write(table, rec)) return {};
+  count++;
+  return rec.key;
+}
+
+bool NavWriter::Update(const K7NavRec& rec) {
+  return rec.key.Idx() < Count(rec.Type()) && m_state->problem.empty() &&
+         m_state->Write(TableOf(rec.Type()), rec);
+}
+
+uint32_t NavWriter::Count(K7NavType type) const {
+  return m_state && type < K7NAV_TYPE_COUNT ? m_state->counts[type] : 0;
+}
+
+void NavWriter::SetSource(const std::string& text, int cycle, int revision, unsigned from, unsigned until) {
+  if (!m_state) return;
+  m_state->source = text;
+  m_state->cycle = cycle;
+  m_state->revision = revision;
+  m_state->from = from;
+  m_state->until = until;
+}
+
+bool NavWriter::Finish(std::string& problem) {
+  problem = "nothing is being written";
+  if (!m_state) return false;
+  State& state = *m_state;
+  bool good = state.problem.empty();
+  for (uint32_t type = 0; type < K7NAV_TYPE_COUNT && good; type++) {
+    const TypeTable& table = TableOf(static_cast<K7NavType>(type));
+    if (state.counts[type]) good = state.AddPlaces(table) && state.AddIndexes(table);
+  }
+  good = good && state.AddFacts() &&
+         state.Run("PRAGMA application_id=" + std::to_string(APPLICATION_ID) +
+                   "; PRAGMA user_version=" + std::to_string(STORE_VERSION) + "; COMMIT") &&
+         state.IsInPlace();
+  problem = state.problem;
+  if (!good) return false;
+  state.database.Close();
+  std::error_code error;
+  std::filesystem::rename(state.part, state.path, error);
+  if (error) {
+    problem = state.path + ": " + error.message();
+    return false;
+  }
+  m_state.reset();
+  return true;
+}
