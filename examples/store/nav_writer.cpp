@@ -8,6 +8,7 @@
 #include "store/place.h"
 #include "store/relations.h"
 #include "store/row.h"
+#include "store/text_1252.h"
 
 namespace {
 
@@ -138,7 +139,7 @@ bool NavWriter::State::AddFacts() {
     query.Bind(std::string_view(name)).Bind(value).Next();
     return query.IsGood() || Fail(part + ": " + database.Message());
   };
-  return add("source", std::string_view(source)) && add("cycle", int64_t(cycle)) &&
+  return add("source", std::string_view(Utf8Of1252(source))) && add("cycle", int64_t(cycle)) &&
          add("revision", int64_t(revision)) && add("from", int64_t(from)) && add("until", int64_t(until)) &&
          add("north", extent.North()) && add("south", extent.South()) && add("east", extent.East()) &&
          add("west", extent.West());

@@ -41,7 +41,7 @@ class NavWriter {
   /// The number of records of a type so far.
   uint32_t Count(K7NavType type) const;
 
-  /// What the data are and whose, their cycle and its revision, and the days since 1970 from and until when
+  /// What the data are and whose (windows-1252), their cycle and its revision, and the days since 1970 from and until when
   /// they hold (`until` not included; both 0 when not stated).
   void SetSource(const std::string& text, int cycle, int revision = 0, unsigned from = 0, unsigned until = 0);
 
