@@ -3,8 +3,8 @@
 
 #include <k7/foundation/error_string.h>
 
-#include <cstdlib>
-#include <cstring>
+#include <algorithm>
+#include <limits>
 
 #include "store/store_file.h"
 #include "store/text_1252.h"
@@ -32,6 +32,13 @@ const Column* ColumnOf(const TypeTable& table, const char* field) {
     if (column.at == layout.at && column.storage == layout.storage) return &column;
   }
   return nullptr;
+}
+
+// A fact that is a whole number.
+template <class T>
+T Whole(StoreFile& file, const char* fact) {
+  constexpr double LOW = std::numeric_limits<T>::min(), HIGH = std::numeric_limits<T>::max();
+  return static_cast<T>(std::clamp(file.Number(fact, 0), LOW, HIGH));
 }
 
 bool IsOurs(K7NavData::StoreType_t type, int store) { return type == K7NavData::STORE_NAVDATA && store == 0; }
@@ -94,8 +101,8 @@ void NavStore::FreeRecs() {
 
 int NavStore::GetEffectivity(StoreType_t type, int store, unsigned* from, unsigned* until, const char*) {
   if (!m_file || !IsOurs(type, store)) return K7_ERR_NOT_FOUND;
-  if (from) *from = static_cast<unsigned>(m_file->Number("from", 0));
-  if (until) *until = static_cast<unsigned>(m_file->Number("until", 0));
+  if (from) *from = Whole<unsigned>(*m_file, "from");
+  if (until) *until = Whole<unsigned>(*m_file, "until");
   return K7_OK;
 }
 
@@ -116,8 +123,8 @@ int NavStore::SetActiveStore(StoreType_t type, int store) {
 
 int NavStore::GetDataCycle(StoreType_t type, int store, int* cycle, int* revision) {
   if (!m_file || !IsOurs(type, store)) return K7_ERR_NOT_FOUND;
-  if (cycle) *cycle = static_cast<int>(m_file->Number("cycle", 0));
-  if (revision) *revision = static_cast<int>(m_file->Number("revision", 0));
+  if (cycle) *cycle = Whole<int>(*m_file, "cycle");
+  if (revision) *revision = Whole<int>(*m_file, "revision");
   return K7_OK;
 }
 

@@ -21,6 +21,11 @@
 ///
 /// Records and their texts stay the caller's and are copied. Keys in a record may name records that come
 /// later: `Update` puts them in. Used by one thread.
+///
+/// The store finds points by their position, lines by their ends, areas by their bounds (all four 0 when
+/// there are none) and what belongs together by its keys, in the order of `sequence` where there is one: a
+/// writer fills these, and boundaries (type 27) with the key of their airspace. Positions off the globe are
+/// kept and not found.
 class NavWriter {
  public:
   NavWriter();
@@ -41,8 +46,8 @@ class NavWriter {
   /// The number of records of a type so far.
   uint32_t Count(K7NavType type) const;
 
-  /// What the data are and whose (windows-1252), their cycle and its revision, and the days since 1970 from and until when
-  /// they hold (`until` not included; both 0 when not stated).
+  /// What the data are and whose (windows-1252), their cycle and its revision, and the days since 1970 from
+  /// and until when they hold (`until` not included; both 0 when not stated).
   void SetSource(const std::string& text, int cycle, int revision = 0, unsigned from = 0, unsigned until = 0);
 
   /// Builds the indexes and puts the database in its place. False, with `problem` in words and the old one as

@@ -32,6 +32,7 @@ Box LineBox(const K7AirwaySeg& seg) {
   if ((east < 0) != across) std::swap(box.west, box.east);
   K7LatLon from, to;
   EndsOf(seg, from, to);
+  if (from.InitCourse(to) < 0) return box;  // no way to go
   const double out = from.InitCourse(to) * RADIANS, in = from.FinalCourse(to) * RADIANS;
   const double vertex = std::acos(std::min(1.0, std::abs(std::sin(out)) * std::cos(from.Lat() * RADIANS)));
   const auto units = static_cast<int32_t>(std::ceil(vertex / RADIANS * UNITS));
