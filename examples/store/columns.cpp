@@ -39,8 +39,9 @@ void AddFields(TypeTable& table) {
 
 void AddMembers(TypeTable& table) {
   for (const Member& member : MembersOf(table.type)) {
-    Column* column = const_cast<Column*>(table.Find(member.name));
-    if (!column) column = &table.columns.emplace_back();
+    const auto named = [&](const Column& column) { return column.name == member.name; };
+    auto column = std::find_if(table.columns.begin(), table.columns.end(), named);
+    if (column == table.columns.end()) column = table.columns.emplace(column);
     const bool same = column->at == member.at && column->storage == member.storage;
     if (!same) *column = {member.name, member.storage, member.at, member.width, 1.0};
   }

@@ -48,7 +48,9 @@ bool Database::Open(const std::string& path, int flags) {
   const int state = sqlite3_open_v2(path.c_str(), &handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   m_handle.reset(handle);
   if (state != SQLITE_OK) return false;
-  // Records are small, and what comes from outside is not believed.
+  // Records are small, and what comes from outside is not believed. A database that is being made has no need
+  // of it, and would have to keep a journal.
+  if (!(flags & SQLITE_OPEN_READONLY)) return true;
   sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, 1 << 24);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);

@@ -87,6 +87,7 @@ K7NavQueryResult* NavStore::LineQuery(K7NavType type, const K7LatLon& from, cons
   Lines lines(*m_file, type);
   // In pieces, so that the boxes do not hold half of the world.
   const double length = from.Distance(to), course = from.InitCourse(to);
+  if (!std::isfinite(length)) return nullptr;
   const int pieces = std::max(1, static_cast<int>(std::ceil(length / std::max(60.0, 2 * width))));
   std::vector<Hit> found;
   for (int i = 0; i < pieces; i++) {

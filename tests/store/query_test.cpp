@@ -46,6 +46,37 @@ TEST(Store, FindsByIdentifierAndName) {
   EXPECT_EQ(store.AllQuery(K7NAV_AIRPORT, "x", none, K7NavData::SEARCH_WHOLE), nullptr);
 }
 
+TEST(Store, LinesAlongALineComeInOrder) {
+  Scene scene;
+  const double ends[][4] = {{-1, 5, 1, 5}, {0.5, 7, 0.5, 9}, {0.2, 1, 3, 2}, {-5, 5, -2, 5}, {0, -2, 0, 30}};
+  for (const auto& [fromLat, fromLon, toLat, toLon] : ends) {
+    const auto seg = Make<K7AirwaySeg>(K7NAV_LOW_AIRWAY);
+    seg->fromLat = K7NavData::DecDeg2FixPt(fromLat);
+    seg->fromLon = K7NavData::DecDeg2FixPt(fromLon);
+    seg->toLat = K7NavData::DecDeg2FixPt(toLat);
+    seg->toLon = K7NavData::DecDeg2FixPt(toLon);
+    scene.writer.Add(*seg);
+  }
+  scene.Open();
+  NavStore& store = scene.store;
+  using List = std::vector<int>;
+  const K7LatLon from(0, 0), to(0, 10);
+  EXPECT_EQ(Indexes(store.LineQuery(K7NAV_LOW_AIRWAY, from, to, 20)), (List{4, 2, 0}));
+  EXPECT_EQ(Indexes(store.LineQuery(K7NAV_LOW_AIRWAY, from, to, 31)), (List{4, 2, 0, 1}));
+
+  K7NavKeyArray keys;
+  for (const uint32_t idx : {3u, 9u, 1u}) keys += K7NavKey(idx, K7NAV_LOW_AIRWAY);
+  const std::unique_ptr<K7NavQueryResult> result(store.KeyQuery(keys));
+  const auto added = Make<K7AirwaySeg>(K7NAV_LOW_AIRWAY);
+  result->AddRec(added.get());
+  for (int round = 0; round < 2; round++) {
+    for (const uint32_t idx : {3u, 1u}) EXPECT_EQ(result->Next()->key.Idx(), idx);
+    EXPECT_EQ(result->Next(), added.get());
+    EXPECT_EQ(result->Next(), nullptr);
+    EXPECT_TRUE(result->Rewind());
+  }
+}
+
 TEST(Store, FindsWhatBelongsTogether) {
   Scene scene;
   const auto airport = MakeFix<K7Airport>(K7NAV_AIRPORT, "KSEA", 47.45, -122.31);
