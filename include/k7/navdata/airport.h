@@ -82,8 +82,8 @@ struct K7_API K7LowUseAirport : K7NavFix {
   K7NavText county;
   K7NavText sectional;  ///< name of the chart that shows it
   char cityDirection[4] = {};
-  uint16_t owner = 0;
-  uint16_t use = 0;
+  uint16_t owner = 0;  ///< 1 public, 2 private, 3 air force, 4 navy, 5 army
+  uint16_t use = 0;    ///< 1 public, 2 private
   K7NavText name;
   K7NavText city;
   char effectiveDate[10] = {};
@@ -117,11 +117,14 @@ struct K7_API K7Fleet : K7NavRec {
 /// How a fleet uses an airport (type 44). Aircraft type and fleet are one text.
 struct K7_API K7FleetAirport : K7NavRec {
   char fleet[20] = {};
-  int16_t airportType = 0;
+  int16_t airportType = 0;  ///< code of `TypeString`
   uint8_t reserved[2] = {};
   char ident[6] = {};
   uint8_t flags = 0;
   uint8_t reserved2 = 0;
   K7NavKey airport;
   uint8_t reserved3[8] = {};
+
+  /// 1 "Regular", 2 "Alternate", 3 "Refuel", 4 "Emergency"; null for any other.
+  static const char* TypeString(int code);
 };

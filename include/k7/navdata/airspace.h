@@ -26,6 +26,8 @@ struct K7_API K7CtrlAirspace : K7NavArea {
   char airspaceClass = 0;  ///< 'A' to 'G'; 0 none
   uint8_t reserved2[22] = {};
 
+  /// "Class B", "Control Zone" ... for the values above; "Unknown" for any other.
+  static const char* TypeString(int type);
   /// "SEATTLE Class B", with the class's letter where it has one.
   int GetDescription(K7NavData* data, K7String& out) const;
 };
@@ -120,9 +122,12 @@ struct K7_API K7SpecialActivityArea : K7NavRec {
   K7NavText city;
   K7NavText country;
   uint32_t flags = 0;
-  uint16_t type = 0;
+  uint16_t type = 0;  ///< code of `TypeString`
   uint8_t reserved[2] = {};
 
+  /// 1 "Parachuting", 2 "Gliding", 3 "Model Flying", 4 "Ballooning", 5 "Ultralight Flying", 6 "Aerobatics";
+  /// "Unknown" for any other.
+  static const char* TypeString(int code);
   /// "ident (name)".
   int GetDescription(K7NavData* data, K7String& out) const;
 };

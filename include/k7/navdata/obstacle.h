@@ -15,9 +15,12 @@ struct K7_API K7Obstacle : K7NavRec {
   uint16_t vertAccuracy = 0;
   uint8_t reserved[6] = {};
 
-  /// "Tower", "Building" ... for known codes; "Obstacle" for any other.
+  /// 1 "Antenna", 2 "Bridge", 3 "Building", 4 "Catenary", 5 "Chimney", 6 "Cooling Tower", 7 "Crane", 8 "Dam",
+  /// 9 "Dome", 10 "Elevator", 11 "Lighthouse", 12 "Mast", 13 "Monument", 14 "Pole", 15 "Rig", 16 "Sign",
+  /// 17 "Spire", 18 "Stack", 19 "Tank", 20 "Tower", 21 "Transmission Line", 22 "Tree", 23 "Wind Turbine";
+  /// "Obstacle" for any other.
   static const char* TypeString(int code);
-  /// "None", "Lighted" ... for known codes; "Unknown" for any other.
+  /// 1 "None", 2 "Lighted", 3 "Red", 4 "White Strobe", 5 "Red and White", 6 "Flood"; "Unknown" for any other.
   static const char* LightString(int code);
   /// "Tower 1250 ft (400 ft AGL)".
   int GetDescription(K7NavData* data, K7String& out) const;
