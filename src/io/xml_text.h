@@ -43,6 +43,8 @@ class K7XmlText {
   static size_t PlainLength(const char* text);
 
   void Clear() { m_size = 0; }
+  /// Drops what is behind the first `size` bytes.
+  void Cut(int size) { m_size = static_cast<size_t>(size); }
   bool Failed() const { return m_failed; }
   /// Terminated, never null.
   const char* Text() const;

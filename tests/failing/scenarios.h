@@ -2,6 +2,7 @@
 #pragma once
 
 #include "failing/driver.h"
+#include "support/small_store.h"
 
 #include <memory>
 
@@ -384,6 +385,25 @@ inline int Charts(FailingIO&, Digest& got) {
   return 0;
 }
 
+// What did not get memory leaves no half document.
+inline int NavRecords(FailingIO&, Digest& got) {
+  static SmallStore store;
+  static K7Airport& airport = []() -> K7Airport& {
+    const Quiet quiet;
+    return AddBusyAirport(store);
+  }();
+  K7String text("before");
+  for (const K7XmlOutputType_t output : {K7XML_FULL, K7XML_DISPLAY}) {
+    if (const int err = store.ToXML(&airport, output, text)) return text.IsEmpty() ? err : DAMAGED;
+    got.Add(text);
+  }
+  if (const int err = airport.ToXML(&store, K7XML_FULL, text)) return text.IsEmpty() ? err : DAMAGED;
+  got.Add(text);
+  TRY(store.GetDescriptionByKey(airport.key, text));
+  got.Add(text);
+  return 0;
+}
+
 using Files = std::vector<std::pair<std::string, std::string>>;
 
 // Remains of an old record in front of the sixth: the sequence fails, and the index leads on.
@@ -444,6 +464,7 @@ inline const Scenario ALL[] = {
     {"Positions", Positions},
     {"Projections", Projections},
     {"Charts", Charts},
+    {"NavRecords", NavRecords},
 };
 
 #undef TRY

@@ -197,8 +197,13 @@ class K7_API K7NavData {
   /// lower key. Null when there is none, and for types without a place. Lives as a record of `GetRec`.
   const K7NavRec* GetFixByIdent(K7NavType type, const char* ident, double lat, double lon);
   /// Replaces `out` with the record as an XML document of what a person reads about it. Related records come
-  /// from this store. 0 for null, with `out` untouched; K7_ERR_MEMORY, with `out` empty. For types 42, 44,
-  /// 45, 46, 48, 49, 50, 51 and 68 always 0.
+  /// from this store: an airport's runways by identifier, its frequencies from the last to the first. What is
+  /// not known is left out, but for the elements of fixes, VORs, airports and runways that hosts count on.
+  /// Types 19, 38, 40, 43, 47, 58 to 67 and from 69 on show the elements that all types share; a regional
+  /// note (type 37) is no XML: its text for K7XML_DOCUMENT, else empty. Type 23 is read as an obstacle.
+  ///
+  /// 0 for null, with `out` untouched; K7_ERR_MEMORY, with `out` empty. For types 42, 44, 45, 46, 48, 49, 50,
+  /// 51 and 68 always 0.
   int ToXML(K7NavRec* rec, K7XmlOutputType_t type, K7String& out);
   /// @}
 

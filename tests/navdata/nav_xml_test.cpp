@@ -1,0 +1,375 @@
+#include "support/small_store.h"
+
+#include <k7/foundation/error_string.h>
+#include <k7/io/xml_elem.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+constexpr char DECLARATION[] = "<?xml version=\"1.0\" encoding=\"windows-1252\"?>\n";
+constexpr K7XmlOutputType_t OUTPUTS[] = {K7XML_PLAIN, K7XML_FULL, K7XML_DISPLAY, K7XML_DOCUMENT};
+/// Types whose documents have the shared elements only.
+const std::set<unsigned> SHARED_ONLY = {19, 31, 32, 33, 34, 35, 36, 38, 40, 43, 47, 58, 59,
+                                        60, 61, 62, 63, 64, 65, 66, 67, 69, 70, 71, 72, 73};
+
+std::unique_ptr<K7NavRec> Make(unsigned type) {
+  std::unique_ptr<K7NavRec> rec(K7NavData::CreateRecord(static_cast<K7NavType>(type)));
+  if (rec) rec->key = K7NavKey(7, static_cast<K7NavType>(type));
+  return rec;
+}
+
+// Each field a value of its own: numbers from 11 on, texts that begin with a letter of the field's number.
+void Fill(K7NavRec& rec, std::vector<std::string>& texts) {
+  const int count = K7NavData::GetFieldCount(rec.Type());
+  texts.reserve(static_cast<size_t>(count));
+  for (int i = 0; i < count; i++) {
+    K7NavFieldDataType kind;
+    const char *name, *note;
+    ASSERT_TRUE(K7NavData::GetFieldInfo(rec.Type(), i, kind, name, note));
+    if (std::string_view(name) == "SmartNote Key" && rec.Type() == K7NAV_SMART_NOTE) continue;
+    texts.push_back(std::string(1, static_cast<char>('a' + i)) + "<&-text-longer-than-the-room-of-most>");
+    K7NavField value;
+    if (kind == K7FIELD_STRING) value.str = texts.back().c_str();
+    if (kind == K7FIELD_CHAR) value.c = 'H';
+    if (kind == K7FIELD_INTEGER) value.i = 11 + i;
+    if (kind == K7FIELD_UNSIGNED) value.u = static_cast<uint32_t>(11 + i);
+    if (kind == K7FIELD_REAL) value.d = 11 + i;
+    if (kind == K7FIELD_KEY) value.key = K7NavKey(static_cast<uint32_t>(i), K7NAV_ENROUTE_FIX);
+    K7NavData::SetField(&rec, i, value);
+  }
+}
+
+// Texts that were not overwritten: some fields lie over others.
+void ExpectTexts(const K7NavRec& rec, const std::vector<std::string>& texts, const K7XmlElem& root) {
+  std::string found;
+  for (const K7XmlElem* child = root.FirstChild(); child; child = child->NextSibling())
+    found += child->Text();
+  for (int i = 0; i < static_cast<int>(texts.size()); i++) {
+    K7NavFieldDataType kind;
+    const char *name, *note;
+    K7NavField value;
+    K7NavData::GetFieldInfo(rec.Type(), i, kind, name, note);
+    if (kind != K7FIELD_STRING || !K7NavData::GetField(&rec, i, &value) || !value.str) continue;
+    const std::string start = texts[static_cast<size_t>(i)].substr(0, 2);
+    const bool isWhole = std::string_view(value.str, 2) == start;
+    EXPECT_TRUE(!isWhole || found.find(start) != found.npos) << name << found;
+  }
+}
+
+bool IsKey(const K7XmlElem& elem) { return std::string_view(elem.Name()).ends_with("Key"); }
+
+void ExpectLabels(const K7XmlElem& elem, bool keysAllowed) {
+  for (const K7XmlElem* child = elem.FirstChild(); child; child = child->NextSibling()) {
+    SCOPED_TRACE(static_cast<const char*>(child->Name()));
+    EXPECT_EQ(std::string_view(child->Name()).find(' '), std::string_view::npos);
+    if (IsKey(*child)) {
+      EXPECT_TRUE(keysAllowed);
+      EXPECT_FALSE(child->ChildText("NavType").IsEmpty());
+    } else if (child->FirstChild()) {
+      ExpectLabels(*child, keysAllowed);
+    } else {
+      EXPECT_NE(child->AttribValue("Name"), nullptr);
+      EXPECT_EQ(child->NumAttribs(), 1);
+    }
+  }
+}
+
+// The text is what a tree of the same elements is written as.
+void ExpectWellFormed(const K7String& text, K7XmlElem& root) {
+  ASSERT_TRUE(std::string_view(text).starts_with(DECLARATION));
+  int err = 0;
+  ASSERT_NE(root.Parse(text, &err), nullptr) << err << '\n' << static_cast<const char*>(text);
+  EXPECT_STREQ(root.Name(), "Record");
+}
+
+std::string Rendered(K7NavRec& rec, K7XmlOutputType_t output, const char* element, K7NavData* data) {
+  K7String text;
+  K7XmlElem root;
+  EXPECT_EQ(data->ToXML(&rec, output, text), 0);
+  ExpectWellFormed(text, root);
+  const K7XmlElem* const found = root.Child(element);
+  return found ? static_cast<const char*>(found->Text()) : "(none)";
+}
+
+}  // namespace
+
+TEST(NavXml, EveryTypeRendersWhatItHolds) {
+  SmallStore store;
+  for (unsigned type = 0; type < K7NAV_TYPE_COUNT; type++) {
+    const auto rec = Make(type);
+    if (!rec) continue;
+    SCOPED_TRACE(type);
+    std::vector<std::string> texts;
+    Fill(*rec, texts);
+    rec->notes = "all <well> & good";
+    for (const K7XmlOutputType_t output : OUTPUTS) {
+      SCOPED_TRACE(output);
+      K7String text("what was there");
+      ASSERT_EQ(store.ToXML(rec.get(), output, text), 0);
+      if (type == K7NAV_REGIONAL_NOTE) {
+        EXPECT_EQ(std::string(text), output == K7XML_DOCUMENT ? texts[3] : "");
+        continue;
+      }
+      K7XmlElem root;
+      ExpectWellFormed(text, root);
+      K7String written(DECLARATION);
+      ASSERT_EQ(root.Write(written), 0);
+      text.Replace("> ", ">");  // reading takes them away
+      text.Replace(" </", "</");
+      EXPECT_STREQ(text, written);
+      EXPECT_STREQ(root.ChildText("OperationalNotes"), "all <well> & good");
+      EXPECT_EQ(root.Child("NavKey") != nullptr, output == K7XML_FULL);
+      ExpectLabels(root, output == K7XML_FULL);
+      if (!SHARED_ONLY.contains(type) && output == K7XML_PLAIN) ExpectTexts(*rec, texts, root);
+      // Besides the key, the type and the notes.
+      int elements = 0;
+      for (const K7XmlElem* child = root.FirstChild(); child; child = child->NextSibling()) elements++;
+      EXPECT_EQ(elements - 2 - (output == K7XML_FULL) > 0, !SHARED_ONLY.contains(type));
+    }
+  }
+}
+
+// Texts without NUL, codes beyond every table, numbers that are none.
+TEST(NavXml, AnyBytesRender) {
+  SmallStore store;
+  for (unsigned type = 0; type < K7NAV_TYPE_COUNT; type++) {
+    for (const int byte : {0xFF, 0x7F, 0x80, 0x01, 0x78}) {
+      const auto rec = Make(type);
+      if (!rec) continue;
+      SCOPED_TRACE(type);
+      std::set<int> pointers;
+      K7NavFieldLayout layout;
+      for (int i = 0; K7NavData::GetFieldLayout(rec->Type(), i, layout); i++) {
+        if (layout.storage == K7STORE_POINTER) pointers.insert(layout.at);
+      }
+      const K7NavRec clean = *rec;
+      uint8_t* const bytes = reinterpret_cast<uint8_t*>(rec.get());
+      const int size = K7NavData::GetRecSize(rec->Type());
+      // Members that no field names may be pointers, too: only numbers and texts that are fields are filled.
+      for (int i = 0; K7NavData::GetFieldLayout(rec->Type(), i, layout); i++) {
+        if (layout.bits <= 0 || pointers.contains(layout.at)) continue;
+        const int end = std::min(size, layout.at + layout.bits / 8);
+        std::fill(bytes + layout.at, bytes + end, static_cast<uint8_t>(byte));
+      }
+      static_cast<K7NavRec&>(*rec) = clean;
+      for (const K7XmlOutputType_t output : OUTPUTS) {
+        K7String text;
+        EXPECT_EQ(store.ToXML(rec.get(), output, text), 0);
+        EXPECT_TRUE(type == K7NAV_REGIONAL_NOTE || std::string_view(text).ends_with("</Record>\n"));
+      }
+      const K7NavKey key(7, rec->Type());
+      K7String text;
+      SmallStore other;
+      std::memcpy(static_cast<void*>(&other.Add<K7NavRec>(rec->Type())), rec.get(),
+                  static_cast<size_t>(size));
+      const int err = other.GetDescriptionByKey(key, text);
+      EXPECT_TRUE(err == 0 || err == K7_ERR_NOT_IMPLEMENTED) << err;
+    }
+  }
+}
+
+TEST(NavXml, ElementsReadAsRequired) {
+  SmallStore store;
+  const auto airport = [](auto change) {
+    return [change](K7NavRec& rec) { change(static_cast<K7Airport&>(rec)); };
+  };
+  const auto runway = [](auto change) {
+    return [change](K7NavRec& rec) { change(static_cast<K7Runway&>(rec)); };
+  };
+  const auto vor = [](auto change) {
+    return [change](K7NavRec& rec) { change(static_cast<K7VHFNavaid&>(rec)); };
+  };
+  const auto notes = [](const char* text) { return [text](K7NavRec& rec) { rec.notes = text; }; };
+  const auto none = [](K7NavRec&) {};
+  constexpr char NONE[] = "(none)";
+  const struct {
+    unsigned type;
+    std::function<void(K7NavRec&)> change;
+    int output;
+    const char* element;
+    const char* text;
+  } cases[] = {
+      {5, none, 0, "Type", "Airport"},
+      {5, none, 0, "OperationalNotes", NONE},
+      {5, notes("A CPDLC:x"), 0, "OperationalNotes", "A"},
+      {5, notes("A CPDLC:x"), 0, "CPDLCService", "x"},
+      {5, notes("CPDLC:x CPDLC: y  VFR:z"), 0, "CPDLCService", "x y  VFR:z"},
+      {5, notes("CPDLC:x CPDLC: y  VFR:z"), 0, "VFRNote", NONE},
+      {5, notes("VFR:v SATCOM: s INMARSAT: i"), 0, "VFRNote", "v SATCOM: s INMARSAT: i"},
+      {5, notes("  INMARSAT: i SATCOM: s"), 0, "INMARSATService", "i"},
+      {5, notes("  INMARSAT: i SATCOM: s"), 0, "SATCOMService", "s"},
+      {5, notes("  INMARSAT: i SATCOM: s"), 0, "OperationalNotes", NONE},
+      {5, airport([](auto& a) { a.lat = -K7NavData::DecDeg2FixPt(47.5); }), 0, "Latitude", "S 47 30.0"},
+      {5, airport([](auto& a) { a.lon = K7NavData::DecDeg2FixPt(-7.25); }), 1, "Longitude", "W 007 15.0"},
+      {5, none, 2, "LatLong", "N 00 00.0   E 000 00.0"},
+      {5, none, 2, "Latitude", NONE},
+      {5, airport([](auto& a) { a.elev = -4899; }), 0, "Elevation", NONE},
+      {5, airport([](auto& a) { a.elev = -4898; }), 0, "Elevation", "-4898 ft"},
+      {5, airport([](auto& a) { a.elev = 432; }), 0, "Elevation", "432 ft"},
+      {5, none, 0, "Elevation", "ft"},  // a blank and the unit; parsing takes the blank
+      {5, airport([](auto& a) { a.magVar = -35; }), 0, "MagVar", "3.5\xB0 W"},
+      {5, airport([](auto& a) { a.magVar = 3700; }), 0, "MagVar", "Oriented to True North"},
+      {5, airport([](auto& a) { a.magVar = 3800; }), 0, "MagVar", "380.0\xB0 E"},
+      {5, airport([](auto& a) { a.magVar = 3900; }), 0, "MagVar", "Unknown"},
+      {5, airport([](auto& a) { a.utcOffset = -330; }), 0, "Timezone", "-5:30 = UTC"},
+      {5, airport([](auto& a) { a.utcOffset = 545; }), 0, "Timezone", "+9:05 = UTC"},
+      {5, none, 0, "PatternAlt", NONE},
+      {5, airport([](auto& a) { a.elev = 400, a.patternAlt = 1000; }), 0, "PatternAlt",
+       "1400 ft (1000 ft AGL)"},
+      {5, airport([](auto& a) { a.speedLimit = 1; }), 0, "SpeedLimit", "1 kt"},
+      {5, none, 0, "SpeedLimit", "0 kts"},
+      {5, none, 0, "SpeedLimitAlt", NONE},
+      {5, airport([](auto& a) { a.speedLimitAlt = K7Alt(10000); }), 1, "SpeedLimitAlt", "10000 ft"},
+      {5, airport([](auto& a) { a.longestRunway = 95; }), 0, "LongestRunway", "9500 ft"},
+      {5, airport([](auto& a) { a.transLevel = K7Alt(12000, 2); }), 0, "TransitionLevel", "FL120"},
+      {5, airport([](auto& a) { a.flags = 0xC00; }), 0, "Usage", NONE},
+      {5, airport([](auto& a) { a.flags = 0x1C00; }), 2, "Usage", "Joint-Use"},
+      {5, airport([](auto& a) { a.flags = 0x1400; }), 2, "Usage", "Public"},
+      {5, airport([](auto& a) { a.flags = 0x1800; }), 2, "Usage", "Military"},
+      {5, airport([](auto& a) { a.flags = 0x1000; }), 2, "Usage", "Private"},
+      {5, none, 2, "Usage", NONE},
+      {5, airport([](auto& a) { a.flags = 0x40; }), 2, "DaylightSavings", "Observed"},
+      {5, none, 2, "DaylightSavings", "Not Observed"},
+      {5, none, 1, "FirKey", NONE},
+      {5, none, 0, "IATA", ""},
+      {5, airport([](auto& a) { std::memcpy(a.ident, "KSEA", 5), std::memcpy(a.iata, "SEA", 4); }), 2,
+       "ICAOIATA", "KSEA / SEA"},
+      {5, airport([](auto& a) { std::memcpy(a.ident, "KSEA", 5); }), 2, "ICAO", "KSEA"},
+      {5, airport([](auto& a) { std::memcpy(a.iata, "SEAX", 4); }), 2, "IATA", "SEAX"},
+      {0, none, 0, "Location", "5 NM S of Town"},
+      {0, vor([](auto& v) { v.freq = 11680; }), 0, "Frequency", "116.8 MHz"},
+      {0, vor([](auto& v) { v.freq = 11685; }), 0, "Frequency", "116.85 MHz"},
+      {0, vor([](auto& v) { std::memcpy(v.ident, "AB", 3); }), 0, "MorseCode", ". -   - . . ."},
+      {0, vor([](auto& v) { v.declination = 3800; }), 0, "Declination", "Oriented to Grid North"},
+      {0, vor([](auto& v) { v.declination = 5; }), 0, "Declination", "0.5\xB0 E"},
+      {0, vor([](auto& v) { v.range = 130; }), 0, "Range", "130 NM"},
+      {0, vor([](auto& v) { v.flags = 0x101; }), 0, "DetailedType", "VORTAC"},
+      {0, vor([](auto& v) { v.flags = 0x3; }), 0, "DetailedType", "VORDME"},
+      {0, vor([](auto& v) { v.flags = 0x42; }), 0, "DetailedType", "ILSDME"},
+      {6, none, 1, "AirportKey", ""},
+      {6, runway([](auto& r) { std::memcpy(r.airportIdent, "KSEAXX", 6); }), 0, "AirportIdent", "KSEAXX"},
+      {6, runway([](auto& r) { r.length = 8000, r.width = 150; }), 2, "LengthWidth",
+       "8000 ft x 150 ft (2438 m x 46 m)"},
+      {6, runway([](auto& r) { r.length = 8000, r.width = -1; }), 2, "LengthWidth",
+       "8000 ft x Unknown (2438 m x Unknown)"},
+      {6, none, 0, "Length", "Unknown"},
+      {6, none, 2, "Length", NONE},
+      {6, runway([](auto& r) { r.magBrg = 1642; }), 0, "MagneticBearing", "164.2\xB0"},
+      {6, runway([](auto& r) { r.trueBrg = 7; }), 0, "TrueBearing", "0.7\xB0 T"},
+      {6, none, 0, "Surface", "Clay"},
+      {6, runway([](auto& r) { r.surface = 25; }), 0, "Surface", "Tarmac"},
+      {6, runway([](auto& r) { r.surface = 26; }), 0, "Surface", "Unknown"},
+      {6, runway([](auto& r) { r.surface = -1; }), 0, "Surface", "Unknown"},
+      {6, runway([](auto& r) { r.flags = 0xCFF0; }), 0, "Lighting",
+       "Edge, Approach, Centerline, REIL, Touchdown, Part Time, Pilot Controlled, Prior Req REIL, "
+       "Prior Req Centerline, Prior Req Touchdown,"},
+      {6, runway([](auto& r) { r.flags = 0xE; }), 0, "Restrictions",
+       "Emergency Use Only, Glider Use Only, Ultralight Use Only,"},
+      {6, runway([](auto& r) { r.flags = 0xF; }), 0, "Restrictions", ""},
+      {6, runway([](auto& r) { r.tdzElev = -4899; }), 0, "TDZElev", NONE},
+      {6, none, 0, "DisplacedThreshold", NONE},
+      {6, runway([](auto& r) { r.stopway = 400; }), 0, "StopwayDistance", "400 ft"},
+      {6, runway([](auto& r) { r.gradient = 0.5F; }), 0, "RunwayGradient", "0.500 Up"},
+      {6, runway([](auto& r) { r.gradient = -0.25F; }), 0, "RunwayGradient", "-0.250 Down"},
+  };
+  for (const auto& row : cases) {
+    const auto rec = Make(row.type);
+    row.change(*rec);
+    EXPECT_EQ(Rendered(*rec, static_cast<K7XmlOutputType_t>(row.output), row.element, &store), row.text)
+        << row.element << " of " << row.type;
+  }
+  K7String text("kept");
+  EXPECT_EQ(store.ToXML(nullptr, K7XML_FULL, text), 0);
+  EXPECT_STREQ(text, "kept");
+}
+
+TEST(NavXml, SharedElementsAsTextAndInATree) {
+  struct Record : K7NavRec {
+    using K7NavRec::ToXML;
+  } rec;
+  rec.key = K7NavKey(3, K7NAV_MORA);
+  rec.notes = "a < b VFR: c";
+  for (const K7XmlOutputType_t output : OUTPUTS) {
+    K7XmlElem root("Record");
+    K7String text, written(DECLARATION);
+    ASSERT_EQ(rec.ToXML(nullptr, output, root), 0);
+    ASSERT_EQ(root.Write(written), 0);
+    ASSERT_EQ(rec.ToXML(nullptr, output, text), 0);
+    EXPECT_STREQ(text, written);
+    EXPECT_STREQ(root.ChildText("VFRNote"), "c");
+  }
+}
+
+TEST(NavXml, AirportHoldsItsRunwaysByIdentAndItsFrequenciesBackward) {
+  SmallStore store;
+  K7Airport& airport = AddBusyAirport(store);
+  // The same record twice in the query's answer, as a store over several files gives it.
+  store.Add<K7Runway>(K7NAV_RUNWAY) = static_cast<const K7Runway&>(*store.GetRec(K7NavKey(2, K7NAV_RUNWAY)));
+  for (const K7XmlOutputType_t output : OUTPUTS) {
+    K7String text;
+    K7XmlElem root;
+    ASSERT_EQ(store.ToXML(&airport, output, text), 0);
+    ExpectWellFormed(text, root);
+    std::string order;
+    for (const K7XmlElem* child = root.FirstChild(); child; child = child->NextSibling()) {
+      if (child->Name() == "Runway") order += std::string(child->ChildText("Ident")) + " ";
+      if (child->Name() == "CommRecord") order += std::string(child->ChildText("CommType")) + " ";
+    }
+    EXPECT_EQ(order, "16L 16R 34L 34R Departure Approach Tower Ground Clearance ATIS ");
+    ExpectLabels(root, output == K7XML_FULL);
+  }
+}
+
+TEST(NavData, DescriptionsAndFixesByIdent) {
+  SmallStore store;
+  K7Airport& airport = AddBusyAirport(store);
+  K7String text;
+  EXPECT_EQ(store.GetDescriptionByKey(airport.key, text), 0);
+  EXPECT_STREQ(text, "KSEA (SEATTLE-TACOMA INTL)");
+  EXPECT_EQ(store.GetDescriptionByKey(K7NavKey(2, K7NAV_RUNWAY), text), 0);
+  EXPECT_STREQ(text, "KSEA Runway 16L");
+  K7EnrouteComm& comm = store.Add<K7EnrouteComm>(K7NAV_ENROUTE_COMM);
+  K7FIR& fir = store.Add<K7FIR>(K7NAV_FIR);
+  comm.callsign = "SEATTLE";
+  fir.ident = "KZSE";
+  const std::pair<K7NavKey, const char*> described[] = {{comm.key, "Enroute Comm (SEATTLE)"},
+                                                        {fir.key, "KZSE UIR"}};
+  fir.flags = K7FIR::IS_UIR;
+  for (const auto& [key, expected] : described) {
+    EXPECT_EQ(store.GetDescriptionByKey(key, text), 0);
+    EXPECT_STREQ(text, expected);
+  }
+  fir.flags |= K7FIR::IS_FIR;
+  EXPECT_EQ(fir.GetDescription(&store, text), 0);
+  EXPECT_STREQ(text, "KZSE FIR");
+  EXPECT_FALSE(fir.IsOceanic());
+  fir.ident = "ZOZ";
+  EXPECT_TRUE(fir.IsOceanic());
+
+  EXPECT_EQ(store.GetDescriptionByKey(K7NavKey(), text), K7_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(store.GetDescriptionByKey(K7NavKey(999, K7NAV_AIRPORT), text), K7_ERR_INVALID_DATA);
+  EXPECT_EQ(store.GetDescriptionByKey(K7NavKey(5, K7NAV_AIRPORT_COMM), text), K7_ERR_NOT_IMPLEMENTED);
+
+  for (const double lon : {-122.0, 10.0, 179.5}) {
+    K7Waypoint& fix = store.Add<K7Waypoint>(K7NAV_ENROUTE_FIX);
+    std::memcpy(fix.ident, "JAWBN", 6);
+    fix.lon = K7NavData::DecDeg2FixPt(lon);
+  }
+  const auto lonOf = [&](double lon) {
+    const K7NavRec* const rec = store.GetFixByIdent(K7NAV_ENROUTE_FIX, "JAWBN", 0, lon);
+    return rec ? K7NavData::FixPt2DecDeg(static_cast<const K7NavFix*>(rec)->lon) : 0;
+  };
+  EXPECT_EQ(lonOf(-170), 179.5);
+  EXPECT_EQ(lonOf(-100), -122);
+  EXPECT_EQ(lonOf(0), 10);
+  EXPECT_EQ(store.GetFixByIdent(K7NAV_ENROUTE_FIX, "NOWHR", 0, 0), nullptr);
+  EXPECT_EQ(store.GetFixByIdent(K7NAV_OBSTACLE, "JAWBN", 0, 0), nullptr);
+}
