@@ -135,7 +135,8 @@ void AddNotes(XmlSink& out, K7XmlText& text, string_view notes) {
   }
   const auto put = [&text](string_view part) {
     part = Trimmed(part);
-    if (!part.empty() && text.Size() > 0) text.Append(" ", 1);
+    if (part.empty()) return;
+    if (text.Size() > 0) text.Append(" ", 1);
     text.Append(part.data(), part.size());
   };
   text.Clear();

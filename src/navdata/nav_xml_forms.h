@@ -188,6 +188,11 @@ template <class M>
 bool NonZeroFeet(Rendering& r, const void* member) {
   return As<M>(member) != 0 && AnyFeet<M>(r, member);
 }
+/// North is 360 where 0 says nothing.
+template <class M>
+bool KnownBearing(Rendering& r, const void* member) {
+  return As<M>(member) != 0 && Bearing<M>(r, member);
+}
 /// Hundredths of a degree, of either sign.
 template <class M>
 bool HundredthDegrees(Rendering& r, const void* member) {

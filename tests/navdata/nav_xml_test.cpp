@@ -328,36 +328,103 @@ TEST(NavXml, AirportHoldsItsRunwaysByIdentAndItsFrequenciesBackward) {
   }
 }
 
-TEST(NavData, DescriptionsAndFixesByIdent) {
+TEST(NavXml, SmartNoteHoldsWhatItAppliesTo) {
   SmallStore store;
-  K7Airport& airport = AddBusyAirport(store);
+  K7SmartNotes& note = store.Add<K7SmartNotes>(K7NAV_SMART_NOTE);
+  auto& link = store.Add<K7SmartNoteLink>(K7NAV_SMART_NOTE_LINK);
+  auto& altitude = store.Add<K7SmartNoteAltitude>(K7NAV_SMART_NOTE_ALTITUDE);
+  link.smartNote = altitude.smartNote = note.key;
+  link.distance = 12.5F;
+  altitude.altitude = 9500;
   K7String text;
-  EXPECT_EQ(store.GetDescriptionByKey(airport.key, text), 0);
-  EXPECT_STREQ(text, "KSEA (SEATTLE-TACOMA INTL)");
-  EXPECT_EQ(store.GetDescriptionByKey(K7NavKey(2, K7NAV_RUNWAY), text), 0);
-  EXPECT_STREQ(text, "KSEA Runway 16L");
-  K7EnrouteComm& comm = store.Add<K7EnrouteComm>(K7NAV_ENROUTE_COMM);
-  K7FIR& fir = store.Add<K7FIR>(K7NAV_FIR);
-  comm.callsign = "SEATTLE";
-  fir.ident = "KZSE";
-  const std::pair<K7NavKey, const char*> described[] = {{comm.key, "Enroute Comm (SEATTLE)"},
-                                                        {fir.key, "KZSE UIR"}};
-  fir.flags = K7FIR::IS_UIR;
-  for (const auto& [key, expected] : described) {
-    EXPECT_EQ(store.GetDescriptionByKey(key, text), 0);
-    EXPECT_STREQ(text, expected);
+  K7XmlElem root;
+  ASSERT_EQ(store.ToXML(&note, K7XML_DISPLAY, text), 0);
+  ExpectWellFormed(text, root);
+  ASSERT_TRUE(root.Child("SmartNoteLink") && root.Child("SmartNoteAltitude"));
+  EXPECT_STREQ(root.Child("SmartNoteLink")->ChildText("Distance"), "12.5 NM");
+  EXPECT_STREQ(root.Child("SmartNoteAltitude")->ChildText("Altitude"), "9500 Feet");
+  EXPECT_EQ(root.Child("SmartNoteComm"), nullptr);
+  ExpectLabels(root, false);
+}
+
+// Every text field holds its own name, every number 3, every key the airport's.
+TEST(NavData, DescriptionsOfEveryType) {
+  const struct {
+    unsigned type;
+    const char* text;  ///< null for types without one
+  } cases[] = {{0, "Ident (Name)"},
+               {1, "Ident (Name)"},
+               {4, "Ident (Name)"},
+               {5, "Ident (Name)"},
+               {6, "KSEA Runway Ident"},
+               {7, "Ident ILS"},
+               {8, nullptr},
+               {9, "Ident  - "},
+               {11, nullptr},
+               {12, "Enroute Comm (Callsign)"},
+               {13, "Name Class H"},
+               {14, "Ident (Name)"},
+               {16, "Ident FIR"},
+               {17, "Holding at "},
+               {18, nullptr},
+               {20, "Ident (Name)"},
+               {21, "Formation at KSEA"},
+               {24, nullptr},
+               {39, "Name (Designator)"},
+               {41, "Ident (Name)"},
+               {45, "Ident"},
+               {46, "Name"},
+               {48, "Name"},
+               {50, "Ident (3 min)"},
+               {51, "Name"},
+               {53, "Ident  - "},
+               {54, "Building 3 ft (3 ft AGL)"},
+               {57, "Ident FIR"},
+               {68, nullptr}};
+  for (const auto& [type, expected] : cases) {
+    SCOPED_TRACE(type);
+    SmallStore store;
+    const K7NavKey airport = AddBusyAirport(store).key;
+    K7NavRec& rec = store.Add<K7NavRec>(static_cast<K7NavType>(type));
+    for (int i = 0; i < K7NavData::GetFieldCount(rec.Type()) && type != K7NAV_SMART_NOTE; i++) {
+      K7NavFieldDataType kind;
+      const char *name, *note;
+      K7NavData::GetFieldInfo(rec.Type(), i, kind, name, note);
+      K7NavField value;
+      value.i = 3;
+      if (kind == K7FIELD_STRING) value.str = name;
+      if (kind == K7FIELD_CHAR) value.c = 'H';
+      if (kind == K7FIELD_KEY) value.key = airport;
+      K7NavData::SetField(&rec, i, value);
+    }
+    K7String text;
+    EXPECT_EQ(store.GetDescriptionByKey(rec.key, text), expected ? 0 : int{K7_ERR_NOT_IMPLEMENTED});
+    EXPECT_STREQ(text, expected ? expected : "");
   }
-  fir.flags |= K7FIR::IS_FIR;
+}
+
+TEST(NavData, DescriptionsByFlagsAndTheirFailures) {
+  SmallStore store;
+  K7FIR& fir = store.Add<K7FIR>(K7NAV_FIR);
+  K7String text;
+  fir.ident = "KZSE";
+  fir.flags = K7FIR::IS_UIR;
   EXPECT_EQ(fir.GetDescription(&store, text), 0);
-  EXPECT_STREQ(text, "KZSE FIR");
+  EXPECT_STREQ(text, "KZSE UIR");
   EXPECT_FALSE(fir.IsOceanic());
   fir.ident = "ZOZ";
   EXPECT_TRUE(fir.IsOceanic());
-
+  K7Waypoint same;
+  std::memcpy(same.ident, "JAWBN", 6);
+  same.name = "JAWBN";
+  EXPECT_EQ(same.GetDescription(nullptr, text), 0);
+  EXPECT_STREQ(text, "JAWBN");
   EXPECT_EQ(store.GetDescriptionByKey(K7NavKey(), text), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(store.GetDescriptionByKey(K7NavKey(999, K7NAV_AIRPORT), text), K7_ERR_INVALID_DATA);
-  EXPECT_EQ(store.GetDescriptionByKey(K7NavKey(5, K7NAV_AIRPORT_COMM), text), K7_ERR_NOT_IMPLEMENTED);
+}
 
+TEST(NavData, FixByIdentIsTheNearest) {
+  SmallStore store;
   for (const double lon : {-122.0, 10.0, 179.5}) {
     K7Waypoint& fix = store.Add<K7Waypoint>(K7NAV_ENROUTE_FIX);
     std::memcpy(fix.ident, "JAWBN", 6);

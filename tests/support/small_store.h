@@ -39,13 +39,22 @@ class SmallStore : public K7NavData {
     });
   }
   K7NavQueryResult* AirportRunways(const K7NavKey& key) override {
-    return OfAirport<K7Runway>(K7NAV_RUNWAY, key);
+    return Of<K7Runway, &K7Runway::airport>(K7NAV_RUNWAY, key);
   }
   K7NavQueryResult* AirportComms(const K7NavKey& key) override {
-    return OfAirport<K7AirportComm>(K7NAV_AIRPORT_COMM, key);
+    return Of<K7AirportComm, &K7AirportComm::airport>(K7NAV_AIRPORT_COMM, key);
   }
   K7NavQueryResult* FleetAirports(const K7NavKey& key) override {
-    return OfAirport<K7FleetAirport>(K7NAV_FLEET_AIRPORT, key);
+    return Of<K7FleetAirport, &K7FleetAirport::airport>(K7NAV_FLEET_AIRPORT, key);
+  }
+  K7NavQueryResult* NoteLinks(const K7NavKey& key) override {
+    return Of<K7SmartNoteLink, &K7SmartNoteLink::smartNote>(K7NAV_SMART_NOTE_LINK, key);
+  }
+  K7NavQueryResult* NoteComms(const K7NavKey& key) override {
+    return Of<K7SmartNoteComm, &K7SmartNoteComm::smartNote>(K7NAV_SMART_NOTE_COMM, key);
+  }
+  K7NavQueryResult* NoteAltitudes(const K7NavKey& key) override {
+    return Of<K7SmartNoteAltitude, &K7SmartNoteAltitude::smartNote>(K7NAV_SMART_NOTE_ALTITUDE, key);
   }
   int GetLocation(const K7NavRec&, K7String& out) override {
     const int result = out.Create("5 NM S of Town");
@@ -84,9 +93,6 @@ class SmallStore : public K7NavData {
   K7NavQueryResult* AirportsByRunway(const K7ChartRect&, int) override { return nullptr; }
   const K7NavRec* HighestObstacle(const K7ChartRect&) override { return nullptr; }
   K7NavQueryResult* RecordNotes(const K7NavKey&) override { return nullptr; }
-  K7NavQueryResult* NoteLinks(const K7NavKey&) override { return nullptr; }
-  K7NavQueryResult* NoteComms(const K7NavKey&) override { return nullptr; }
-  K7NavQueryResult* NoteAltitudes(const K7NavKey&) override { return nullptr; }
   K7NavQueryResult* RegionalNotes(const char*) override { return nullptr; }
   const K7NavRec* MoraAt(const K7LatLon&) override { return nullptr; }
   K7ChartRect GetExtent() override { return {}; }
@@ -116,10 +122,10 @@ class SmallStore : public K7NavData {
     }
     return result;
   }
-  template <class Record>
-  K7NavQueryResult* OfAirport(K7NavType type, const K7NavKey& key) {
+  template <class Record, K7NavKey Record::*WHOSE>
+  K7NavQueryResult* Of(K7NavType type, const K7NavKey& key) {
     return Query([=](const K7NavRec& rec) {
-      return rec.Type() == type && static_cast<const Record&>(rec).airport == key;
+      return rec.Type() == type && static_cast<const Record&>(rec).*WHOSE == key;
     });
   }
 
