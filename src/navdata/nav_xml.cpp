@@ -9,6 +9,7 @@
 #include <k7/navdata/note.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <iterator>
 #include <memory>
@@ -19,86 +20,72 @@ namespace {
 
 using std::string_view;
 
-constexpr bool FIX = true, LOST = true, NESTED = true;
+constexpr bool FIX = true, NO_FIX = false, LOST = true, KEPT = false, NESTED = true;
 
-// By type.
-constexpr Renderer RENDERERS[] = {
-    {&rows::VOR, FIX},
-    {&rows::NDB, FIX},
-    {&rows::NDB, FIX},
-    {&rows::WAYPOINT, FIX},
-    {&rows::WAYPOINT, FIX},
-    {&rows::AIRPORT, FIX},
-    {&rows::RUNWAY, FIX},
-    {&rows::LOCALIZER, FIX},
-    {&rows::MARKER, FIX},
-    {&rows::AIRWAY_SEG},
-    {&rows::AIRWAY_SEG},
-    {&rows::AIRPORT_COMM},
-    {&rows::ENROUTE_COMM},
-    {&rows::CTRL_AIRSPACE},
-    {&rows::SPECIAL_USE},
-    {&rows::FIR},
-    {&rows::FIR},
-    {&rows::HOLDING},
-    {&rows::MORA},
-    {},
-    {&rows::LOW_USE_AIRPORT, FIX},
-    {&rows::FORMATION},
-    {&rows::OBSTACLE},
-    {&rows::OBSTACLE},
-    {&rows::LEG},
-    {&rows::LEG},
-    {&rows::LEG},
-    {&rows::AIRSPACE_SEG},
-    {&rows::RESTRICTION},
-    {&rows::AIRWAY_HEADER},
-    {&rows::MIN_CROSSING},
-    {},
-    {},
-    {},
-    {},
-    {},
-    {},
-    {},  // regional notes are no XML
-    {},
-    {&rows::TRANSIT_ROUTE},
-    {},
-    {&rows::SPECIAL_ACTIVITY},
-    {&rows::COMPANY_AIRPORT, false, LOST},
-    {},
-    {&rows::FLEET_AIRPORT, false, LOST},
-    {&rows::ENDPOINT, false, LOST},
-    {&rows::SHORELINE, false, LOST},
-    {},
-    {&rows::BOUNDARY, false, LOST},
-    {&rows::MORA, false, LOST},
-    {&rows::ETOPS, false, LOST},
-    {&rows::COMPANY_COMM, false, LOST},
-    {&rows::AIRWAY_SEG},
-    {&rows::AIRWAY_SEG},
-    {&rows::OBSTACLE},
-    {&rows::OBSTACLE},
-    {&rows::OBSTACLE},
-    {&rows::FIR},
-    {},
-    {},
-    {},
-    {},
-    {},
-    {},
-    {},
-    {},
-    {},
-    {},
-    {&rows::SMART_NOTE, false, LOST},
-    {&rows::NOTE_LINK, false, false, NESTED},
-    {&rows::NOTE_COMM, false, false, NESTED},
-    {&rows::NOTE_ALTITUDE, false, false, NESTED},
-    {},
-    {},
+struct Entry {
+  K7NavType type;
+  Renderer renderer;
 };
-static_assert(std::size(RENDERERS) == K7NAV_TYPE_COUNT);
+
+constexpr Entry ENTRIES[] = {
+    {K7NAV_VOR, {&rows::VOR, FIX}},
+    {K7NAV_TERMINAL_NDB, {&rows::NDB, FIX}},
+    {K7NAV_ENROUTE_NDB, {&rows::NDB, FIX}},
+    {K7NAV_TERMINAL_FIX, {&rows::WAYPOINT, FIX}},
+    {K7NAV_ENROUTE_FIX, {&rows::WAYPOINT, FIX}},
+    {K7NAV_AIRPORT, {&rows::AIRPORT, FIX}},
+    {K7NAV_RUNWAY, {&rows::RUNWAY, FIX}},
+    {K7NAV_LOCALIZER, {&rows::LOCALIZER, FIX}},
+    {K7NAV_MARKER, {&rows::MARKER, FIX}},
+    {K7NAV_HIGH_AIRWAY, {&rows::AIRWAY_SEG}},
+    {K7NAV_LOW_AIRWAY, {&rows::AIRWAY_SEG}},
+    {K7NAV_HIGH_TACAN_AIRWAY, {&rows::AIRWAY_SEG}},
+    {K7NAV_LOW_TACAN_AIRWAY, {&rows::AIRWAY_SEG}},
+    {K7NAV_AIRPORT_COMM, {&rows::AIRPORT_COMM}},
+    {K7NAV_ENROUTE_COMM, {&rows::ENROUTE_COMM}},
+    {K7NAV_CTRL_AIRSPACE, {&rows::CTRL_AIRSPACE}},
+    {K7NAV_SPECIAL_USE_AIRSPACE, {&rows::SPECIAL_USE}},
+    {K7NAV_FIR_SECTOR, {&rows::FIR}},
+    {K7NAV_COMM_SECTOR, {&rows::FIR}},
+    {K7NAV_FIR, {&rows::FIR}},
+    {K7NAV_HOLDING, {&rows::HOLDING}},
+    {K7NAV_MORA, {&rows::MORA}},
+    {K7NAV_TAILORED_MORA, {&rows::MORA, NO_FIX, LOST}},
+    {K7NAV_LOW_USE_AIRPORT, {&rows::LOW_USE_AIRPORT, FIX}},
+    {K7NAV_FORMATION, {&rows::FORMATION}},
+    {K7NAV_OBSTACLE, {&rows::OBSTACLE}},
+    {K7NAV_LINE_OBSTACLE, {&rows::OBSTACLE}},
+    {K7NAV_OBSTACLE_54, {&rows::OBSTACLE}},
+    {K7NAV_OBSTACLE_55, {&rows::OBSTACLE}},
+    {K7NAV_OBSTACLE_56, {&rows::OBSTACLE}},
+    {K7NAV_SID, {&rows::LEG}},
+    {K7NAV_STAR, {&rows::LEG}},
+    {K7NAV_APPROACH, {&rows::LEG}},
+    {K7NAV_AIRSPACE_SEG, {&rows::AIRSPACE_SEG}},
+    {K7NAV_AIRWAY_RESTRICTION, {&rows::RESTRICTION}},
+    {K7NAV_AIRWAY_HEADER, {&rows::AIRWAY_HEADER}},
+    {K7NAV_MIN_CROSSING_ALT, {&rows::MIN_CROSSING}},
+    {K7NAV_TRANSIT_ROUTE, {&rows::TRANSIT_ROUTE}},
+    {K7NAV_SPECIAL_ACTIVITY, {&rows::SPECIAL_ACTIVITY}},
+    {K7NAV_COMPANY_AIRPORT, {&rows::COMPANY_AIRPORT, NO_FIX, LOST}},
+    {K7NAV_FLEET_AIRPORT, {&rows::FLEET_AIRPORT, NO_FIX, LOST}},
+    {K7NAV_TAILORED_ENDPOINT, {&rows::ENDPOINT, NO_FIX, LOST}},
+    {K7NAV_SHORELINE_DISTANCE, {&rows::SHORELINE, NO_FIX, LOST}},
+    {K7NAV_TAILORED_BOUNDARY, {&rows::BOUNDARY, NO_FIX, LOST}},
+    {K7NAV_ETOPS, {&rows::ETOPS, NO_FIX, LOST}},
+    {K7NAV_COMPANY_COMM, {&rows::COMPANY_COMM, NO_FIX, LOST}},
+    {K7NAV_SMART_NOTE, {&rows::SMART_NOTE, NO_FIX, LOST}},
+    {K7NAV_SMART_NOTE_LINK, {&rows::NOTE_LINK, NO_FIX, KEPT, NESTED}},
+    {K7NAV_SMART_NOTE_COMM, {&rows::NOTE_COMM, NO_FIX, KEPT, NESTED}},
+    {K7NAV_SMART_NOTE_ALTITUDE, {&rows::NOTE_ALTITUDE, NO_FIX, KEPT, NESTED}},
+};
+
+// The same by type; those without an entry have the shared elements.
+constexpr auto RENDERERS = [] {
+  std::array<Renderer, K7NAV_TYPE_COUNT> renderers;
+  for (const Entry& entry : ENTRIES) renderers[entry.type] = entry.renderer;
+  return renderers;
+}();
 constexpr Renderer SHARED;
 
 const Renderer& FindRenderer(K7NavType type) { return type < K7NAV_TYPE_COUNT ? RENDERERS[type] : SHARED; }
