@@ -87,7 +87,7 @@ void Nest(Rendering& r, K7NavQueryResult* found, const char* element, Order orde
   }
 #define K7ROW_KEY(element, record, member) K7ROW(element, nullptr, FULL, record, member, Key)
 #define K7ROW_RECORD(element, label, when, form) \
-  { element, label, k7nav::When::when, 0, &form }
+  { element, label, k7nav::When::when, 0, &(form) }
 /// What a query of the store finds of the record, nested.
 #define K7ROW_RELATED(element, query, order) \
   { element, nullptr, k7nav::When::ALWAYS, 0, &k7nav::Related<&K7NavData::query, k7nav::Order::order> }

@@ -85,19 +85,20 @@ constexpr Row ENROUTE_COMM_ROWS[] = {
     K7ROW("Altitude2", "Second Altitude", ALWAYS, K7EnrouteComm, alt2, Alt),
 };
 
-#define COMPANY_FREQ(element, label, member)                                                      \
-  K7ROW(element "Frequency", label " Frequency", ALWAYS, K7CompanyComm, member.value, Text),      \
-      K7ROW(element "Callsign", label " Callsign", ALWAYS, K7CompanyComm, member.callsign, Text), \
-      K7ROW(element "Hours", label " Hours", ALWAYS, K7CompanyComm, member.hours, Text)
-
 constexpr Row COMPANY_COMM_ROWS[] = {
     K7ROW("Name", "Name", ALWAYS, K7CompanyComm, name, Text),
     K7ROW("Ident", "Ident", ALWAYS, K7CompanyComm, ident, Text),
     K7ROW("ICAOCODE", "ICAO Code", ALWAYS, K7CompanyComm, icao, Text),
     K7ROW("FrequencyCount", "Frequencies", ALWAYS, K7CompanyComm, freqCount, Count),
-    COMPANY_FREQ("Primary", "Primary", primary),
-    COMPANY_FREQ("Secondary", "Secondary", secondary),
-    COMPANY_FREQ("Tertiary", "Tertiary", tertiary),
+    K7ROW("PrimaryFrequency", "Primary Frequency", ALWAYS, K7CompanyComm, primary.value, Text),
+    K7ROW("PrimaryCallsign", "Primary Callsign", ALWAYS, K7CompanyComm, primary.callsign, Text),
+    K7ROW("PrimaryHours", "Primary Hours", ALWAYS, K7CompanyComm, primary.hours, Text),
+    K7ROW("SecondaryFrequency", "Secondary Frequency", ALWAYS, K7CompanyComm, secondary.value, Text),
+    K7ROW("SecondaryCallsign", "Secondary Callsign", ALWAYS, K7CompanyComm, secondary.callsign, Text),
+    K7ROW("SecondaryHours", "Secondary Hours", ALWAYS, K7CompanyComm, secondary.hours, Text),
+    K7ROW("TertiaryFrequency", "Tertiary Frequency", ALWAYS, K7CompanyComm, tertiary.value, Text),
+    K7ROW("TertiaryCallsign", "Tertiary Callsign", ALWAYS, K7CompanyComm, tertiary.callsign, Text),
+    K7ROW("TertiaryHours", "Tertiary Hours", ALWAYS, K7CompanyComm, tertiary.hours, Text),
 };
 
 constexpr Row FORMATION_ROWS[] = {
