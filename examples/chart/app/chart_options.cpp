@@ -1,7 +1,7 @@
 #include "app/chart_options.h"
 
 #include <cstring>
-#include "app/shared_data.h"
+#include "app_common/shared_data.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // What a chart shows: the options that its request is filled in by.
 #pragma once
 
-#include "app/option_table.h"
+#include "app_common/option_table.h"
 #include "layers/chart.h"
 
 #include <span>

@@ -4,7 +4,7 @@
 
 #include "app/chart_options.h"
 #include "app/drawing.h"
-#include "app/verb.h"
+#include "app_common/verb.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "app/layer_options.h"
 
 #include <k7/foundation/string.h>
-#include "app/shared_data.h"
+#include "app_common/shared_data.h"
 
 #include <algorithm>
 #include <cstdlib>

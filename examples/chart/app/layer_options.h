@@ -1,7 +1,7 @@
 // Which layers a chart has and where their data are.
 #pragma once
 
-#include "app/option_table.h"
+#include "app_common/option_table.h"
 #include "layers/layer_table.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 // k7chart layers: what can be drawn from a data folder.
 
 #include "app/layer_options.h"
-#include "app/verb.h"
+#include "app_common/verb.h"
 
 #include <cstdio>
 #include <iterator>

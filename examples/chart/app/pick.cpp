@@ -3,7 +3,7 @@
 #include "app/chart_options.h"
 #include "app/drawing.h"
 #include "app/progress_line.h"
-#include "app/verb.h"
+#include "app_common/verb.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,7 +1,7 @@
 // k7chart projections: the projections of the library and what can be set of each.
 
 #include "app/chart_options.h"
-#include "app/verb.h"
+#include "app_common/verb.h"
 #include "layers/projection_params.h"
 
 #include <k7/foundation/string.h>

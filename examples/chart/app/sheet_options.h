@@ -1,7 +1,7 @@
 // The sheet that charts are drawn on.
 #pragma once
 
-#include "app/option_table.h"
+#include "app_common/option_table.h"
 
 struct SheetOptions {
   int smallest = 200;  // of width and height: less leaves no room for a chart beside its margins

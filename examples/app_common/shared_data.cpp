@@ -1,4 +1,4 @@
-#include "app/shared_data.h"
+#include "app_common/shared_data.h"
 
 #include <filesystem>
 #include <system_error>

@@ -1,4 +1,4 @@
-#include "app/option_table.h"
+#include "app_common/option_table.h"
 
 #include <algorithm>
 #include <charconv>

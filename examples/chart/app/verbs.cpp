@@ -1,0 +1,24 @@
+#include "app/verbs.h"
+
+// One file each; a new verb adds its line here and its row below.
+std::unique_ptr<Verb> MakeDraw();
+std::unique_ptr<Verb> MakeGallery();
+std::unique_ptr<Verb> MakePick();
+std::unique_ptr<Verb> MakeLayers();
+std::unique_ptr<Verb> MakeProjections();
+
+namespace {
+
+constexpr VerbRow VERBS[] = {
+    {"draw", "[OPTION]...", "Draws a chart of the world's coasts, rivers and borders.", MakeDraw},
+    {"gallery", "[OPTION]...", "Draws all nine projections on one sheet.", MakeGallery},
+    {"pick", "X,Y [OPTION]...", "Says what lies under pixels of a chart drawn with the same options.",
+     MakePick},
+    {"layers", "[OPTION]...", "Lists the layers and which of them the data folder has.", MakeLayers},
+    {"projections", "", "Lists the projections with their parameters.", MakeProjections},
+    HELP_VERB,
+};
+
+}  // namespace
+
+std::span<const VerbRow> Verbs() { return VERBS; }
