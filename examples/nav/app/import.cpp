@@ -1,0 +1,130 @@
+// k7nav import: published text files into a database.
+
+#include "app/import_options.h"
+#include "app_common/shared_data.h"
+#include "app_common/verb.h"
+
+#include <k7/geodesy/magvar.h>
+
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+
+#if defined(_WIN32)
+#include <io.h>
+#define isatty _isatty
+#define fileno _fileno
+#else
+#include <unistd.h>
+#endif
+
+namespace {
+
+// A bar on the terminal, for what takes longer than a moment.
+class ProgressBar {
+ public:
+  ~ProgressBar() { Wipe(); }
+  void Show(const std::string& what, double share) {
+    static constexpr int WIDTH = 30;
+    if (!m_terminal || Clock::now() < m_next) return;
+    m_next = Clock::now() + std::chrono::milliseconds(100);
+    const int full = static_cast<int>(share * WIDTH);
+    std::fprintf(stderr, "\r\033[K[%s%s] %s", std::string(static_cast<size_t>(full), '#').c_str(),
+                 std::string(static_cast<size_t>(WIDTH - full), ' ').c_str(), what.c_str());
+    std::fflush(stderr);
+    m_shown = true;
+  }
+  void Wipe() {
+    if (m_shown) std::fputs("\r\033[K", stderr);
+    m_shown = false;
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  Clock::time_point m_next = Clock::now() + std::chrono::milliseconds(300);
+  bool m_terminal = isatty(fileno(stderr)) != 0;
+  bool m_shown = false;
+};
+
+struct ImportOptions {
+  ImportFiles files;
+  std::string magnetic = SampleMagneticModel();
+};
+
+std::string SetPath(const char* text, std::string& path) {
+  path = text;
+  return path.empty() ? "a file needs a name" : "";
+}
+
+constexpr OptionRow<ImportOptions> OPTIONS[] = {
+    {"--nav", "FILE", "VORs, DMEs, NDBs, localizers and markers, in the format of nav.dat 810.",
+     [](const char* text, ImportOptions& o) { return SetPath(text, o.files.navaids); }},
+    {"--fix", "FILE", "Fixes, in the format of fix.dat 600.",
+     [](const char* text, ImportOptions& o) { return SetPath(text, o.files.fixes); }},
+    {"--awy", "FILE", "Airways, in the format of awy.dat 640.",
+     [](const char* text, ImportOptions& o) { return SetPath(text, o.files.airways); }},
+    {"--apt", "FILE", "Airports with runways and frequencies, in the format of apt.dat 1000.",
+     [](const char* text, ImportOptions& o) { return SetPath(text, o.files.airports); }},
+    {"--airspace", "FILE", "Airspaces, in the OpenAir format; may be given several times.",
+     [](const char* text, ImportOptions& o) {
+       o.files.airspaces.emplace_back();
+       return SetPath(text, o.files.airspaces.back());
+     },
+     true},
+    {"--magnetic", "FILE", "Coefficients of the magnetic model (default: that of the sample data).",
+     [](const char* text, ImportOptions& o) { return SetPath(text, o.magnetic); }},
+};
+
+class Import : public Verb {
+ public:
+  void AddOptions(OptionTable& table) override { table.Add(OPTIONS, m_options); }
+
+  std::string TakeArgument(const std::string& argument) override {
+    if (argument.empty()) return "the database needs a name";
+    if (!m_path.empty()) return Verb::TakeArgument(argument);
+    m_path = argument;
+    return {};
+  }
+
+  std::string Run() override {
+    const ImportFiles& files = m_options.files;
+    if (m_path.empty()) return "import needs the database that it is to write, as OUT.db";
+    if (files.navaids.empty() && files.fixes.empty() && files.airways.empty() && files.airports.empty() &&
+        files.airspaces.empty())
+      return "there is nothing to import: --nav, --fix, --awy, --apt and --airspace name the files";
+    return RunImport(files, m_path, m_options.magnetic);
+  }
+
+ private:
+  ImportOptions m_options;
+  std::string m_path;
+};
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeImport() { return std::make_unique<Import>(); }
+
+std::string SampleMagneticModel() { return SharedData("sample") + "/magnetic/WMM.COF"; }
+
+ImportFiles SampleFiles() {
+  const std::string folder = SharedData("sample") + "/navdata/";
+  return {folder + "apt.dat",
+          folder + "nav.dat",
+          folder + "fix.dat",
+          folder + "awy.dat",
+          {folder + "airspaces.txt"}};
+}
+
+std::string RunImport(const ImportFiles& files, const std::string& path, const std::string& magnetic) {
+  Tarsvald::MagVarWMM model(magnetic.c_str());
+  if (!model.IsLoaded()) return magnetic + " holds no coefficients of a magnetic model";
+  ImportLog log;
+  ProgressBar bar;
+  std::string problem =
+      ImportDatabase(files, path, &model, std::time(nullptr), log,
+                     [&bar](const std::string& what, double share) { bar.Show(what, share); });
+  bar.Wipe();
+  if (!problem.empty()) return problem;
+  for (const std::string& line : log.Lines()) std::fprintf(stderr, "k7nav: %s\n", line.c_str());
+  return {};
+}
