@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstring>
 #include <set>
+#include <tuple>
 
 namespace {
 
@@ -136,19 +137,23 @@ std::vector<const K7NavRec*> FindAll(NavStore& store, const std::string& ident, 
 }
 
 std::string NotThere(NavStore& store, const std::string& ident) {
-  static constexpr int SHOWN = 8, MOST_DIFFERENT = 3;
-  std::set<std::pair<int, std::string>> similar;  // the nearest spelling first
+  static constexpr int SHOWN = 8, ASKED = 100, MOST_DIFFERENT = 3;
+  // The nearest spelling first; of equally near ones those of the same letters, as exchanged ones are.
+  std::set<std::tuple<int, bool, std::string>> similar;
   std::string wanted = ident;
   for (char& c : wanted) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   for (const K7NavType type : LISTED) {
-    const std::unique_ptr<K7NavQueryResult> result(store.SimilarIdentQuery(type, ident.c_str(), SHOWN));
-    while (const K7NavRec* rec = result ? result->Next() : nullptr)
-      if (const std::string name = IdentOf(*rec); !name.empty())
-        similar.emplace(SpellingDistance(wanted, name, MOST_DIFFERENT), name);
+    const std::unique_ptr<K7NavQueryResult> result(store.SimilarIdentQuery(type, ident.c_str(), ASKED));
+    while (const K7NavRec* rec = result ? result->Next() : nullptr) {
+      const std::string name = IdentOf(*rec);
+      if (name.empty()) continue;
+      const bool sameLetters = std::is_permutation(name.begin(), name.end(), wanted.begin(), wanted.end());
+      similar.emplace(SpellingDistance(wanted, name, MOST_DIFFERENT), !sameLetters, name);
+    }
   }
   std::string text = "there is no " + Quoted(ident);
   int shown = 0;
-  for (const auto& [difference, name] : similar)
+  for (const auto& [difference, otherLetters, name] : similar)
     if (shown < SHOWN) text += (shown++ == 0 ? "; spelled like it are " : ", ") + name;
   return text;
 }
