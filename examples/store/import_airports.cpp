@@ -7,6 +7,7 @@
 #include <k7/geodesy/ecef.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 
 void PlaceIndex::Add(const K7NavFix& fix) {
   Place place{{}, fix.lat, fix.lon, fix.key};

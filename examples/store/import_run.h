@@ -9,7 +9,6 @@
 #include <k7/navdata.h>
 
 #include <cmath>
-#include <cstring>
 
 /// Takes records.
 class NavSink {
@@ -70,8 +69,7 @@ std::string ImportAirspaces(ByteSource& source, const std::string& name, ImportR
 /// @{
 template <size_t N>
 void CopyText(char (&to)[N], std::string_view text) {
-  const size_t count = text.size() < N ? text.size() : N;
-  std::memcpy(to, text.data(), count);
+  const size_t count = text.copy(to, N);
   if (count < N) to[count] = 0;
 }
 /// Limited to what a record holds.

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
+
 TEST(NavRows, FrequenciesGetTheirThirdDecimalBack) {
   // ICAO Annex 10: channels of 25 kHz end in .000, .025, .050 and .075 MHz.
   const struct {
