@@ -20,11 +20,27 @@ struct PixelBox {
   }
 };
 
+/// A rectangle of pixels that lies aslant, as what is written along a line.
+struct TurnedBox {
+  TurnedBox(const PixelBox& upright);
+  /// Turned about a point, by radians clockwise.
+  TurnedBox(const PixelBox& upright, double x, double y, double turn);
+
+  bool Meets(const TurnedBox& other) const;
+  PixelBox Bounds() const;
+
+  double x, y;                   ///< of its centre
+  double halfLength, halfWidth;  ///< along and across
+  double cos, sin;               ///< of the direction of its length
+};
+
 /// One line of text, its baseline at `y`.
 struct Label {
   std::string text;
   double x, y;
   Lettering lettering;
+  double turn = 0;     ///< radians clockwise about (x, y)
+  bool boxed = false;  ///< in a frame, on the fill of the lettering's item
 };
 
 /// Who comes first is placed: callers offer what matters most first. Coordinates are pixels of the chart's
@@ -32,16 +48,20 @@ struct Label {
 class LabelPlan {
  public:
   /// `sheet`: where labels may stand at all.
-  LabelPlan(cairo_t* cairo, const PixelBox& sheet) : m_cairo(cairo), m_sheet(sheet) {}
+  LabelPlan(cairo_t* cairo, const PixelBox& sheet);
 
   double Width(const std::string& text, const Lettering& lettering) const;
+  /// Of a label that is not turned.
   PixelBox BoxOf(const Label& label) const;
+  TurnedBox PlaceOf(const Label& label) const;
   /// Wholly on the sheet and clear of all that is placed.
-  bool IsFree(const PixelBox& box) const;
+  bool IsFree(const TurnedBox& box) const;
   /// Places a label if it fits; says whether it has.
-  bool Offer(const Label& label);
+  bool Offer(const Label& label) { return OfferWithin(m_sheet, label); }
+  /// Places it if it fits and lies within a part of the sheet, as what belongs on the map within the window.
+  bool OfferWithin(const PixelBox& part, const Label& label);
   /// Keeps a place clear of labels, for a symbol.
-  void Keep(const PixelBox& box) { m_taken.push_back(box); }
+  void Keep(const TurnedBox& box);
   /// A short line at the frame.
   void AddTick(double x1, double y1, double x2, double y2) { m_ticks.push_back({x1, y1, x2, y2}); }
 
@@ -53,9 +73,17 @@ class LabelPlan {
   struct Tick {
     double x1, y1, x2, y2;
   };
+  struct CellRange {
+    int left, top, right, bottom;
+  };
+  CellRange CellsOf(const PixelBox& bounds) const;
+  void DrawBox(const Theme& theme, const Label& label, double scale) const;
+
   cairo_t* m_cairo;
   PixelBox m_sheet;
-  std::vector<PixelBox> m_taken;
+  int m_columns, m_rows;
+  std::vector<TurnedBox> m_taken;
+  std::vector<std::vector<int>> m_cells;  // what is taken of each square of the sheet
   std::vector<Label> m_labels;
   std::vector<Tick> m_ticks;
 };

@@ -19,6 +19,10 @@ double TextWidth(cairo_t* cairo, const std::string& text, double size, bool bold
   return extents.x_advance;
 }
 
+const Color& InkOf(const Theme& theme, ThemeItem item) {
+  return item == ThemeItem::Text ? theme[item].fill : theme[item].line;
+}
+
 void WriteText(cairo_t* cairo, const Theme& theme, const std::string& text, double x, double y,
                const Lettering& lettering) {
   const double width = TextWidth(cairo, text, lettering.size, lettering.bold);
@@ -30,11 +34,11 @@ void WriteText(cairo_t* cairo, const Theme& theme, const std::string& text, doub
     cairo_set_dash(cairo, nullptr, 0, 0);
     SetColor(cairo, theme[ThemeItem::Halo].fill);
     cairo_stroke_preserve(cairo);
-    SetColor(cairo, theme[ThemeItem::Text].fill);
+    SetColor(cairo, InkOf(theme, lettering.item));
     cairo_fill(cairo);
     return;
   }
-  SetColor(cairo, theme[ThemeItem::Text].fill);
+  SetColor(cairo, InkOf(theme, lettering.item));
   cairo_show_text(cairo, text.c_str());
   cairo_new_path(cairo);
 }

@@ -23,6 +23,15 @@ enum class ThemeItem {
   Borders,
   Other,  ///< sets of the user's own
   Graticule,
+  Isogonics,  ///< lines of equal magnetic variation
+  Airspaces,  ///< controlled: line, and band inside it
+  RestrictedAirspaces,
+  OtherAirspaces,
+  Airways,  ///< fill: under their names
+  Fixes,
+  CompassRoses,
+  Navaids,
+  Airports,
   Limb,
   Frame,
   Neatline,  ///< the inner line of the frame

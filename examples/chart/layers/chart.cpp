@@ -66,7 +66,11 @@ void Chart::WriteUserThemePref(const char* path) {
 
 void Chart::OfferLabels(double size, LabelPlan& plan) {
   if (!m_view) return;
-  VisitShown([&](Layer& layer) { layer.OfferLabels(Context(), *m_path, size, plan); });
+  std::vector<Layer*> shown;
+  VisitShown([&](Layer& layer) { shown.push_back(&layer); });
+  for (Layer* const layer : shown) layer->KeepSymbols(Context(), plan);
+  for (auto layer = shown.rbegin(); layer != shown.rend(); ++layer)
+    (*layer)->OfferLabels(Context(), *m_path, size, plan);
 }
 
 std::vector<std::string> Chart::Pick(double dx, double dy) {

@@ -20,7 +20,8 @@ struct LayerContext {
 };
 
 /// A layer draws with the library's graphics context only. A chart asks all its layers for their areas
-/// first, then all for their lines, then for their labels, each time in their order.
+/// first, then all for their lines, each time in their order, then for the places that their symbols take,
+/// and last for their labels: of these the uppermost layer has the first choice.
 class Layer {
  public:
   virtual ~Layer() = default;
@@ -31,6 +32,8 @@ class Layer {
   virtual void Prepare(const LayerContext&) {}
   virtual void DrawAreas(const LayerContext&, K7MapPath&, K7Grfx&) {}
   virtual void DrawLines(const LayerContext&, K7MapPath&, K7Grfx&) {}
+  /// Keeps the places of symbols clear of any layer's labels.
+  virtual void KeepSymbols(const LayerContext&, LabelPlan&) {}
   /// `size` of ordinary lettering, in pixels.
   virtual void OfferLabels(const LayerContext&, K7MapPath&, double /*size*/, LabelPlan&) {}
   /// Adds a line of text for each thing that is drawn under a device point.

@@ -132,10 +132,10 @@ void ShapeLayer::VisitPoints(const LayerContext& context, Visit visit) const {
     }
 }
 
-void ShapeLayer::OfferLabels(const LayerContext& context, K7MapPath&, double, LabelPlan& plan) {
+void ShapeLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
   const double half = POINT_SIZE * context.scale / 2;
   VisitPoints(context, [&](int, double dx, double dy) {
-    plan.Keep({dx - half, dy - half, dx + half, dy + half});
+    plan.Keep(PixelBox{dx - half, dy - half, dx + half, dy + half});
   });
 }
 

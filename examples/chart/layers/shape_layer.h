@@ -17,7 +17,7 @@ class ShapeLayer : public Layer {
   ThemeItem Item() const override { return m_item; }
   void DrawAreas(const LayerContext& context, K7MapPath& path, K7Grfx& g) override;
   void DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) override;
-  void OfferLabels(const LayerContext& context, K7MapPath& path, double size, LabelPlan& plan) override;
+  void KeepSymbols(const LayerContext& context, LabelPlan& plan) override;
   void Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
             std::vector<std::string>& found) override;
   double DataScale() const override;

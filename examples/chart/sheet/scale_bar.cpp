@@ -62,7 +62,7 @@ bool DrawBar(cairo_t* cairo, const Theme& theme, const Bar& bar, double right, d
   const double pixels = length / bar.nmPerPixel;
   const double end = right - textRoom, left = end - pixels;
   if (pixels < size * SHORTEST ||
-      !plan.IsFree({left - nameRoom, baseline - size * ABOVE, right, baseline + size * BELOW}))
+      !plan.IsFree(PixelBox{left - nameRoom, baseline - size * ABOVE, right, baseline + size * BELOW}))
     return false;
   const double height = size * 0.45, top = baseline - size * 0.55;
   for (int i = 0; i < FIELDS; ++i) {
@@ -72,7 +72,7 @@ bool DrawBar(cairo_t* cairo, const Theme& theme, const Bar& bar, double right, d
   }
   cairo_rectangle(cairo, left, top, pixels, height);
   Stroke(cairo, theme[ThemeItem::Neatline], size / 12);
-  plan.Keep({left, baseline - size * ABOVE, end, baseline + size * BELOW});
+  plan.Keep(PixelBox{left, baseline - size * ABOVE, end, baseline + size * BELOW});
   plan.Offer({text, right, baseline, lettering});
   if (*bar.name) plan.Offer({bar.name, left - size * GAP, baseline, lettering});
   return true;
