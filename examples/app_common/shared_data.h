@@ -5,3 +5,5 @@
 
 /// The folder "sample" or "themes": beside an installed program as it was installed, else in the source tree.
 std::string SharedData(const char* folder);
+/// The sample of navigation data, as the build imported it; empty where it is not there.
+std::string SampleNav();

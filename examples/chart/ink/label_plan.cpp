@@ -86,7 +86,7 @@ bool LabelPlan::IsFree(const TurnedBox& box) const {
   const CellRange range = CellsOf(bounds);
   for (int row = range.top; row <= range.bottom; ++row)
     for (int column = range.left; column <= range.right; ++column)
-      for (const int taken : m_cells[static_cast<size_t>(row * m_columns + column)])
+      for (const int taken : m_cells[CellAt(column, row)])
         if (m_taken[static_cast<size_t>(taken)].Meets(box)) return false;
   return true;
 }
@@ -97,7 +97,7 @@ void LabelPlan::Keep(const TurnedBox& box) {
   const CellRange range = CellsOf(bounds);
   for (int row = range.top; row <= range.bottom; ++row)
     for (int column = range.left; column <= range.right; ++column)
-      m_cells[static_cast<size_t>(row * m_columns + column)].push_back(static_cast<int>(m_taken.size()));
+      m_cells[CellAt(column, row)].push_back(static_cast<int>(m_taken.size()));
   m_taken.push_back(box);
 }
 

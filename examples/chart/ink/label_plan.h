@@ -76,6 +76,9 @@ class LabelPlan {
   struct CellRange {
     int left, top, right, bottom;
   };
+  size_t CellAt(int column, int row) const {
+    return static_cast<size_t>(row) * static_cast<size_t>(m_columns) + static_cast<size_t>(column);
+  }
   CellRange CellsOf(const PixelBox& bounds) const;
   void DrawBox(const Theme& theme, const Label& label, double scale) const;
 

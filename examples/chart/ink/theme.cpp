@@ -43,7 +43,7 @@ constexpr Row ROWS[] = {
     {"Airspaces", FILL | STROKE | SCALES, {{31, 95, 168, 46}, {31, 95, 168, 230}, 1.1, {}, 0, 0.8}},
     {"RestrictedAirspaces", FILL | STROKE | SCALES, {{178, 46, 58, 46}, {178, 46, 58, 230}, 1.1, {}, 0, 0.8}},
     {"OtherAirspaces", FILL | STROKE | SCALES, {{92, 122, 56, 46}, {92, 122, 56, 230}, 1.1, {}, 0, 0.8}},
-    {"Airways", FILL | STROKE | SCALES, {{253, 252, 250, 235}, {66, 82, 110, 255}, 1, {}, 0, 1.5}},
+    {"Airways", FILL | STROKE | SCALES, {{253, 252, 250, 235}, {66, 82, 110, 255}, 1, {}, 0, 1}},
     {"Fixes", FILL | STROKE | SCALES, {{253, 252, 250, 255}, {66, 82, 110, 255}, 1, {}, 0, 0.3}},
     {"CompassRoses", STROKE | SCALES, {{}, {28, 84, 140, 153}, 0.8, {}, 0, 0.3}},
     {"Navaids", FILL | STROKE | SCALES, {{253, 252, 250, 255}, {28, 84, 140, 255}, 1.2, {}, 0, 3}},

@@ -71,6 +71,8 @@ void Chart::OfferLabels(double size, LabelPlan& plan) {
   for (Layer* const layer : shown) layer->KeepSymbols(Context(), plan);
   for (auto layer = shown.rbegin(); layer != shown.rend(); ++layer)
     (*layer)->OfferLabels(Context(), *m_path, size, plan);
+  for (auto layer = shown.rbegin(); layer != shown.rend(); ++layer)
+    (*layer)->OfferDetails(Context(), size, plan);
 }
 
 std::vector<std::string> Chart::Pick(double dx, double dy) {

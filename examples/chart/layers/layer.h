@@ -36,6 +36,8 @@ class Layer {
   virtual void KeepSymbols(const LayerContext&, LabelPlan&) {}
   /// `size` of ordinary lettering, in pixels.
   virtual void OfferLabels(const LayerContext&, K7MapPath&, double /*size*/, LabelPlan&) {}
+  /// What is the first to go where there is no room: offered when all layers have their labels.
+  virtual void OfferDetails(const LayerContext&, double /*size*/, LabelPlan&) {}
   /// Adds a line of text for each thing that is drawn under a device point.
   virtual void Pick(const LayerContext&, K7MapPath&, double /*dx*/, double /*dy*/,
                     std::vector<std::string>& /*found*/) {}

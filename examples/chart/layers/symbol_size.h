@@ -7,7 +7,7 @@
 inline constexpr double SymbolRadius(K7NavType type) {
   switch (type) {
     case K7NAV_VOR:
-      return 7;
+      return 7.5;
     case K7NAV_TERMINAL_NDB:
     case K7NAV_ENROUTE_NDB:
     case K7NAV_AIRPORT:

@@ -1,0 +1,240 @@
+#include "layers/airport_layer.h"
+
+#include "layers/place_label.h"
+
+#include <k7/navdata/airport.h>
+
+#include <cmath>
+#include <cstring>
+#include <iterator>
+
+namespace {
+
+constexpr double FEET_PER_NM = 1852 / 0.3048;
+
+// What a chart shows, by nautical miles an ordinary pixel: the shortest of the longest runways, and how far
+// apart symbols lie.
+struct Shown {
+  double toNM;
+  int runwayFeet;
+  double apart;
+};
+constexpr Shown SCALES[] = {{0.065, 0, 16},  {0.12, 0, 24},   {0.2, 1500, 28}, {0.35, 2500, 32},
+                            {0.6, 3500, 38}, {1.2, 5000, 48}, {3, 7000, 60},   {INFINITY, 8500, 76}};
+// Only large-scale charts have room for what few can land on.
+constexpr double SEAPLANES_TO_NM = 0.12, OTHERS_TO_NM = 0.065;
+
+// Lettering has more lines the larger the scale.
+constexpr double NAMES_TO_NM = 0.12, FIGURES_TO_NM = 0.35, DIRECTIONS_TO_NM = 1.2;
+// Shorter runways are shown without their airport's name.
+constexpr int NAMED_FEET = 3000;
+
+// By the longest runway's feet, pixels.
+constexpr struct {
+  int feet;
+  double radius;
+} RADII[] = {{8000, 5.2}, {5000, 4.6}, {3000, 4}, {0, 3.4}};
+// Symbols with something written in them.
+constexpr double WRITTEN_RADIUS = 4.8;
+// Runways are drawn true to the ground when the longest is longer than a symbol of this many pixels.
+constexpr double TRUE_FROM = 15;
+
+constexpr double PICK_REACH = 2;
+
+// What can land there, and who may.
+AirportSymbol SymbolOf(uint32_t flags) {
+  if (flags & K7Airport::HELIPORT) return AirportSymbol::Heliport;
+  if (flags & K7Airport::SEAPLANE_BASE) return AirportSymbol::Seaplane;
+  if (flags & K7Airport::PRIVATE) return AirportSymbol::Private;
+  return flags & K7Airport::TOWER ? AirportSymbol::Towered : AirportSymbol::Other;
+}
+
+const char* NameOf(AirportSymbol symbol) {
+  static const char* const NAMES[] = {"airport", "airport", "heliport", "seaplane base", "private airport"};
+  return NAMES[static_cast<size_t>(symbol)];
+}
+
+bool IsForAll(AirportSymbol symbol) {
+  return symbol == AirportSymbol::Towered || symbol == AirportSymbol::Other;
+}
+
+const Shown& ShownAt(double nm) {
+  const auto* const row = std::find_if(std::begin(SCALES), std::end(SCALES) - 1,
+                                       [&](const Shown& shown) { return nm <= shown.toNM; });
+  return *row;
+}
+
+double ShownTo(AirportSymbol symbol) {
+  return IsForAll(symbol) ? INFINITY : symbol == AirportSymbol::Seaplane ? SEAPLANES_TO_NM : OTHERS_TO_NM;
+}
+
+K7LatLon PositionOf(const K7NavFix& fix) {
+  return {K7NavData::FixPt2DecDeg(fix.lat), K7NavData::FixPt2DecDeg(fix.lon)};
+}
+
+struct RunwayEnds {
+  std::string ident;  // of the end at `from`
+  K7LatLon from, to;
+  double course;
+  int length, width;
+};
+
+// "34R" of "16L", as the other end is called; empty for what is no runway's name. Names may begin with "RW".
+std::string OppositeOf(const std::string& ident) {
+  static const char SIDES[] = "LRL";
+  const size_t first = ident.find_first_of("0123456789");
+  if (first == std::string::npos) return {};
+  size_t behind = first;
+  int number = 0;
+  for (; behind < ident.size() && K7String::IsDigit(ident[behind]) && behind < first + 2; ++behind)
+    number = number * 10 + (ident[behind] - '0');
+  number = (number + 17) % 36 + 1;
+  std::string side = ident.substr(behind);
+  if (!side.empty() && std::strchr("LR", side[0])) side[0] = *(std::strchr(SIDES, side[0]) + 1);
+  return ident.substr(0, first) + (number < 10 ? "0" : "") + std::to_string(number) + side;
+}
+
+// A store has each end as a record of its own; the second of a runway says where the first leads to, unless
+// the two lie much farther apart than it is long.
+void AddEnd(const K7Runway& end, std::vector<RunwayEnds>& runways) {
+  const std::string ident(end.ident, strnlen(end.ident, sizeof end.ident));
+  const K7LatLon at = PositionOf(end);
+  for (RunwayEnds& other : runways)
+    if (OppositeOf(other.ident) == ident) {
+      if (at.Distance(other.from) <= 1.5 * other.length / FEET_PER_NM) other.to = at;
+      return;
+    }
+  if (end.length <= 0) return;
+  const double course = end.trueBrg / 10.0;
+  K7LatLon far;
+  far.EndPoint(at, course, end.length / FEET_PER_NM);
+  runways.push_back({ident, at, far, course, end.length, end.width});
+}
+
+}  // namespace
+
+void AirportLayer::Prepare(const LayerContext& context) {
+  m_airports.clear();
+  if (!m_data || !context.theme[Item()].ShowsAt(context.view.NMPerPixel())) return;
+  Collect(context);
+  for (Airport& airport : m_airports)
+    if (airport.nm <= DIRECTIONS_TO_NM && IsForAll(airport.symbol)) FindRunways(context, airport);
+}
+
+void AirportLayer::Collect(const LayerContext& context) {
+  const auto take = [&](const auto& record, uint32_t flags) {
+    Airport airport;
+    if (!TakePlace(context, Item(), record, record.name, airport)) return;
+    const Shown& shown = ShownAt(airport.nm);
+    airport.symbol = SymbolOf(flags);
+    airport.longestRunway = record.longestRunway * 100;
+    if (airport.nm > ShownTo(airport.symbol) || airport.longestRunway < shown.runwayFeet) return;
+    airport.elev = record.elev;
+    airport.direction = NAN;
+    airport.weight = record.longestRunway + (airport.symbol == AirportSymbol::Towered ? 0.5 : 0);
+    airport.apart = shown.apart * context.scale;
+    m_airports.push_back(std::move(airport));
+  };
+  const K7ChartRect extent = context.view.GetExtent();
+  const double nm = NMPerOrdinaryPixel(context);
+  const int feet = ShownAt(nm).runwayFeet;
+  VisitRecords<K7Airport>(
+      feet > 0 ? m_data->AirportsByRunway(extent, feet) : m_data->AreaQuery(K7NAV_AIRPORT, extent),
+      [&](const K7Airport& record) { take(record, record.flags); });
+  if (nm <= OTHERS_TO_NM)
+    VisitRecords<K7LowUseAirport>(m_data->AreaQuery(K7NAV_LOW_USE_AIRPORT, extent),
+                                  [&](const K7LowUseAirport& record) { take(record, K7Airport::PRIVATE); });
+  Spacing spacing(FARTHEST_APART * context.scale);
+  KeepImportant(m_airports, spacing);
+}
+
+void AirportLayer::FindRunways(const LayerContext& context, Airport& airport) const {
+  std::vector<RunwayEnds> ends;
+  VisitRecords<K7Runway>(m_data->AirportRunways(airport.key),
+                         [&](const K7Runway& end) { AddEnd(end, ends); });
+  const auto longest = std::max_element(
+      ends.begin(), ends.end(), [](const RunwayEnds& a, const RunwayEnds& b) { return a.length < b.length; });
+  double north, east, trueNorth;
+  const K7MapView& view = context.view;
+  if (longest == ends.end() || !view.Scale(airport.lat, airport.lon, north, east) ||
+      !view.TrueNorth(airport.lat, airport.lon, trueNorth))
+    return;
+  airport.direction = trueNorth + longest->course;
+  const double pixelFeet = north * FEET_PER_NM;
+  if (longest->length / pixelFeet < TRUE_FROM * context.scale) return;
+  for (const RunwayEnds& runway : ends) {
+    // Ends beyond the window have their places too, behind a horizon not.
+    RunwayLine line{airport.dx, airport.dy, airport.dx, airport.dy, runway.width / pixelFeet};
+    view.ToDevice(runway.from.Lat(), runway.from.Lon(), line.x1, line.y1);
+    view.ToDevice(runway.to.Lat(), runway.to.Lon(), line.x2, line.y2);
+    airport.runways.push_back(line);
+  }
+}
+
+double AirportLayer::Radius(const Airport& airport) {
+  if (!IsForAll(airport.symbol)) return WRITTEN_RADIUS;
+  return std::find_if(std::begin(RADII), std::end(RADII) - 1,
+                      [&](const auto& row) { return airport.longestRunway >= row.feet; })
+      ->radius;
+}
+
+PixelBox AirportLayer::BoxOf(const LayerContext& context, const Airport& airport) {
+  const double edge = 1.5 * context.scale;
+  if (airport.runways.empty())
+    return BoxAbout(airport.dx, airport.dy, Radius(airport) * context.scale + edge);
+  PixelBox box = BoxAbout(airport.dx, airport.dy, 0);
+  for (const RunwayLine& r : airport.runways) {
+    box.left = std::min({box.left, r.x1, r.x2});
+    box.right = std::max({box.right, r.x1, r.x2});
+    box.top = std::min({box.top, r.y1, r.y2});
+    box.bottom = std::max({box.bottom, r.y1, r.y2});
+  }
+  return {box.left - 2 * edge, box.top - 2 * edge, box.right + 2 * edge, box.bottom + 2 * edge};
+}
+
+// The important lie above others.
+void AirportLayer::DrawLines(const LayerContext& context, K7MapPath&, K7Grfx& g) {
+  SymbolPen pen(g, context.theme[Item()], context.scale);
+  for (auto a = m_airports.rbegin(); a != m_airports.rend(); ++a) {
+    if (a->runways.empty())
+      pen.Airport(a->symbol, a->dx, a->dy, Radius(*a), a->direction);
+    else
+      pen.Runways(a->runways, a->symbol == AirportSymbol::Towered);
+  }
+}
+
+void AirportLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
+  for (const Airport& airport : m_airports) plan.Keep(BoxOf(context, airport));
+}
+
+// As on printed charts: the elevation, and behind it the longest runway in hundreds of feet.
+void AirportLayer::OfferLabels(const LayerContext& context, K7MapPath&, double size, LabelPlan& plan) {
+  for (const Airport& airport : m_airports) {
+    const Lettering small = {.size = size * 0.68, .halo = true, .item = Item()};
+    const Label ident = {
+        airport.ident, 0, 0, {.size = size * 0.78, .bold = true, .halo = true, .item = Item()}};
+    std::vector<Label> lines = {ident};
+    if (airport.nm <= NAMES_TO_NM && airport.longestRunway >= NAMED_FEET && !airport.name.empty())
+      lines.push_back({airport.name, 0, 0, small});
+    std::string figures;
+    if (airport.elev >= K7NavFix::LOWEST_ELEV) figures = std::to_string(airport.elev);
+    if (airport.longestRunway > 0) figures += "  L " + std::to_string(airport.longestRunway / 100);
+    if (airport.nm <= FIGURES_TO_NM && IsForAll(airport.symbol) && !figures.empty())
+      lines.push_back({figures, 0, 0, small});
+    const PixelBox box = BoxOf(context, airport);
+    while (!OfferBeside(context, box, lines, plan) && lines.size() > 1) lines.pop_back();
+  }
+}
+
+void AirportLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
+                        std::vector<std::string>& found) {
+  for (const Airport& airport : m_airports) {
+    const PixelBox box = BoxOf(context, airport);
+    if (!box.Meets(BoxAbout(dx, dy, PICK_REACH * context.scale))) continue;
+    std::string text = IdentAndName(airport) + " " + NameOf(airport.symbol);
+    if (airport.elev >= K7NavFix::LOWEST_ELEV) text += ", " + std::to_string(airport.elev) + " ft";
+    if (airport.longestRunway > 0)
+      text += ", longest runway " + std::to_string(airport.longestRunway) + " ft";
+    found.push_back(text);
+  }
+}
