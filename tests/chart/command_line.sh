@@ -56,9 +56,9 @@ says 'each from 450 to 16000 (default' help gallery
   fail "lines of the help"
 
 # The lists as a whole.
-lists() {  # verb; the list is the standard input
+lists() {  # verb and arguments; the list is the standard input
   cat >expected.txt
-  env K7CHART_DATA="$sample" "$chart" "$1" >list.txt
+  env K7CHART_DATA="$sample" "$chart" "$@" >list.txt
   diff expected.txt list.txt >&2 || fail "the list of $1"
 }
 lists projections <<'END'
@@ -83,14 +83,20 @@ perspective    General Perspective
 stereographic  Stereographic
 gnomonic       Gnomonic
 END
-lists layers <<END
+lists layers --nav none.db <<END
 Layers in $sample
 
-  layer    theme      present       sets
-  land     Land       1:110m 1:50m  ne_110m_land, ne_50m_land, ne_10m_land
-  lakes    Lakes      no            ne_110m_lakes, ne_50m_lakes, ne_10m_lakes
-  rivers   Rivers     1:110m 1:50m  ne_110m_rivers_lake_centerlines, ne_50m_rivers_lake_centerlines, ne_10m_rivers_lake_centerlines
-  borders  Borders    1:110m 1:50m  ne_110m_admin_0_boundary_lines_land, ne_50m_admin_0_boundary_lines_land, ne_10m_admin_0_boundary_lines_land
+  layer      theme      present       sets
+  land       Land       1:110m 1:50m  ne_110m_land, ne_50m_land, ne_10m_land
+  lakes      Lakes      no            ne_110m_lakes, ne_50m_lakes, ne_10m_lakes
+  rivers     Rivers     1:110m 1:50m  ne_110m_rivers_lake_centerlines, ne_50m_rivers_lake_centerlines, ne_10m_rivers_lake_centerlines
+  borders    Borders    1:110m 1:50m  ne_110m_admin_0_boundary_lines_land, ne_50m_admin_0_boundary_lines_land, ne_10m_admin_0_boundary_lines_land
+  isogonics  Isogonics  yes           $sample/magnetic/WMM.COF
+  airspaces  Airspaces  no            cannot read the navigation data 'none.db': No such file or directory
+  airways    Airways    no            cannot read the navigation data 'none.db': No such file or directory
+  fixes      Fixes      no            cannot read the navigation data 'none.db': No such file or directory
+  navaids    Navaids    no            cannot read the navigation data 'none.db': No such file or directory
+  airports   Airports   no            cannot read the navigation data 'none.db': No such file or directory
 
 1:110m serves beyond 2500 NM of range.
 1:50m serves beyond 400 NM of range.
@@ -136,7 +142,7 @@ picks 800,474 "$middle" "ne_110m_land: Country" "${kansas[@]}" --range 100 --dat
 picks 800,474 "$middle" "ne_50m_land: Land" "${kansas[@]}" --range 5000 --data fine
 K7CHART_DATA=coarse picks 800,474 "$middle" "ne_110m_land: Country" "${kansas[@]}" --range 100
 small=(--data coarse --size 400x300)
-"$chart" "${small[@]}" --output named.png
+"$chart" "${small[@]}" --layer land --output named.png
 for set in LAND coarse/ne_110m_land; do
   "$chart" "${small[@]}" --layer $set.shp --output file.png && cmp named.png file.png || fail "$set.shp is land"
 done
@@ -207,6 +213,10 @@ refuses "cannot read 'half/ne_110m_land.dbf'" --layer half/ne_110m_land.shp
 refuses "cannot read 'half/ne_110m_land.dbf'" --data half
 refuses "broken.shp" --layer broken.shp
 refuses "in the folder" --data "$work"
+refuses "cannot read the navigation data 'none.db': No such file" --nav none.db
+refuses "'broken.shp' is no database of navigation data" --layer airways --nav broken.shp
+refuses "cannot read the magnetic model 'none.COF': No such file" --magnetic none.COF
+refuses "'broken.shp' holds no coefficients of a magnetic model" --layer isogonics --magnetic broken.shp
 refuses "cannot write 'no/such/folder.png': No such file" --output no/such/folder.png
 refuses "cannot write '/dev/full': No space left" --output /dev/full
 refuses "Mercator" --projection mercator --center "N90 E0" --range 300

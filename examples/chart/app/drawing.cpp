@@ -14,13 +14,30 @@ std::string LayerStack::Load(const LayerOptions& options, const DataScale& scale
   std::vector<LayerRequest> requests;
   if (std::string problem = FindLayers(options, scale, requests); !problem.empty()) return problem;
   m_layers.push_back(std::make_unique<EarthLayer>());
+  // Meridians and parallels lie over the map and under what is flown by.
+  bool isLaid = !graticule;
+  const auto layGraticule = [&] {
+    if (!isLaid) m_layers.push_back(std::make_unique<GraticuleLayer>());
+    isLaid = true;
+  };
   for (const LayerRequest& request : requests) {
-    auto layer = std::make_unique<ShapeLayer>(request.item, request.path);
-    if (std::string problem = layer->Load(progress); !problem.empty()) return problem;
-    m_layers.push_back(std::move(layer));
+    if (request.item > ThemeItem::Graticule) layGraticule();
+    if (std::string problem = Add(request, options, progress); !problem.empty()) return problem;
   }
-  if (graticule) m_layers.push_back(std::make_unique<GraticuleLayer>());
+  layGraticule();
   return {};
+}
+
+std::string LayerStack::Add(const LayerRequest& request, const LayerOptions& options, Progress& progress) {
+  std::string problem;
+  if (request.path.empty()) {
+    m_layers.push_back(m_nav.Make(request.item, options, problem));
+    return problem;
+  }
+  auto layer = std::make_unique<ShapeLayer>(request.item, request.path);
+  problem = layer->Load(progress);
+  m_layers.push_back(std::move(layer));
+  return problem;
 }
 
 std::vector<Layer*> LayerStack::Layers() const {

@@ -3,6 +3,7 @@
 
 #include "app/chart_options.h"
 #include "app/layer_options.h"
+#include "app/nav_source.h"
 #include "app/sheet_options.h"
 
 #include "sheet/chart_sheet.h"
@@ -15,11 +16,15 @@
 /// The layers of a chart with their data, from the ground up.
 class LayerStack {
  public:
-  /// Reads the sets for a chart of that scale. Empty, or what went wrong.
+  /// Reads the sets for a chart of that scale, and opens what the other layers draw from. Empty, or what went
+  /// wrong.
   std::string Load(const LayerOptions& options, const DataScale& scale, bool graticule, Progress& progress);
   std::vector<Layer*> Layers() const;
 
  private:
+  std::string Add(const LayerRequest& request, const LayerOptions& options, Progress& progress);
+
+  NavSource m_nav;
   std::vector<std::unique_ptr<Layer>> m_layers;
 };
 

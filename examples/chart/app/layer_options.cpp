@@ -28,9 +28,20 @@ std::string SetData(const char* text, LayerOptions& options) {
   return {};
 }
 
+std::string SetNav(const char* text, LayerOptions& options) {
+  options.nav = text;
+  return {};
+}
+
+std::string SetMagnetic(const char* text, LayerOptions& options) {
+  options.magnetic = text;
+  return {};
+}
+
 std::string DataFiles(const LayerOptions&) {
   std::string files;
   for (const LayerRow& layer : Layers()) {
+    if (!layer.set) continue;
     files += files.empty() ? " " : ", ";
     files += SetName(layer, DATA_SCALES[0]) + ".shp";
   }
@@ -41,7 +52,7 @@ constexpr OptionRow<LayerOptions> LAYER_OPTIONS[] = {
     {"--layer", "LAYER",
      "one that 'k7chart layers' lists as present, or a shapefile set FILE.shp; may be repeated; without it "
      "all "
-     "that the data folder has are drawn",
+     "are drawn that there are data for",
      AddLayer, true},
 };
 
@@ -50,12 +61,24 @@ constexpr OptionRow<LayerOptions> DATA_OPTIONS[] = {
      "where the layers are read from (default $K7CHART_DATA, or else the sample data that k7chart comes "
      "with):",
      SetData, false, DataFiles},
+    {"--nav", "FILE.db",
+     "navigation data, made by 'k7nav import': airports, navaids, fixes, airways and airspaces (default: the "
+     "sample of the Salish Sea)",
+     SetNav},
+    {"--magnetic", "FILE.COF",
+     "coefficients of the World Magnetic Model, for magnetic courses and isogonic lines (default: those that "
+     "k7chart comes with)",
+     SetMagnetic},
 };
 
 // Empty, or what is wrong.
 std::string Find(const std::string& name, const std::string& folder, const DataScale& scale,
                  LayerRequest& request) {
   if (const LayerRow* const row = FindLayer(name.c_str())) {
+    if (!row->set) {
+      request = {row->item, {}};
+      return {};
+    }
     request = {row->item, FindAnySet(folder, *row, scale)};
     return request.path.empty() ? "no data for the layer " + Quoted(name) + ": " + WhatIsThere(folder)
                                 : std::string();
@@ -71,6 +94,8 @@ std::string Find(const std::string& name, const std::string& folder, const DataS
 LayerOptions::LayerOptions() {
   const char* const given = std::getenv("K7CHART_DATA");
   folder = given && *given ? given : SharedData("sample");
+  nav = SampleNav();
+  magnetic = SharedData("sample") + "/magnetic/WMM.COF";
 }
 
 void AddLayerOptions(OptionTable& table, LayerOptions& options) { table.Add(LAYER_OPTIONS, options); }
@@ -82,8 +107,9 @@ std::string FindLayers(const LayerOptions& options, const DataScale& scale,
   for (const std::string& name : options.names) {
     LayerRequest request;
     if (std::string problem = Find(name, options.folder, scale, request); !problem.empty()) return problem;
-    const bool twice = std::any_of(layers.begin(), layers.end(),
-                                   [&](const LayerRequest& other) { return other.path == request.path; });
+    const bool twice = std::any_of(layers.begin(), layers.end(), [&](const LayerRequest& other) {
+      return other.path == request.path && other.item == request.item;
+    });
     if (!twice) layers.push_back(std::move(request));
   }
   // As the table has them, whatever order they were asked for in: land would cover the lakes.
@@ -94,5 +120,9 @@ std::string FindLayers(const LayerOptions& options, const DataScale& scale,
     const std::string path = FindAnySet(options.folder, row, scale);
     if (!path.empty()) layers.push_back({row.item, path});
   }
-  return layers.empty() ? "no map data in the folder " + Quoted(options.folder) : std::string();
+  if (layers.empty()) return "no map data in the folder " + Quoted(options.folder);
+  for (const LayerRow& row : Layers())
+    if (!row.set && (!options.nav.empty() || row.item == ThemeItem::Isogonics))
+      layers.push_back({row.item, {}});
+  return {};
 }

@@ -11,10 +11,12 @@ struct LayerOptions {
   LayerOptions();
 
   std::string folder;
+  std::string nav;                 // database of navigation data; empty: none
+  std::string magnetic;            // coefficients of the magnetic model
   std::vector<std::string> names;  // as they were asked for; none: all that the folder has
 };
 
-/// A layer with its data.
+/// A layer with its data: its set, or nothing where it takes them from navigation data or the magnetic model.
 struct LayerRequest {
   ThemeItem item;
   std::string path;
@@ -22,9 +24,9 @@ struct LayerRequest {
 
 /// --layer
 void AddLayerOptions(OptionTable& table, LayerOptions& options);
-/// --data
+/// --data, --nav, --magnetic
 void AddDataOptions(OptionTable& table, LayerOptions& options);
 
-/// The sets that a chart of that scale is drawn from, each once, from the ground up. Empty, or what is wrong.
+/// The layers of a chart of that scale, each once, from the ground up. Empty, or what is wrong.
 std::string FindLayers(const LayerOptions& options, const DataScale& scale,
                        std::vector<LayerRequest>& layers);

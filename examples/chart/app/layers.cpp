@@ -1,6 +1,6 @@
 // k7chart layers: what can be drawn from a data folder.
 
-#include "app/layer_options.h"
+#include "app/nav_source.h"
 #include "app_common/verb.h"
 
 #include <cstdio>
@@ -13,9 +13,10 @@ class LayersVerb : public Verb {
   void AddOptions(OptionTable& table) override { AddDataOptions(table, m_options); }
 
   std::string Run() override {
-    std::printf("Layers in %s\n\n  %-9s%-11s%-14s%s\n", m_options.folder.c_str(), "layer", "theme", "present",
-                "sets");
+    std::printf("Layers in %s\n\n  %-11s%-11s%-14s%s\n", m_options.folder.c_str(), "layer", "theme",
+                "present", "sets");
     for (const LayerRow& layer : Layers()) {
+      if (!layer.set) continue;
       std::string scales, sets;
       for (const DataScale& scale : DATA_SCALES) {
         sets += (sets.empty() ? "" : ", ") + SetName(layer, scale);
@@ -23,8 +24,19 @@ class LayersVerb : public Verb {
         scales += scales.empty() ? "" : " ";
         scales += ScaleName(scale);
       }
-      std::printf("  %-9s%-11s%-14s%s\n", layer.name, ThemeItemName(layer.item),
+      std::printf("  %-11s%-11s%-14s%s\n", layer.name, ThemeItemName(layer.item),
                   scales.empty() ? "no" : scales.c_str(), sets.c_str());
+    }
+    NavStore store;
+    const std::string noStore = WhyNoStore(m_options.nav, store);
+    const std::string noModel = WhyNoMagneticModel(m_options.magnetic);
+    for (const LayerRow& layer : Layers()) {
+      if (layer.set) continue;
+      const bool magnetic = layer.item == ThemeItem::Isogonics;
+      const std::string& problem = magnetic ? noModel : noStore;
+      std::printf(
+          "  %-11s%-11s%-14s%s\n", layer.name, ThemeItemName(layer.item), problem.empty() ? "yes" : "no",
+          problem.empty() ? (magnetic ? m_options.magnetic : m_options.nav).c_str() : problem.c_str());
     }
     std::puts("");
     for (size_t i = 0; i + 1 < std::size(DATA_SCALES); ++i)

@@ -15,6 +15,12 @@ constexpr LayerRow LAYERS[] = {
     {"lakes", "lakes", ThemeItem::Lakes},
     {"rivers", "rivers_lake_centerlines", ThemeItem::Rivers},
     {"borders", "admin_0_boundary_lines_land", ThemeItem::Borders},
+    {"isogonics", nullptr, ThemeItem::Isogonics},
+    {"airspaces", nullptr, ThemeItem::Airspaces},
+    {"airways", nullptr, ThemeItem::Airways},
+    {"fixes", nullptr, ThemeItem::Fixes},
+    {"navaids", nullptr, ThemeItem::Navaids},
+    {"airports", nullptr, ThemeItem::Airports},
 };
 
 }  // namespace
@@ -33,8 +39,10 @@ const LayerRow* LayerOfFile(const std::string& path) {
   if (std::sscanf(name.c_str(), "ne_%dm_%n", &millions, &prefix) == 1)
     name.erase(0, static_cast<size_t>(prefix));
   for (const LayerRow& layer : LAYERS)
-    if (K7String::IComp(name.c_str(), layer.set) == 0) return &layer;
-  return FindLayer(name.c_str());
+    if (layer.set &&
+        (K7String::IComp(name.c_str(), layer.set) == 0 || K7String::IComp(name.c_str(), layer.name) == 0))
+      return &layer;
+  return nullptr;
 }
 
 const DataScale& ScaleFor(double rangeNM) {
@@ -50,6 +58,7 @@ std::string SetName(const LayerRow& layer, const DataScale& scale) {
 }
 
 std::string FindSet(const std::string& folder, const LayerRow& layer, const DataScale& scale) {
+  if (!layer.set) return {};
   std::string path = folder + "/" + SetName(layer, scale) + ".shp";
   return K7File::FilePathExists(path.c_str()) ? path : std::string();
 }

@@ -1,4 +1,4 @@
-// The layers that have a name, and the sets of a data folder that they are read from.
+// The layers that have a name, and the sets of a data folder that those of the map are read from.
 #pragma once
 
 #include "ink/theme.h"
@@ -9,8 +9,9 @@
 /// A layer is a row.
 struct LayerRow {
   const char* name;
-  const char* set;  ///< of the data folder, behind the scale
-  ThemeItem item;   ///< how it looks
+  const char*
+      set;         ///< of the data folder, behind the scale; null for what navigation data and magnetism give
+  ThemeItem item;  ///< how it looks
 };
 
 std::span<const LayerRow> Layers();
@@ -35,7 +36,7 @@ std::string ScaleName(const DataScale& scale);
 
 /// "ne_110m_land"
 std::string SetName(const LayerRow& layer, const DataScale& scale);
-/// The main file of a layer's set; empty when the folder does not have it.
+/// The main file of a layer's set; empty when the folder does not have it, as for a layer without sets.
 std::string FindSet(const std::string& folder, const LayerRow& layer, const DataScale& scale);
 /// The set at the wanted scale, or else the next finer one, or the next coarser; empty when there is none.
 std::string FindAnySet(const std::string& folder, const LayerRow& layer, const DataScale& wanted);

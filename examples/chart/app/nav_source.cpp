@@ -1,0 +1,62 @@
+#include "app/nav_source.h"
+
+#include "ink/readable.h"
+#include "layers/airport_layer.h"
+#include "layers/airspace_layer.h"
+#include "layers/airway_layer.h"
+#include "layers/fix_layer.h"
+#include "layers/isogonic_layer.h"
+#include "layers/navaid_layer.h"
+
+#include <k7/foundation/error_string.h>
+#include <k7/geodesy/magvar.h>
+
+std::string WhyNoStore(const std::string& path, NavStore& store) {
+  if (path.empty())
+    return "no navigation data: '--nav FILE.db' names a database that 'k7nav import' has made";
+  if (const std::string why = WhyUnreadable(path); !why.empty())
+    return "cannot read the navigation data " + Quoted(path) + ": " + why;
+  const int code = store.Open(path.c_str());
+  if (code == K7_ERR_INVALID_DATA)
+    return Quoted(path) + " is no database of navigation data; 'k7nav import' makes one";
+  return code == 0
+             ? std::string()
+             : "cannot read the navigation data " + Quoted(path) + ": " + K7ErrorString::ErrorString(code);
+}
+
+std::string WhyNoMagneticModel(const std::string& path) {
+  if (const std::string why = WhyUnreadable(path); !why.empty())
+    return "cannot read the magnetic model " + Quoted(path) + ": " + why;
+  K7MagVar::SetFilename(path.c_str());
+  const Tarsvald::MagVar* const model = K7MagVar::GetMagVar();
+  return model && model->Position(nullptr, 0, 0, 0, 0)
+             ? std::string()
+             : Quoted(path) + " holds no coefficients of a magnetic model";
+}
+
+std::string NavSource::OpenStore(const std::string& path) {
+  return m_store.IsOpen() ? std::string() : WhyNoStore(path, m_store);
+}
+
+std::unique_ptr<Layer> NavSource::Make(ThemeItem item, const LayerOptions& options, std::string& problem) {
+  problem = WhyNoMagneticModel(options.magnetic);
+  if (problem.empty() && item != ThemeItem::Isogonics) problem = OpenStore(options.nav);
+  if (!problem.empty()) return nullptr;
+  switch (item) {
+    case ThemeItem::Isogonics:
+      return std::make_unique<IsogonicLayer>();
+    case ThemeItem::Airspaces:
+      return std::make_unique<AirspaceLayer>(&m_store);
+    case ThemeItem::Airways:
+      return std::make_unique<AirwayLayer>(&m_store);
+    case ThemeItem::Fixes:
+      return std::make_unique<FixLayer>(&m_store);
+    case ThemeItem::Navaids:
+      return std::make_unique<NavaidLayer>(&m_store);
+    case ThemeItem::Airports:
+      return std::make_unique<AirportLayer>(&m_store);
+    default:
+      problem = std::string("there is no layer of ") + ThemeItemName(item);
+      return nullptr;
+  }
+}

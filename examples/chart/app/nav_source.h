@@ -1,0 +1,26 @@
+// Where the layers of navigation data come from: a database and the magnetic model, opened when the first of
+// them is wanted.
+#pragma once
+
+#include "app/layer_options.h"
+#include "layers/layer.h"
+
+#include "store/nav_store.h"
+
+#include <memory>
+
+/// Must outlive the layers.
+class NavSource {
+ public:
+  /// Null with `problem` in words when a file cannot be read, or for an item that has no such layer.
+  std::unique_ptr<Layer> Make(ThemeItem item, const LayerOptions& options, std::string& problem);
+
+ private:
+  std::string OpenStore(const std::string& path);
+
+  NavStore m_store;
+};
+
+/// Empty, or why the file cannot serve.
+std::string WhyNoStore(const std::string& path, NavStore& store);
+std::string WhyNoMagneticModel(const std::string& path);

@@ -1,0 +1,85 @@
+#include "layers/isogonic_layer.h"
+
+#include "layers/contour.h"
+
+#include <k7/geodesy/magvar.h>
+
+#include <cmath>
+
+namespace {
+
+constexpr double CELL = 12;          // pixels
+constexpr double TOLERANCE = 0.02;   // degrees
+constexpr double PICK_REACH = 4;     // pixels
+constexpr double LABELS_APART = 40;  // letter sizes along a line
+
+}  // namespace
+
+int IsogonicStep(double nmPerPixel) {
+  static const struct {
+    double upTo;
+    int degrees;
+  } STEPS[] = {{0.9, 1}, {3, 2}, {10, 5}, {25, 10}};
+  for (const auto& step : STEPS)
+    if (nmPerPixel <= step.upTo) return step.degrees;
+  return 20;
+}
+
+std::string VariationText(double degrees) {
+  K7String text;
+  text.Format("%.0f\xB0%s", std::fabs(degrees), degrees > 0 ? " E" : degrees < 0 ? " W" : "");
+  return Utf8(text);
+}
+
+void IsogonicLayer::Prepare(const LayerContext& context) {
+  m_lines.clear();
+  const K7MapView& view = context.view;
+  const Tarsvald::MagVar* const model = K7MagVar::GetMagVar();
+  if (!model || !context.theme[Item()].ShowsAt(view.NMPerPixel())) return;
+  const Contours contours(
+      [&](double dx, double dy) {
+        double lat, lon;
+        return view.FromDevice(dx, dy, lat, lon) ? model->Position(lat, lon, 0, 0, NAN) : NAN;
+      },
+      view.Width(), view.Height(), CELL);
+  const int step = IsogonicStep(view.NMPerPixel());
+  for (double value = std::ceil(contours.Least() / step) * step; value <= contours.Most(); value += step)
+    for (DeviceLine& line : contours.At(value, TOLERANCE)) m_lines.push_back({value, std::move(line)});
+}
+
+void IsogonicLayer::DrawLines(const LayerContext& context, K7MapPath&, K7Grfx& g) {
+  UseLine(g, context.theme[Item()], context.scale);
+  for (const Isogonic& isogonic : m_lines) {
+    isogonic.line.AddTo(g);
+    g.Stroke();
+  }
+}
+
+void IsogonicLayer::OfferLabels(const LayerContext& context, K7MapPath&, double size, LabelPlan& plan) {
+  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
+  const double letters = size * 0.85;
+  for (const Isogonic& isogonic : m_lines) {
+    Label label = {VariationText(isogonic.variation),
+                   0,
+                   0,
+                   {.size = letters, .align = Align::Centre, .halo = true, .item = Item()}};
+    const double length = isogonic.line.Length(), half = plan.Width(label.text, label.lettering) / 2;
+    double next = half;
+    for (double along = half; along + half <= length; along += size) {
+      if (along < next || !isogonic.line.IsStraight(along - half, along + half, letters * 0.15)) continue;
+      const DeviceLine::Spot spot = isogonic.line.TextSpotAt(along);
+      const DevicePoint at = Beside(spot, 0, letters * 0.28);
+      label.x = at.x;
+      label.y = at.y;
+      label.turn = spot.turn;
+      if (plan.OfferWithin(window, label)) next = along + LABELS_APART * size;
+    }
+  }
+}
+
+void IsogonicLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
+                         std::vector<std::string>& found) {
+  for (const Isogonic& isogonic : m_lines)
+    if (isogonic.line.Distance({dx, dy}) <= PICK_REACH * context.scale)
+      found.push_back("isogonic: magnetic variation " + VariationText(isogonic.variation));
+}
