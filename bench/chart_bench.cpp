@@ -5,8 +5,11 @@
 //   paths    the same lines and areas into a context that only counts points: what the library's paths cost
 //   alone
 //
+//   enroute  the same with all layers of navigation data, 300 NM over central Europe, from the database that
+//            K7_NAV_DATABASE names
+//
 // Sheets of 1600 x 1000 pixels about the Salish Sea. The 1:10m sets are those of libmagics++-data; rows for
-// which they are missing are left out.
+// which they are missing are left out, as is the enroute chart without a database.
 #include "ink/cairo_grfx.h"
 #include "layers/earth_layer.h"
 #include "layers/graticule_layer.h"
@@ -14,8 +17,11 @@
 #include "sheet/chart_sheet.h"
 #include "sheet/gallery.h"
 
+#include "app/nav_source.h"
+
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 
@@ -74,6 +80,33 @@ void Redraw(benchmark::State& state, const std::string& start, double range) {
   cairo_surface_destroy(surface);
 }
 
+void Enroute(benchmark::State& state, const std::string& start, double range) {
+  const char* const database = std::getenv("K7_NAV_DATABASE");
+  Layers layers(start);
+  if (!layers.valid || !database) return state.SkipWithError("no data");
+  LayerOptions options;
+  options.nav = database;
+  options.magnetic = K7_SAMPLE_DATA "/magnetic/WMM.COF";
+  NavSource nav;
+  std::vector<std::unique_ptr<Layer>> own;
+  for (const LayerRow& row : ::Layers()) {
+    if (row.set) continue;
+    std::string problem;
+    own.push_back(nav.Make(row.item, options, problem));
+    if (!own.back()) return state.SkipWithError(problem.c_str());
+    layers.pointers.push_back(own.back().get());
+  }
+  Chart chart(layers.pointers, layers.theme, layers.progress);
+  cairo_surface_t* const surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, WIDTH, HEIGHT);
+  cairo_t* const cairo = cairo_create(surface);
+  const ChartBox box = {0, 0, WIDTH, HEIGHT, 12.5};
+  for (auto _ : state)
+    if (!DrawChart(cairo, box, {K7_PROJ_LAMBERT, {49, 9}, range, {}}, layers.theme, chart).empty())
+      state.SkipWithError("no chart");
+  cairo_destroy(cairo);
+  cairo_surface_destroy(surface);
+}
+
 void Gallery(benchmark::State& state, const std::string& start) {
   Layers layers(start);
   if (!layers.valid) return state.SkipWithError("no data");
@@ -104,6 +137,8 @@ BENCHMARK_CAPTURE(Redraw, 10m_300NM, FINE, 300.0)->Unit(benchmark::kMillisecond)
 BENCHMARK_CAPTURE(Paths, 10m_300NM, FINE, 300.0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Redraw, 10m_world, FINE, 0.0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Paths, 10m_world, FINE, 0.0)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Enroute, 50m_300NM, K7_SAMPLE_DATA "/ne_50m_", 300.0)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Enroute, 50m_100NM, K7_SAMPLE_DATA "/ne_50m_", 100.0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Gallery, 10m, FINE)->Unit(benchmark::kMillisecond);
 
 }  // namespace
