@@ -1,19 +1,14 @@
-// A store of navigation records in memory, which answers what the layers of a chart ask.
+// A store of any number of records in memory, which answers what the layers of a chart ask.
 #pragma once
 
-#include <k7/geodesy/latlon.h>
-#include <k7/navdata/airport.h>
-#include <k7/navdata/airway.h>
-#include <k7/navdata/nav_data.h>
-#include <k7/navdata/navaid.h>
-#include <k7/projection/chart_rect.h>
+#include "support/small_store.h"
 
 #include <deque>
 #include <functional>
 #include <memory>
 #include <vector>
 
-class MemoryStore : public K7NavData {
+class MemoryStore : public SmallStore {
  public:
   /// Adds a record of a type; it stays the store's.
   template <class Record>
@@ -67,34 +62,4 @@ class MemoryStore : public K7NavData {
     return result;
   }
   std::deque<std::unique_ptr<K7NavRec>> m_records;
-
-  // What no layer asks.
-#define NOT_ASKED(type, operation) \
-  type operation override { return {}; }
-  NOT_ASKED(int, Open(const char*)) void Close() override {}
-  NOT_ASKED(bool, IsOpen() const) NOT_ASKED(int, GetCount(K7NavType)) using Q = K7NavQueryResult*;
-  using Key = const K7NavKey&;
-  using Rec = const K7NavRec*;
-  NOT_ASKED(Q, IdentQuery(K7NavType, const char*))
-  NOT_ASKED(Q, IdentPrefixQuery(K7NavType, const char*)) NOT_ASKED(
-      Q, SimilarIdentQuery(K7NavType, const char*, int)) NOT_ASKED(Q, NameQuery(K7NavType, const char*))
-      NOT_ASKED(Q, RegionQuery(K7NavType, const char*)) NOT_ASKED(Q, AirspacesAt(K7NavType, const K7LatLon&))
-          NOT_ASKED(Q, LineQuery(K7NavType, const K7LatLon&, const K7LatLon&,
-                                 double)) NOT_ASKED(Q, NearestQuery(K7NavType, const K7LatLon&, int, double))
-              NOT_ASKED(Q, AirportComms(Key)) NOT_ASKED(Q, AirportLocalizers(Key))
-                  NOT_ASKED(Q, AirportMarkers(Key)) NOT_ASKED(Q, AirportProcedures(Key, K7NavType))
-                      NOT_ASKED(Q, CompanyAirports(Key)) NOT_ASKED(Q, FleetAirports(Key))
-                          NOT_ASKED(Rec, RunwayLocalizer(Key)) NOT_ASKED(Rec, OppositeRunway(Key))
-                              NOT_ASKED(int, GetLocation(const K7NavRec&, K7String&))
-                                  NOT_ASKED(Rec, GetRec(Key))
-                                      NOT_ASKED(Q, KeyQuery(const K7NavKeyArray&)) void FreeRecs() override {}
-  NOT_ASKED(Q, AirwayQuery(const char*))
-  NOT_ASKED(Q, AirwaySegments(Key)) NOT_ASKED(Q, FixAirways(Key)) NOT_ASKED(Q, FixHoldings(Key))
-      NOT_ASKED(Q, FixCrossingAlts(Key)) NOT_ASKED(Q, SegmentRestrictions(Key))
-          NOT_ASKED(Q, AirspaceSegments(Key)) NOT_ASKED(Q, AirspaceComms(Key))
-              NOT_ASKED(Rec, HighestObstacle(const K7ChartRect&)) NOT_ASKED(Q, RecordNotes(Key))
-                  NOT_ASKED(Q, NoteLinks(Key)) NOT_ASKED(Q, NoteComms(Key)) NOT_ASKED(Q, NoteAltitudes(Key))
-                      NOT_ASKED(Q, RegionalNotes(const char*)) NOT_ASKED(Rec, MoraAt(const K7LatLon&))
-                          NOT_ASKED(K7ChartRect, GetExtent()) NOT_ASKED(int, GetSource(K7String&))
-#undef NOT_ASKED
 };

@@ -13,12 +13,12 @@
 namespace {
 
 struct NearOptions {
-  double range = 10;
+  double range = 25;
   double count = 30;
 };
 
 constexpr OptionRow<NearOptions> OPTIONS[] = {
-    {"--range", "NM", "How far away (default 10, at most 500).",
+    {"--range", "NM", "How far away (default 25, at most 500).",
      [](const char* text, NearOptions& o) -> std::string {
        return ReadNumber(text, o.range) && o.range > 0 && o.range <= 500
                   ? ""
