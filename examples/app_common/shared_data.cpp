@@ -16,13 +16,13 @@ std::string Installed(const char* name) {
 }  // namespace
 
 std::string SharedData(const char* folder) {
-  const std::string installed = Installed(folder);
+  std::string installed = Installed(folder);
   return installed.empty() ? std::string(K7CHART_SOURCE_DATA) + "/" + folder : installed;
 }
 
 std::string SampleNav() {
   std::error_code failed;
-  const std::string installed = Installed("sample.db");
+  std::string installed = Installed("sample.db");
   if (!installed.empty()) return installed;
   return std::filesystem::exists(K7CHART_BUILT_NAV, failed) ? K7CHART_BUILT_NAV : "";
 }

@@ -64,6 +64,7 @@ K7NavQueryResult* NavStore::SimilarIdentQuery(K7NavType type, const char* ident,
   if (HasColumn(type, "ident") && !m_file->Scan(type, "ident,idx", consider)) return nullptr;
   std::sort_heap(best.begin(), best.end());
   std::vector<K7NavKey> keys;
+  keys.reserve(best.size());
   for (const Candidate& candidate : best) keys.push_back(candidate.key);
   return ResultOf(*m_file, std::move(keys));
 }

@@ -149,6 +149,7 @@ void AirwayWriter::WriteChain(const AirwayName& airway, const std::vector<Segmen
 void AirwayWriter::Write(const AirwayName& airway, std::vector<Segment>& segments) {
   Merge(segments);
   std::vector<ChainEdge> edges;
+  edges.reserve(segments.size());
   for (const Segment& segment : segments) edges.push_back(segment.ends);
   for (const Chain& chain : ChainEdges(m_nodes.Places(), edges)) WriteChain(airway, segments, chain);
 }

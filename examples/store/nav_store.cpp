@@ -91,6 +91,7 @@ const K7NavRec* NavStore::GetRec(const K7NavKey& key) { return m_file ? m_file->
 K7NavQueryResult* NavStore::KeyQuery(const K7NavKeyArray& keys) {
   if (!m_file) return nullptr;
   std::vector<K7NavKey> wanted;
+  wanted.reserve(static_cast<size_t>(keys.Count()));
   for (int i = 0; i < keys.Count(); i++) wanted.push_back(keys[i]);
   return ResultOf(*m_file, std::move(wanted));
 }
