@@ -2,6 +2,7 @@
 #pragma once
 
 #include <k7/geodesy/constants.h>
+#include <k7/geodesy/cromley.h>
 #include <k7/geodesy/ecef.h>
 #include <k7/geodesy/grtcirc.h>
 #include <k7/geodesy/latlon.h>
