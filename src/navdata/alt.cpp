@@ -15,7 +15,6 @@ constexpr const char* SPECIAL[] = {"CLASS B", "ATC",   "TMZ",       "",    "", "
 int K7Alt::ToString(K7String& out, bool numberOnly, bool metric) const {
   const uint32_t value = Value(), flags = Flags();
   const bool isMetric = flags & METRIC;
-  out.Clear();
   const char* format = "%d ft";
   uint32_t number = value;
   if (IsSpecialValue()) {

@@ -201,6 +201,7 @@ TEST(GreatCircle, SegmentsOfOneCircleDoNotMeet) {
 TEST(Headings, WrapAndMeet) {
   EXPECT_EQ(HeadingDiff(350, 10), 20);
   EXPECT_EQ(HeadingDiff(0, 180), 180);
+  EXPECT_EQ(HeadingDiff(180.5, 0), 179.5);
   EXPECT_EQ(MidHeading(350, 10), 360);
   EXPECT_EQ(MidHeading(10, 100), 55);
   EXPECT_TRUE(std::isnan(NormalizeHeading(INFINITY)));

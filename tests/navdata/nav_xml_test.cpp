@@ -437,6 +437,11 @@ TEST(NavData, FixByIdentIsTheNearest) {
   EXPECT_EQ(lonOf(-170), 179.5);
   EXPECT_EQ(lonOf(-100), -122);
   EXPECT_EQ(lonOf(0), 10);
+  K7Waypoint& twin = store.Add<K7Waypoint>(K7NAV_ENROUTE_FIX);
+  std::memcpy(twin.ident, "JAWBN", 6);
+  twin.lon = K7NavData::DecDeg2FixPt(10);
+  EXPECT_EQ(store.GetFixByIdent(K7NAV_ENROUTE_FIX, "JAWBN", 0, 9)->key.Idx(), 1u)
+      << "of equals the lower key";
   EXPECT_EQ(store.GetFixByIdent(K7NAV_ENROUTE_FIX, "NOWHR", 0, 0), nullptr);
   EXPECT_EQ(store.GetFixByIdent(K7NAV_OBSTACLE, "JAWBN", 0, 0), nullptr);
 }
