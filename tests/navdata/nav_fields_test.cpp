@@ -207,6 +207,11 @@ TEST(NavFields, WritingKeepsToTheField) {
         default:
           EXPECT_EQ(out.u, 100u);
       }
+      if (kind == K7FIELD_STRING && layout.storage == K7STORE_TEXT) {
+        in.str = "A";
+        EXPECT_TRUE(K7NavData::SetField(rec, i, in) && K7NavData::GetField(rec, i, &out));
+        EXPECT_STREQ(out.str, "A") << "nothing is left of a longer text";
+      }
       const size_t at = static_cast<size_t>(layout.at);
       const size_t bytes =
           layout.storage == K7STORE_POINTER ? sizeof(char*) : static_cast<size_t>(layout.bits) / 8;
