@@ -98,6 +98,22 @@ TEST_F(NavImport, ReportsMalformedLinesAndRefusesOtherFiles) {
   EXPECT_EQ(m_log.Lines().back(), "input: 11 more of this kind");  // the missing last line is one
 }
 
+// Places have the model's variation, and courses are magnetic by it.
+TEST_F(NavImport, VariationIsTheModels) {
+  struct Constant : Tarsvald::MagVar {
+    bool Position(double* variation, double, double, double, int64_t) const override {
+      *variation = 12.5;
+      return true;
+    }
+    double Position(double, double, double, int64_t, double) const override { return 12.5; }
+  } model;
+  m_run.variation = Variation(&model, 0);
+  ASSERT_EQ(Import(ImportNavaids, "I\n810 Version\n2 48 -123 0 396 25 0 PA RITTS NDB\n99\n"), "");
+  EXPECT_EQ(m_sink.ndbs[0].magVar, 125);
+  ASSERT_EQ(Import(ImportAirways, "I\n640 Version\nAAA 0 10 BBB 0 11 1 30 180 V1\n99\n"), "");
+  EXPECT_EQ(m_sink.segments[0].course.Word(), K7Course(775, K7Course::MAGNETIC).Word());
+}
+
 TEST_F(NavImport, PutsNavaidsTogether) {
   ASSERT_EQ(
       Import(ImportAirports,
@@ -237,6 +253,8 @@ TEST_F(NavImport, LimitsOfAirspaces) {
   for (const char* bad : {"", "FL", "12 parsecs", "-5", "FL-3", "1e3", "ASK"})
     Import(ImportAirspaces, std::string("AC R\nAL ") + bad + "\n");
   EXPECT_EQ(m_log.Count(), 14);  // each limit, and each airspace without a boundary
+  EXPECT_EQ(Import(ImportAirspaces, "AC R\nV Q=1\nV D=-\nV X=10:00:00 N 010:00:00 E\nDC 5\n"), "");
+  EXPECT_EQ(m_log.Count(), 15) << "no such variable";
 }
 
 namespace {
