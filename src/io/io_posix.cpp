@@ -225,12 +225,6 @@ std::FILE* k7os::OpenStream(const char* path, const char* mode) {
 
 size_t k7os::ReadStream(std::FILE* stream, void* p, size_t n) {
 #ifdef __GLIBC__
-  // What is in the buffer, as its getc_unlocked takes it.
-  if (n <= static_cast<size_t>(stream->_IO_read_end - stream->_IO_read_ptr)) {
-    std::memcpy(p, stream->_IO_read_ptr, n);
-    stream->_IO_read_ptr += n;
-    return n;
-  }
   return fread_unlocked(p, 1, n, stream);
 #else
   return std::fread(p, 1, n, stream);
