@@ -128,8 +128,9 @@ class K7_API K7DevPolygon : public K7Array {
   /// Null outside; good until the polygon changes.
   K7DevPt* GetPoint(int index) const;
 
-  /// Whether a point lies in the ring by the even-odd rule; on its border it mostly does, see the lower end
-  /// rule of edges: an edge holds its upper end only.
+  /// Whether a point lies in the ring, by the even-odd rule; false with fewer than three points. The border
+  /// belongs to it, save a vertex from which both edges run downwards on the screen: an edge holds its lower
+  /// end and not its upper one.
   bool PointIn(const K7DevPt& p) const;
   /// Whether any edge i of this ring meets edge i of the other. Edges that the other does not have meet
   /// nothing.
