@@ -50,6 +50,15 @@ std::string Utf8Of1252(std::string_view text) {
   return utf8;
 }
 
+std::string Printable1252(std::string_view text) {
+  std::string shown(text);
+  for (char& c : shown) {
+    const char16_t character = CharacterOf(static_cast<unsigned char>(c));
+    if (character < 0x20 || (character >= 0x7F && character < 0xA0)) c = '?';
+  }
+  return Utf8Of1252(shown);
+}
+
 size_t Write1252(std::string_view utf8, char* out) {
   const char* const begin = out;
   for (size_t i = 0; i < utf8.size() && utf8[i];) {

@@ -15,8 +15,7 @@ struct DatabaseOptions {
 };
 void AddDatabaseOptions(OptionTable& table, DatabaseOptions& options);
 
-/// Opens it. That of the sample is imported when it is not there, or older than what it is made of. Empty, or
-/// what went wrong, in one line.
+/// Opens it. Empty, or what went wrong, in one line.
 std::string OpenDatabase(const DatabaseOptions& options, NavStore& store);
 
 /// Reads a position as `K7LatLon::ParsePosition` does. Empty, or what is wrong.
@@ -29,26 +28,10 @@ std::string Utf8(const char* text);
 std::string IdentOf(const K7NavRec& rec);
 /// "KSEA (SEATTLE-TACOMA INTL)", or what there is of a record without a description.
 std::string Describe(NavStore& store, const K7NavRec& rec);
-/// Where a record is: its own position, the middle of a segment or of the bounds of an area. False for
-/// records without a place.
+/// Where a record is: its own position, or the middle of its bounds. False for records without a place.
 bool PlaceOf(const K7NavRec& rec, K7LatLon& at);
 /// "N47 27.0 W122 18.7".
 std::string PositionText(const K7LatLon& at);
 
 /// Types that people look up by identifier, in the order in which they are listed.
 std::span<const K7NavType> ListedTypes();
-
-/// The records of an identifier: with `near` the nearest first, else by type. They belong to the store.
-std::vector<const K7NavRec*> FindAll(NavStore& store, const std::string& ident, const K7LatLon* near);
-/// "there is no KSAE; like it are KSEA, ..." for an identifier without records.
-std::string NotThere(NavStore& store, const std::string& ident);
-
-/// An identifier and where it is meant: what find, describe and field have in common.
-struct IdentOptions {
-  std::string ident;
-  std::string near;
-};
-void AddIdentOptions(OptionTable& table, IdentOptions& options);
-/// Opens the database and finds. Empty, or what went wrong.
-std::string FindIdent(const IdentOptions& options, const DatabaseOptions& database, NavStore& store,
-                      std::vector<const K7NavRec*>& found);

@@ -1,7 +1,6 @@
 // k7nav describe: records as XML.
 
-#include "app/database.h"
-#include "app_common/verb.h"
+#include "app/ident_verb.h"
 
 #include <cstdio>
 
@@ -30,39 +29,27 @@ constexpr OptionRow<DescribeOptions> OPTIONS[] = {
      }},
 };
 
-class DescribeVerb : public Verb {
+class DescribeVerb : public IdentVerb {
  public:
+  DescribeVerb() : IdentVerb("describe needs an identifier, as KSEA") {}
   void AddOptions(OptionTable& table) override {
     table.Add(OPTIONS, m_options);
-    AddIdentOptions(table, m_ident);
-    AddDatabaseOptions(table, m_database);
+    IdentVerb::AddOptions(table);
   }
 
-  std::string TakeArgument(const std::string& argument) override {
-    if (!m_ident.ident.empty()) return Verb::TakeArgument(argument);
-    m_ident.ident = argument;
-    return argument.empty() ? "an identifier has letters" : "";
-  }
-
-  std::string Run() override {
-    if (m_ident.ident.empty()) return "describe needs an identifier, as KSEA";
-    NavStore store;
-    std::vector<const K7NavRec*> found;
-    if (std::string problem = FindIdent(m_ident, m_database, store, found); !problem.empty()) return problem;
+ private:
+  std::string Tell(NavStore& store, const std::vector<const K7NavRec*>& found) override {
     for (const K7NavRec* rec : found) {
       K7String xml;
       // A rendering changes nothing of its record.
       if (store.ToXML(const_cast<K7NavRec*>(rec), m_options.as, xml) != 0)
-        return "the record of " + Quoted(m_ident.ident) + " cannot be written";
+        return "the record of " + Quoted(Ident()) + " cannot be written";
       std::printf("%s\n", static_cast<const char*>(xml));
     }
     return {};
   }
 
- private:
   DescribeOptions m_options;
-  IdentOptions m_ident;
-  DatabaseOptions m_database;
 };
 
 }  // namespace

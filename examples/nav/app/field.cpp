@@ -1,7 +1,6 @@
 // k7nav field: one field of the records of an identifier.
 
-#include "app/database.h"
-#include "app_common/verb.h"
+#include "app/ident_verb.h"
 
 #include <k7/navdata/nav_data.h>
 
@@ -32,36 +31,27 @@ std::string ValueText(K7NavFieldDataType kind, const K7NavField& value) {
   return {};
 }
 
-class Field : public Verb {
+class Field : public IdentVerb {
  public:
-  void AddOptions(OptionTable& table) override {
-    AddIdentOptions(table, m_ident);
-    AddDatabaseOptions(table, m_database);
-  }
+  Field() : IdentVerb("field needs an identifier and the name of a field, as KSEA Elev") {}
 
   std::string TakeArgument(const std::string& argument) override {
-    if (m_ident.ident.empty())
-      m_ident.ident = argument;
-    else if (m_field.empty())
-      m_field = argument;
-    else
-      return Verb::TakeArgument(argument);
-    return argument.empty() ? "an identifier and a field have letters" : "";
+    if (Ident().empty() || !m_field.empty()) return IdentVerb::TakeArgument(argument);
+    m_field = argument;
+    return argument.empty() ? "a field has letters" : "";
   }
 
-  std::string Run() override {
-    if (m_field.empty()) return "field needs an identifier and the name of a field, as KSEA Elev";
-    NavStore store;
-    std::vector<const K7NavRec*> found;
-    if (std::string problem = FindIdent(m_ident, m_database, store, found); !problem.empty()) return problem;
+  std::string Run() override { return m_field.empty() ? Needs() : IdentVerb::Run(); }
+
+ private:
+  std::string Tell(NavStore& store, const std::vector<const K7NavRec*>& found) override {
     bool any = false;
     for (const K7NavRec* rec : found) any = Print(store, *rec) || any;
     return any ? ""
-               : "no record of " + Quoted(m_ident.ident) + " has a field " + Quoted(m_field) +
+               : "no record of " + Quoted(Ident()) + " has a field " + Quoted(m_field) +
                      " (see k7nav fields)";
   }
 
- private:
   bool Print(NavStore& store, const K7NavRec& rec) const {
     const int index = K7NavData::GetFieldIndex(rec.Type(), m_field.c_str());
     K7NavFieldDataType kind;
@@ -75,9 +65,7 @@ class Field : public Verb {
     return true;
   }
 
-  IdentOptions m_ident;
   std::string m_field;
-  DatabaseOptions m_database;
 };
 
 }  // namespace

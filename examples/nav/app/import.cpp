@@ -1,6 +1,6 @@
 // k7nav import: published text files into a database.
 
-#include "app/import_options.h"
+#include "store/import.h"
 #include "app_common/shared_data.h"
 #include "app_common/verb.h"
 
@@ -48,7 +48,7 @@ class ProgressBar {
 
 struct ImportOptions {
   ImportFiles files;
-  std::string magnetic = SampleMagneticModel();
+  std::string magnetic = SharedData("sample") + "/magnetic/WMM.COF";
 };
 
 std::string SetPath(const char* text, std::string& path) {
@@ -92,7 +92,17 @@ class Import : public Verb {
     if (files.navaids.empty() && files.fixes.empty() && files.airways.empty() && files.airports.empty() &&
         files.airspaces.empty())
       return "there is nothing to import: --nav, --fix, --awy, --apt and --airspace name the files";
-    return RunImport(files, m_path, m_options.magnetic);
+    Tarsvald::MagVarWMM model(m_options.magnetic.c_str());
+    if (!model.IsLoaded()) return m_options.magnetic + " holds no coefficients of a magnetic model";
+    ImportLog log;
+    ProgressBar bar;
+    std::string problem =
+        ImportDatabase(files, m_path, &model, std::time(nullptr), log,
+                       [&bar](const std::string& what, double share) { bar.Show(what, share); });
+    bar.Wipe();
+    if (!problem.empty()) return problem;
+    for (const std::string& line : log.Lines()) std::fprintf(stderr, "k7nav: %s\n", line.c_str());
+    return {};
   }
 
  private:
@@ -103,28 +113,3 @@ class Import : public Verb {
 }  // namespace
 
 std::unique_ptr<Verb> MakeImport() { return std::make_unique<Import>(); }
-
-std::string SampleMagneticModel() { return SharedData("sample") + "/magnetic/WMM.COF"; }
-
-ImportFiles SampleFiles() {
-  const std::string folder = SharedData("sample") + "/navdata/";
-  return {folder + "apt.dat",
-          folder + "nav.dat",
-          folder + "fix.dat",
-          folder + "awy.dat",
-          {folder + "airspaces.txt"}};
-}
-
-std::string RunImport(const ImportFiles& files, const std::string& path, const std::string& magnetic) {
-  Tarsvald::MagVarWMM model(magnetic.c_str());
-  if (!model.IsLoaded()) return magnetic + " holds no coefficients of a magnetic model";
-  ImportLog log;
-  ProgressBar bar;
-  std::string problem =
-      ImportDatabase(files, path, &model, std::time(nullptr), log,
-                     [&bar](const std::string& what, double share) { bar.Show(what, share); });
-  bar.Wipe();
-  if (!problem.empty()) return problem;
-  for (const std::string& line : log.Lines()) std::fprintf(stderr, "k7nav: %s\n", line.c_str());
-  return {};
-}
