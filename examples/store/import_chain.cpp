@@ -2,93 +2,88 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <limits>
 #include <map>
+#include <set>
+#include <tuple>
 
 namespace {
+
+// An edge that is left at one of its nodes: by its course there, then by where it leads, the west first.
+struct Exit {
+  double course;
+  double lon, lat;
+  int edge;
+  auto operator<=>(const Exit&) const = default;
+};
+// Sorted around the node, so that one of thousands at a place is found without a look at the others.
+using Exits = std::set<Exit>;
+
+Exits::const_iterator FirstFrom(const Exits& exits, double course) {
+  return exits.lower_bound({course, -std::numeric_limits<double>::infinity(), 0, 0});
+}
+
+// The one whose course is nearest to `course`.
+const Exit& Straightest(const Exits& exits, double course) {
+  auto right = FirstFrom(exits, course);
+  if (right == exits.end()) right = exits.begin();
+  const auto last = std::prev(right == exits.begin() ? exits.end() : right);
+  const auto left = FirstFrom(exits, last->course);
+  const auto order = [course](const Exit& exit) {
+    return std::tuple(std::fabs(std::remainder(exit.course - course, 360)), exit.lon, exit.lat);
+  };
+  return order(*left) < order(*right) ? *left : *right;
+}
 
 class Net {
  public:
   Net(const std::vector<K7LatLon>& nodes, const std::vector<ChainEdge>& edges)
-      : m_nodes(nodes), m_edges(edges), m_used(edges.size(), false) {
-    for (int i = 0; i < static_cast<int>(edges.size()); ++i) {
-      const ChainEdge& edge = edges[static_cast<size_t>(i)];
-      m_at[edge.from].push_back(i);
-      m_at[edge.to].push_back(i);
-    }
-    for (const auto& [node, list] : m_at) m_starts.push_back(node);
-    std::sort(m_starts.begin(), m_starts.end(), [this](int a, int b) { return IsBefore(a, b); });
+      : m_nodes(nodes), m_edges(edges) {
+    for (int i = 0; i < static_cast<int>(edges.size()); ++i)
+      for (const int node : {Edge(i).from, Edge(i).to}) m_exits[node].insert(ExitAt(node, i));
   }
 
   std::vector<Chain> Cut() {
+    std::vector<int> starts;
+    for (const auto& [node, exits] : m_exits) starts.push_back(node);
+    std::sort(starts.begin(), starts.end(), [this](int a, int b) {
+      return std::tuple(At(a).Lon(), At(a).Lat()) < std::tuple(At(b).Lon(), At(b).Lat());
+    });
     std::vector<Chain> chains;
     for (const bool oddOnly : {true, false})
-      for (const int node : m_starts)
-        while (const int left = Unused(node))
-          if (oddOnly && left % 2 == 0)
-            break;
-          else
-            chains.push_back(Walk(node));
+      for (const int node : starts)
+        while (oddOnly ? m_exits[node].size() % 2 != 0 : !m_exits[node].empty()) chains.push_back(Walk(node));
     return chains;
   }
 
  private:
   const K7LatLon& At(int node) const { return m_nodes[static_cast<size_t>(node)]; }
-  bool IsBefore(int a, int b) const {
-    if (At(a).Lon() != At(b).Lon()) return At(a).Lon() < At(b).Lon();
-    return At(a).Lat() < At(b).Lat();
-  }
-  int Unused(int node) const {
-    const std::vector<int>& list = m_at.at(node);
-    return static_cast<int>(
-        std::count_if(list.begin(), list.end(), [this](int i) { return !m_used[static_cast<size_t>(i)]; }));
-  }
-  ChainStep StepFrom(int node, int edge) const {
-    return {edge, m_edges[static_cast<size_t>(edge)].from != node};
-  }
-  int EndOf(const ChainStep& step) const {
-    const ChainEdge& edge = m_edges[static_cast<size_t>(step.edge)];
-    return step.reversed ? edge.from : edge.to;
-  }
-
-  // Degrees by which the way into `node` turns into a step; without a way in, steps to the west come first.
-  double Turn(const K7LatLon* before, int node, const ChainStep& step) const {
-    const double course = At(node).InitCourse(At(EndOf(step)));
-    if (!before) return std::fabs(std::remainder(course - 270, 360));
-    return std::fabs(std::remainder(course - before->FinalCourse(At(node)), 360));
-  }
-
-  bool Next(const K7LatLon* before, int node, ChainStep& best) const {
-    bool found = false;
-    double least = 0;
-    for (const int i : m_at.at(node)) {
-      if (m_used[static_cast<size_t>(i)]) continue;
-      const ChainStep step = StepFrom(node, i);
-      const double turn = Turn(before, node, step);
-      if (found && (turn > least || (turn == least && !IsBefore(EndOf(step), EndOf(best))))) continue;
-      best = step;
-      least = turn;
-      found = true;
-    }
-    return found;
+  const ChainEdge& Edge(int edge) const { return m_edges[static_cast<size_t>(edge)]; }
+  Exit ExitAt(int node, int edge) const {
+    const K7LatLon& end = At(Edge(edge).from == node ? Edge(edge).to : Edge(edge).from);
+    return {std::max(At(node).InitCourse(end), 0.0), end.Lon(), end.Lat(), edge};
   }
 
   Chain Walk(int node) {
+    static constexpr double WEST = 270;
     Chain chain;
-    const K7LatLon* before = nullptr;
-    for (ChainStep step{}; Next(before, node, step);) {
-      m_used[static_cast<size_t>(step.edge)] = true;
-      chain.push_back(step);
-      before = &At(node);
-      node = EndOf(step);
+    for (double course = WEST; !m_exits[node].empty();) {
+      const int edge = Straightest(m_exits[node], course).edge;
+      const auto [from, to] = Edge(edge);
+      m_exits[from].erase(ExitAt(from, edge));
+      m_exits[to].erase(ExitAt(to, edge));
+      chain.push_back({edge, from != node});
+      const int end = from == node ? to : from;
+      course = std::max(At(node).FinalCourse(At(end)), 0.0);
+      node = end;
     }
     return chain;
   }
 
   const std::vector<K7LatLon>& m_nodes;
   const std::vector<ChainEdge>& m_edges;
-  std::vector<bool> m_used;
-  std::map<int, std::vector<int>> m_at;
-  std::vector<int> m_starts;
+  std::map<int, Exits> m_exits;  // that are not used yet
 };
 
 }  // namespace

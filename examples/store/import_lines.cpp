@@ -1,5 +1,7 @@
 #include "store/import_lines.h"
 
+#include "store/text_1252.h"
+
 #include <zlib.h>
 
 #include <algorithm>
@@ -7,6 +9,8 @@
 #include <filesystem>
 
 namespace {
+
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 class FileSource : public ByteSource {
  public:
@@ -78,6 +82,8 @@ bool LineReader::Next(std::string_view& line) {
   ++m_number;
   if (!m_line.empty() && m_line.back() == '\r') m_line.pop_back();
   if (m_line.find('\0') != std::string::npos) m_problem = "the line holds a byte of zero";
+  if (m_number == 1 && m_line.starts_with(BYTE_ORDER_MARK)) m_line.erase(0, BYTE_ORDER_MARK.size());
+  if (!m_problem && !IsAscii(m_line) && IsUtf8(m_line)) m_line = Text1252(m_line);
   line = m_line;
   return true;
 }

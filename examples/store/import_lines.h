@@ -34,6 +34,8 @@ class MemorySource : public ByteSource {
   std::string_view m_bytes;
 };
 
+/// Lines as records hold texts, in windows-1252: published files mix it with UTF-8, line by line, and few
+/// sequences of letters beyond ASCII are valid in both.
 class LineReader {
  public:
   /// Longer lines are no rows of any of the formats.

@@ -13,6 +13,8 @@ constexpr char16_t HIGH[] = {0x20AC, 0x81,   0x201A, 0x192,  0x201E, 0x2026, 0x2
 
 char16_t CharacterOf(unsigned char byte) { return byte >= 0x80 && byte < 0xA0 ? HIGH[byte - 0x80] : byte; }
 
+constexpr unsigned NO_CHARACTER = 0xFFFFFFFF;
+
 char ByteOf(unsigned character) {
   if (character < 0x80 || (character >= 0xA0 && character < 0x100)) return static_cast<char>(character);
   const auto* found = std::find(std::begin(HIGH), std::end(HIGH), character);
@@ -26,7 +28,26 @@ size_t SequenceLength(unsigned char lead) {
   return lead >= 0xF0 && lead < 0xF5 ? 4 : 1;
 }
 
+// The character at `i`, which moves behind it, or behind what cannot be one.
+unsigned NextCharacter(std::string_view utf8, size_t& i) {
+  const auto lead = static_cast<unsigned char>(utf8[i++]);
+  const size_t length = SequenceLength(lead);
+  if (length == 1) return lead < 0x80 ? lead : NO_CHARACTER;
+  unsigned character = lead & (0x7Fu >> length);
+  for (size_t taken = 1; taken < length; taken++, i++) {
+    if (i == utf8.size() || (utf8[i] & 0xC0) != 0x80) return NO_CHARACTER;
+    character = character << 6 | (utf8[i] & 0x3Fu);
+  }
+  return character;
+}
+
 }  // namespace
+
+bool IsUtf8(std::string_view text) {
+  for (size_t i = 0; i < text.size();)
+    if (NextCharacter(text, i) == NO_CHARACTER) return false;
+  return true;
+}
 
 bool IsAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
@@ -61,19 +82,7 @@ std::string Printable1252(std::string_view text) {
 
 size_t Write1252(std::string_view utf8, char* out) {
   const char* const begin = out;
-  for (size_t i = 0; i < utf8.size() && utf8[i];) {
-    const auto lead = static_cast<unsigned char>(utf8[i]);
-    const size_t length = SequenceLength(lead);
-    unsigned character = length == 1 ? (lead < 0x80 ? lead : 0xFFFD) : lead & (0x7Fu >> length);
-    size_t taken = 1;
-    for (; taken < length && i + taken < utf8.size(); taken++) {
-      const auto next = static_cast<unsigned char>(utf8[i + taken]);
-      if ((next & 0xC0) != 0x80) break;
-      character = character << 6 | (next & 0x3F);
-    }
-    *out++ = taken == length ? ByteOf(character) : '?';
-    i += taken;
-  }
+  for (size_t i = 0; i < utf8.size() && utf8[i];) *out++ = ByteOf(NextCharacter(utf8, i));
   return static_cast<size_t>(out - begin);
 }
 

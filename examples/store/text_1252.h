@@ -14,6 +14,7 @@ std::string Printable1252(std::string_view text);
 /// have and for what is not UTF-8. The number of bytes written.
 size_t Write1252(std::string_view utf8, char* out);
 std::string Text1252(std::string_view utf8);
+bool IsUtf8(std::string_view text);
 /// True when all are below 128, where the two are the same.
 bool IsAscii(std::string_view text);
 /// The lower case of a windows-1252 text.
