@@ -8,7 +8,8 @@ void ImportLog::Problem(int line, const std::string& what) {
   if (m_files.empty()) Begin("input");
   File& file = m_files.back();
   ++m_count;
-  if (++file.count <= SHOWN) file.shown.push_back(file.name + ":" + std::to_string(line) + ": " + Printable1252(what));
+  if (++file.count <= SHOWN)
+    file.shown.push_back(file.name + ":" + std::to_string(line) + ": " + Printable1252(what));
 }
 
 std::vector<std::string> ImportLog::Lines() const {

@@ -12,8 +12,8 @@ class ImportLog {
 
   /// Those that follow are about this file.
   void Begin(const std::string& file);
-  /// `line` counts from 1. `what` may quote the file: windows-1252, and nothing that a terminal would obey gets
-  /// through.
+  /// `line` counts from 1. `what` may quote the file: windows-1252, and nothing that a terminal would obey
+  /// gets through.
   void Problem(int line, const std::string& what);
   int Count() const { return m_count; }
   /// One text a line, "nav.dat:17: ...", the last of a file's "nav.dat: 5 more lines".

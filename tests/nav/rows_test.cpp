@@ -81,8 +81,8 @@ class Trickle : public ByteSource {
 
 TEST(NavLines, OfAnyLengthAndEnd) {
   // Texts come as windows-1252, from UTF-8 too. What holds a byte of zero, or is too long, is no row.
-  const std::string text =
-      "\xEF\xBB\xBFone\r\n\n\rtwo\xE9\nG\xC3\xB6hlis\xE2\x82\xAC\n" + std::string(100000, 'x') + "\n" + std::string("ze\0ro", 5) + "\nend";
+  const std::string text = "\xEF\xBB\xBFone\r\n\n\rtwo\xE9\nG\xC3\xB6hlis\xE2\x82\xAC\n" +
+                           std::string(100000, 'x') + "\n" + std::string("ze\0ro", 5) + "\nend";
   for (const bool damaged : {false, true}) {
     Trickle source(text, damaged);
     LineReader reader(source);
