@@ -20,7 +20,8 @@ namespace {
 
 using std::string_view;
 
-constexpr bool FIX = true, NO_FIX = false, LOST = true, KEPT = false, NESTED = true;
+constexpr const Rows *FIX = &rows::FIX, *AREA = &rows::AREA, *BARE = nullptr;
+constexpr bool LOST = true, KEPT = false, NESTED = true;
 
 struct Entry {
   K7NavType type;
@@ -43,14 +44,14 @@ constexpr Entry ENTRIES[] = {
     {K7NAV_LOW_TACAN_AIRWAY, {&rows::AIRWAY_SEG}},
     {K7NAV_AIRPORT_COMM, {&rows::AIRPORT_COMM}},
     {K7NAV_ENROUTE_COMM, {&rows::ENROUTE_COMM}},
-    {K7NAV_CTRL_AIRSPACE, {&rows::CTRL_AIRSPACE}},
-    {K7NAV_SPECIAL_USE_AIRSPACE, {&rows::SPECIAL_USE}},
-    {K7NAV_FIR_SECTOR, {&rows::FIR}},
-    {K7NAV_COMM_SECTOR, {&rows::FIR}},
-    {K7NAV_FIR, {&rows::FIR}},
+    {K7NAV_CTRL_AIRSPACE, {&rows::CTRL_AIRSPACE, AREA}},
+    {K7NAV_SPECIAL_USE_AIRSPACE, {&rows::SPECIAL_USE, AREA}},
+    {K7NAV_FIR_SECTOR, {&rows::FIR, AREA}},
+    {K7NAV_COMM_SECTOR, {&rows::FIR, AREA}},
+    {K7NAV_FIR, {&rows::FIR, AREA}},
     {K7NAV_HOLDING, {&rows::HOLDING}},
     {K7NAV_MORA, {&rows::MORA}},
-    {K7NAV_TAILORED_MORA, {&rows::MORA, NO_FIX, LOST}},
+    {K7NAV_TAILORED_MORA, {&rows::MORA, BARE, LOST}},
     {K7NAV_LOW_USE_AIRPORT, {&rows::LOW_USE_AIRPORT, FIX}},
     {K7NAV_FORMATION, {&rows::FORMATION}},
     {K7NAV_OBSTACLE, {&rows::OBSTACLE}},
@@ -67,17 +68,17 @@ constexpr Entry ENTRIES[] = {
     {K7NAV_MIN_CROSSING_ALT, {&rows::MIN_CROSSING}},
     {K7NAV_TRANSIT_ROUTE, {&rows::TRANSIT_ROUTE}},
     {K7NAV_SPECIAL_ACTIVITY, {&rows::SPECIAL_ACTIVITY}},
-    {K7NAV_COMPANY_AIRPORT, {&rows::COMPANY_AIRPORT, NO_FIX, LOST}},
-    {K7NAV_FLEET_AIRPORT, {&rows::FLEET_AIRPORT, NO_FIX, LOST}},
-    {K7NAV_TAILORED_ENDPOINT, {&rows::ENDPOINT, NO_FIX, LOST}},
-    {K7NAV_SHORELINE_DISTANCE, {&rows::SHORELINE, NO_FIX, LOST}},
-    {K7NAV_TAILORED_BOUNDARY, {&rows::BOUNDARY, NO_FIX, LOST}},
-    {K7NAV_ETOPS, {&rows::ETOPS, NO_FIX, LOST}},
-    {K7NAV_COMPANY_COMM, {&rows::COMPANY_COMM, NO_FIX, LOST}},
-    {K7NAV_SMART_NOTE, {&rows::SMART_NOTE, NO_FIX, LOST}},
-    {K7NAV_SMART_NOTE_LINK, {&rows::NOTE_LINK, NO_FIX, KEPT, NESTED}},
-    {K7NAV_SMART_NOTE_COMM, {&rows::NOTE_COMM, NO_FIX, KEPT, NESTED}},
-    {K7NAV_SMART_NOTE_ALTITUDE, {&rows::NOTE_ALTITUDE, NO_FIX, KEPT, NESTED}},
+    {K7NAV_COMPANY_AIRPORT, {&rows::COMPANY_AIRPORT, BARE, LOST}},
+    {K7NAV_FLEET_AIRPORT, {&rows::FLEET_AIRPORT, BARE, LOST}},
+    {K7NAV_TAILORED_ENDPOINT, {&rows::ENDPOINT, BARE, LOST}},
+    {K7NAV_SHORELINE_DISTANCE, {&rows::SHORELINE, BARE, LOST}},
+    {K7NAV_TAILORED_BOUNDARY, {&rows::BOUNDARY, AREA, LOST}},
+    {K7NAV_ETOPS, {&rows::ETOPS, AREA, LOST}},
+    {K7NAV_COMPANY_COMM, {&rows::COMPANY_COMM, AREA, LOST}},
+    {K7NAV_SMART_NOTE, {&rows::SMART_NOTE, BARE, LOST}},
+    {K7NAV_SMART_NOTE_LINK, {&rows::NOTE_LINK, BARE, KEPT, NESTED}},
+    {K7NAV_SMART_NOTE_COMM, {&rows::NOTE_COMM, BARE, KEPT, NESTED}},
+    {K7NAV_SMART_NOTE_ALTITUDE, {&rows::NOTE_ALTITUDE, BARE, KEPT, NESTED}},
 };
 
 // The same by type; those without an entry have the shared elements.
@@ -175,7 +176,7 @@ void AddRows(Rendering& r, Rows rows, const K7NavRec& rec) {
 void AddRecord(Rendering& r, const Renderer& renderer, const K7NavRec& rec, const char* element) {
   r.out.Open(element);
   AddShared(r.out, r.text, rec, r.type);
-  if (renderer.isFix) AddRows(r, rows::FIX, rec);
+  if (renderer.base) AddRows(r, *renderer.base, rec);
   if (renderer.rows) AddRows(r, *renderer.rows, rec);
   r.out.Close(element);
 }

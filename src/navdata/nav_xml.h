@@ -48,13 +48,14 @@ using Rows = std::span<const Row>;
 
 struct Renderer {
   const Rows* rows = nullptr;  ///< null for the elements that all types share
-  bool isFix = false;          ///< with the elements of K7NavFix before them
+  const Rows* base = nullptr;  ///< before them, of what the record derives from
   bool isResultLost = false;   ///< hosts count on 0
   bool isForNesting = false;   ///< alone it has the shared elements only
 };
 
 namespace rows {
-extern const Rows FIX, VOR, NDB, WAYPOINT, AIRPORT, RUNWAY, LOCALIZER, MARKER, LOW_USE_AIRPORT;
+extern const Rows FIX, AREA;
+extern const Rows VOR, NDB, WAYPOINT, AIRPORT, RUNWAY, LOCALIZER, MARKER, LOW_USE_AIRPORT;
 extern const Rows AIRWAY_SEG, AIRWAY_HEADER, RESTRICTION, MIN_CROSSING, HOLDING, LEG, MORA, TRANSIT_ROUTE;
 extern const Rows AIRPORT_COMM, ENROUTE_COMM, COMPANY_COMM;
 extern const Rows CTRL_AIRSPACE, SPECIAL_USE, FIR, AIRSPACE_SEG, SPECIAL_ACTIVITY, ENDPOINT, SHORELINE,
@@ -86,6 +87,9 @@ void Nest(Rendering& r, K7NavQueryResult* found, const char* element, Order orde
         &k7nav::Flags<decltype(record::member), bits>                                     \
   }
 #define K7ROW_KEY(element, record, member) K7ROW(element, nullptr, FULL, record, member, Key)
+/// Key of a fix, and the identifier that the store knows of it.
+#define K7ROWS_FIX_KEY(element, label, record, member) \
+  K7ROW_KEY(element "Key", record, member), K7ROW(element "Ident", label, ALWAYS, record, member, IdentOf)
 #define K7ROW_RECORD(element, label, when, form) \
   { element, label, k7nav::When::when, 0, &(form) }
 /// What a query of the store finds of the record, nested.

@@ -52,15 +52,13 @@ constexpr Row NDB_ROWS[] = {
     K7ROW("Frequency", "Frequency", ALWAYS, K7NDB, freq, Kilohertz),
     K7ROW_RECORD("MorseCode", "Morse Code", ALWAYS, MorseOfFix),
     K7ROW("Range", "Range", ALWAYS, K7NDB, range, Miles),
-    K7ROW_KEY("AirportKey", K7NDB, airport),
-    K7ROW("AirportIdent", "Airport Ident", ALWAYS, K7NDB, airport, IdentOf),
+    K7ROWS_FIX_KEY("Airport", "Airport Ident", K7NDB, airport),
 };
 
 constexpr Row WAYPOINT_ROWS[] = {
     K7ROW("Name", "Name", ALWAYS, K7Waypoint, name, Text),
     K7ROW("MRA", "Minimum Reception Altitude", ALWAYS, K7Waypoint, mra, Alt),
-    K7ROW_KEY("AirportKey", K7Waypoint, airport),
-    K7ROW("AirportIdent", "Airport Ident", ALWAYS, K7Waypoint, airport, IdentOf),
+    K7ROWS_FIX_KEY("Airport", "Airport Ident", K7Waypoint, airport),
 };
 
 constexpr Bit LOCALIZER_PARTS[] = {{K7LocalizerGlideslope::GLIDESLOPE, "Glideslope"},
@@ -68,10 +66,8 @@ constexpr Bit LOCALIZER_PARTS[] = {{K7LocalizerGlideslope::GLIDESLOPE, "Glideslo
                                    {K7LocalizerGlideslope::BACK_COURSE, "Back Course"}};
 
 constexpr Row LOCALIZER_ROWS[] = {
-    K7ROW_KEY("AirportKey", K7LocalizerGlideslope, airport),
-    K7ROW("AirportIdent", "Airport Ident", ALWAYS, K7LocalizerGlideslope, airport, IdentOf),
-    K7ROW_KEY("RunwayKey", K7LocalizerGlideslope, runway),
-    K7ROW("RunwayIdent", "Runway Ident", ALWAYS, K7LocalizerGlideslope, runway, IdentOf),
+    K7ROWS_FIX_KEY("Airport", "Airport Ident", K7LocalizerGlideslope, airport),
+    K7ROWS_FIX_KEY("Runway", "Runway Ident", K7LocalizerGlideslope, runway),
     K7ROW("Frequency", "Frequency", ALWAYS, K7LocalizerGlideslope, freq, Megahertz),
     K7ROW_RECORD("MorseCode", "Morse Code", ALWAYS, MorseOfFix),
     K7ROW_BITS("Components", "Components", K7LocalizerGlideslope, flags, LOCALIZER_PARTS),
@@ -97,8 +93,7 @@ constexpr Bit MARKER_KINDS[] = {{K7LocatorMarker::OUTER, "Outer"},
 constexpr Row MARKER_ROWS[] = {
     K7ROW_BITS("MarkerType", "Marker Type", K7LocatorMarker, flags, MARKER_KINDS),
     K7ROW("Name", "Name", ALWAYS, K7LocatorMarker, name, Text),
-    K7ROW_KEY("AirportKey", K7LocatorMarker, airport),
-    K7ROW("AirportIdent", "Airport Ident", ALWAYS, K7LocatorMarker, airport, IdentOf),
+    K7ROWS_FIX_KEY("Airport", "Airport Ident", K7LocatorMarker, airport),
     K7ROW_KEY("RunwayKey", K7LocatorMarker, runway),
     K7ROW("RunwayIdent", "Runway Ident", ALWAYS, K7LocatorMarker, runwayIdent, Text),
     K7ROW("Frequency", "Frequency", ALWAYS, K7LocatorMarker, freq, Kilohertz),

@@ -28,18 +28,26 @@ constexpr const char* ALT_UNITS[] = {"Flight Levels", "Meters", "Feet"};
 
 const char* Required(int c) { return c == 'Y' ? "Required" : c == 'N' ? "Not Required" : nullptr; }
 
+// What several structures have, each at a place of its own.
+#define K7ROWS_LIMITS(record)                          \
+  K7ROW("Floor", "Floor", ALWAYS, record, floor, Alt), \
+      K7ROW("Ceiling", "Ceiling", ALWAYS, record, ceiling, Alt)
+#define K7ROWS_CONTROLLED(record)                                                                        \
+  K7ROWS_LIMITS(record), K7ROW("ControllingAgency", "Controlling Agency", ALWAYS, record, agency, Text), \
+      K7ROW("Times", "Times", ALWAYS, record, times, Text),                                              \
+      K7ROW("Activity", "Activity", ALWAYS, record, activity, Text)
+
+constexpr Row AREA_ROWS[] = {
+    K7ROW("Ident", "Ident", ALWAYS, K7NavArea, ident, Text),
+    K7ROW("Name", "Name", ALWAYS, K7NavArea, name, Text),
+    K7ROW("ICAOCODE", "ICAO Code", ALWAYS, K7NavArea, icao, Text),
+    K7ROW("Sector", "Sector", ALWAYS, K7NavArea, sector, Text),
+};
+
 constexpr Row CTRL_ROWS[] = {
-    K7ROW("Name", "Name", ALWAYS, K7CtrlAirspace, name, Text),
-    K7ROW("Ident", "Ident", ALWAYS, K7CtrlAirspace, ident, Text),
-    K7ROW("ICAOCODE", "ICAO Code", ALWAYS, K7CtrlAirspace, icao, Text),
     K7ROW_CODE("AirspaceType", "Airspace Type", K7CtrlAirspace, type, K7CtrlAirspace::TypeString),
     K7ROW("Class", "Class", ALWAYS, K7CtrlAirspace, airspaceClass, Character),
-    K7ROW("Sector", "Sector", ALWAYS, K7CtrlAirspace, sector, Text),
-    K7ROW("Floor", "Floor", ALWAYS, K7CtrlAirspace, floor, Alt),
-    K7ROW("Ceiling", "Ceiling", ALWAYS, K7CtrlAirspace, ceiling, Alt),
-    K7ROW("ControllingAgency", "Controlling Agency", ALWAYS, K7CtrlAirspace, agency, Text),
-    K7ROW("Times", "Times", ALWAYS, K7CtrlAirspace, times, Text),
-    K7ROW("Activity", "Activity", ALWAYS, K7CtrlAirspace, activity, Text),
+    K7ROWS_CONTROLLED(K7CtrlAirspace),
     K7ROW("RNP", "Required Navigation Performance", ALWAYS, K7CtrlAirspace, rnp, RealMiles),
     K7ROW("CPDLCLogon", "CPDLC Logon", ALWAYS, K7CtrlAirspace, cpdlc, Text),
     K7ROW_KEY("CommKey", K7CtrlAirspace, comm),
@@ -47,17 +55,9 @@ constexpr Row CTRL_ROWS[] = {
 };
 
 constexpr Row SPECIAL_USE_ROWS[] = {
-    K7ROW("Ident", "Ident", ALWAYS, K7SUAirspace, ident, Text),
-    K7ROW("Name", "Name", ALWAYS, K7SUAirspace, name, Text),
-    K7ROW("ICAOCODE", "ICAO Code", ALWAYS, K7SUAirspace, icao, Text),
     K7ROW_CODE("AirspaceType", "Airspace Type", K7SUAirspace, type, K7SUAirspace::TypeString),
-    K7ROW("Sector", "Sector", ALWAYS, K7SUAirspace, sector, Text),
     K7ROW_CODE("Level", "Level", K7SUAirspace, level, Level),
-    K7ROW("Floor", "Floor", ALWAYS, K7SUAirspace, floor, Alt),
-    K7ROW("Ceiling", "Ceiling", ALWAYS, K7SUAirspace, ceiling, Alt),
-    K7ROW("ControllingAgency", "Controlling Agency", ALWAYS, K7SUAirspace, agency, Text),
-    K7ROW("Times", "Times", ALWAYS, K7SUAirspace, times, Text),
-    K7ROW("Activity", "Activity", ALWAYS, K7SUAirspace, activity, Text),
+    K7ROWS_CONTROLLED(K7SUAirspace),
     K7ROW_RELATED("CommRecord", AirspaceComms, AS_FOUND),
 };
 
@@ -69,12 +69,8 @@ bool Oceanic(Rendering& r, const void* record) {
 }
 
 constexpr Row FIR_ROWS[] = {
-    K7ROW("Ident", "Ident", ALWAYS, K7FIR, ident, Text),
-    K7ROW("Name", "Name", ALWAYS, K7FIR, name, Text),
-    K7ROW("ICAOCODE", "ICAO Code", ALWAYS, K7FIR, icao, Text),
     K7ROW_BITS("Region", "Region", K7FIR, flags, REGIONS),
     K7ROW_RECORD("Oceanic", "Oceanic", ALWAYS, Oceanic),
-    K7ROW("Sector", "Sector", ALWAYS, K7FIR, sector, Text),
     K7ROW("Address", "Address", ALWAYS, K7FIR, address, Text),
     K7ROW("FIRUpper", "FIR Upper Limit", ALWAYS, K7FIR, firUpper, Alt),
     K7ROW("UIRLower", "UIR Lower Limit", ALWAYS, K7FIR, uirLower, Alt),
@@ -126,24 +122,15 @@ constexpr Row SHORELINE_ROWS[] = {
     K7ROW("Ident", "Ident", ALWAYS, K7TailoredLine, ident, Text),
     K7ROW("ICAOCODE", "ICAO Code", ALWAYS, K7TailoredLine, icao, Text),
     K7ROW("Fleet", "Fleet", ALWAYS, K7TailoredLine, fleet, Text),
-    K7ROW("Floor", "Floor", ALWAYS, K7TailoredLine, floor, Alt),
-    K7ROW("Ceiling", "Ceiling", ALWAYS, K7TailoredLine, ceiling, Alt),
+    K7ROWS_LIMITS(K7TailoredLine),
 };
 
 constexpr Row BOUNDARY_ROWS[] = {
-    K7ROW("Name", "Name", ALWAYS, K7TailoredAirspace, name, Text),
-    K7ROW("Ident", "Ident", ALWAYS, K7TailoredAirspace, ident, Text),
-    K7ROW("ICAOCODE", "ICAO Code", ALWAYS, K7TailoredAirspace, icao, Text),
-    K7ROW("Sector", "Sector", ALWAYS, K7TailoredAirspace, sector, Text),
     K7ROW("Fleet", "Fleet", ALWAYS, K7TailoredAirspace, fleet, Text),
-    K7ROW("Floor", "Floor", ALWAYS, K7TailoredAirspace, floor, Alt),
-    K7ROW("Ceiling", "Ceiling", ALWAYS, K7TailoredAirspace, ceiling, Alt),
+    K7ROWS_LIMITS(K7TailoredAirspace),
 };
 
 constexpr Row ETOPS_ROWS[] = {
-    K7ROW("Ident", "Ident", ALWAYS, K7ETOPS, ident, Text),
-    K7ROW("Name", "Name", ALWAYS, K7ETOPS, name, Text),
-    K7ROW("ICAOCODE", "ICAO Code", ALWAYS, K7ETOPS, icao, Text),
     K7ROW("AircraftType", "Aircraft Type", ALWAYS, K7ETOPS, aircraftType, Text),
     K7ROW("Minutes", "Diversion Time", ALWAYS, K7ETOPS, minutes, Minutes),
     K7ROW("Distance", "Diversion Distance", ALWAYS, K7ETOPS, distance, Miles),
@@ -151,6 +138,7 @@ constexpr Row ETOPS_ROWS[] = {
 
 }  // namespace
 
+constinit const Rows rows::AREA = AREA_ROWS;
 constinit const Rows rows::CTRL_AIRSPACE = CTRL_ROWS;
 constinit const Rows rows::SPECIAL_USE = SPECIAL_USE_ROWS;
 constinit const Rows rows::FIR = FIR_ROWS;

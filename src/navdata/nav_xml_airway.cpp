@@ -49,10 +49,8 @@ constexpr Row AIRWAY_SEG_ROWS[] = {
 constexpr Row HEADER_ROWS[] = {
     K7ROW("Ident", "Ident", ALWAYS, K7AirwayHeader, ident, Text),
     K7ROW("Region", "Region", ALWAYS, K7AirwayHeader, region, Character),
-    K7ROW_KEY("FromKey", K7AirwayHeader, fromKey),
-    K7ROW("FromIdent", "From", ALWAYS, K7AirwayHeader, fromKey, IdentOf),
-    K7ROW_KEY("ToKey", K7AirwayHeader, toKey),
-    K7ROW("ToIdent", "To", ALWAYS, K7AirwayHeader, toKey, IdentOf),
+    K7ROWS_FIX_KEY("From", "From", K7AirwayHeader, fromKey),
+    K7ROWS_FIX_KEY("To", "To", K7AirwayHeader, toKey),
     K7ROW("SegmentCount", "Segments", ALWAYS, K7AirwayHeader, segCount, Count),
 };
 
@@ -70,8 +68,7 @@ constexpr Row RESTRICTION_ROWS[] = {
 };
 
 constexpr Row MIN_CROSSING_ROWS[] = {
-    K7ROW_KEY("FixKey", K7MinCrossingAlt, fix),
-    K7ROW("FixIdent", "Fix", ALWAYS, K7MinCrossingAlt, fix, IdentOf),
+    K7ROWS_FIX_KEY("Fix", "Fix", K7MinCrossingAlt, fix),
     K7ROW("AirwayIdent", "Airway", ALWAYS, K7MinCrossingAlt, airwayIdent, Text),
     K7ROW("AirwayDirection", "Direction", ALWAYS, K7MinCrossingAlt, airwayDirection, Text),
     K7ROW("Altitude", "Minimum Crossing Altitude", ALWAYS, K7MinCrossingAlt, alt, Alt),
@@ -82,8 +79,7 @@ constexpr Row HOLDING_ROWS[] = {
     K7ROW("FixIdent", "Fix", ALWAYS, K7HoldingPattern, fixIdent, Text),
     K7ROW("ICAOCODE", "ICAO Code", ALWAYS, K7HoldingPattern, icao, Text),
     K7ROWS_POSITION("", "", K7HoldingPattern, lat),
-    K7ROW_KEY("AirportKey", K7HoldingPattern, airport),
-    K7ROW("AirportIdent", "Airport Ident", ALWAYS, K7HoldingPattern, airport, IdentOf),
+    K7ROWS_FIX_KEY("Airport", "Airport Ident", K7HoldingPattern, airport),
     K7ROW("InboundCourse", "Inbound Course", ALWAYS, K7HoldingPattern, inbound, Course),
     K7ROW_CODE("Turn", "Turns", K7HoldingPattern, turn, Turn),
     K7ROW("LegTime", "Leg Time", ALWAYS, K7HoldingPattern, legTime, TenthMinutes),
@@ -133,12 +129,10 @@ constexpr Row LEG_ROWS[] = {
     K7ROW("SpeedLimit", "Speed Limit", ALWAYS, K7ProcedureLeg, speedLimit, Knots),
     K7ROW("VerticalAngle", "Vertical Angle", ALWAYS, K7ProcedureLeg, verticalAngle, HundredthDegrees),
     K7ROW("RNP", "Required Navigation Performance", ALWAYS, K7ProcedureLeg, rnp, HundredthMiles),
-    K7ROW_KEY("RecommendedFixKey", K7ProcedureLeg, recommendedFix),
-    K7ROW("RecommendedFixIdent", "Recommended Navaid", ALWAYS, K7ProcedureLeg, recommendedFix, IdentOf),
+    K7ROWS_FIX_KEY("RecommendedFix", "Recommended Navaid", K7ProcedureLeg, recommendedFix),
     K7ROW("Theta", "Bearing from Navaid", ALWAYS, K7ProcedureLeg, theta, KnownBearing),
     K7ROW("Rho", "Distance from Navaid", ALWAYS, K7ProcedureLeg, rho, TenthMiles),
-    K7ROW_KEY("ArcCenterFixKey", K7ProcedureLeg, arcCenterFix),
-    K7ROW("ArcCenterFixIdent", "Arc Center", ALWAYS, K7ProcedureLeg, arcCenterFix, IdentOf),
+    K7ROWS_FIX_KEY("ArcCenterFix", "Arc Center", K7ProcedureLeg, arcCenterFix),
 };
 
 // A cell's corner is whole degrees.

@@ -85,28 +85,22 @@ constexpr Row ENROUTE_COMM_ROWS[] = {
     K7ROW("Altitude2", "Second Altitude", ALWAYS, K7EnrouteComm, alt2, Alt),
 };
 
+#define K7ROWS_COMPANY_FREQ(rank, member)                                                     \
+  K7ROW(rank "Frequency", rank " Frequency", ALWAYS, K7CompanyComm, member.value, Text),      \
+      K7ROW(rank "Callsign", rank " Callsign", ALWAYS, K7CompanyComm, member.callsign, Text), \
+      K7ROW(rank "Hours", rank " Hours", ALWAYS, K7CompanyComm, member.hours, Text)
+
 constexpr Row COMPANY_COMM_ROWS[] = {
-    K7ROW("Name", "Name", ALWAYS, K7CompanyComm, name, Text),
-    K7ROW("Ident", "Ident", ALWAYS, K7CompanyComm, ident, Text),
-    K7ROW("ICAOCODE", "ICAO Code", ALWAYS, K7CompanyComm, icao, Text),
     K7ROW("FrequencyCount", "Frequencies", ALWAYS, K7CompanyComm, freqCount, Count),
-    K7ROW("PrimaryFrequency", "Primary Frequency", ALWAYS, K7CompanyComm, primary.value, Text),
-    K7ROW("PrimaryCallsign", "Primary Callsign", ALWAYS, K7CompanyComm, primary.callsign, Text),
-    K7ROW("PrimaryHours", "Primary Hours", ALWAYS, K7CompanyComm, primary.hours, Text),
-    K7ROW("SecondaryFrequency", "Secondary Frequency", ALWAYS, K7CompanyComm, secondary.value, Text),
-    K7ROW("SecondaryCallsign", "Secondary Callsign", ALWAYS, K7CompanyComm, secondary.callsign, Text),
-    K7ROW("SecondaryHours", "Secondary Hours", ALWAYS, K7CompanyComm, secondary.hours, Text),
-    K7ROW("TertiaryFrequency", "Tertiary Frequency", ALWAYS, K7CompanyComm, tertiary.value, Text),
-    K7ROW("TertiaryCallsign", "Tertiary Callsign", ALWAYS, K7CompanyComm, tertiary.callsign, Text),
-    K7ROW("TertiaryHours", "Tertiary Hours", ALWAYS, K7CompanyComm, tertiary.hours, Text),
+    K7ROWS_COMPANY_FREQ("Primary", primary),
+    K7ROWS_COMPANY_FREQ("Secondary", secondary),
+    K7ROWS_COMPANY_FREQ("Tertiary", tertiary),
 };
 
 constexpr Row FORMATION_ROWS[] = {
-    K7ROW_KEY("RefKey", K7Formation, refKey),
-    K7ROW("RefIdent", "Reference", ALWAYS, K7Formation, refKey, IdentOf),
+    K7ROWS_FIX_KEY("Ref", "Reference", K7Formation, refKey),
     K7ROWS_POSITION("Ref", "Reference ", K7Formation, refLat),
-    K7ROW_KEY("FixKey", K7Formation, fixKey),
-    K7ROW("FixIdent", "Fix", ALWAYS, K7Formation, fixKey, IdentOf),
+    K7ROWS_FIX_KEY("Fix", "Fix", K7Formation, fixKey),
     K7ROW("Bearing", "Bearing", ALWAYS, K7Formation, bearing, Bearing),
     K7ROW("Distance", "Distance", ALWAYS, K7Formation, distance, TenthMiles),
     K7ROW("Usage", "Usage", ALWAYS, K7Formation, usage, Character),
@@ -163,15 +157,19 @@ constexpr Row SMART_NOTE_ROWS[] = {
     K7ROW_RELATED("SmartNoteAltitude", NoteAltitudes, AS_FOUND),
 };
 
-bool LinkDistance(Rendering& r, const void* record) {
-  const K7SmartNoteLink& link = As<K7SmartNoteLink>(record);
-  if (!(link.distance > 0)) return false;
-  PutReal(r.text, static_cast<double>(link.distance), 1);
-  if (Kept(r, link.GetUnitsString(r.scratch)) && !r.scratch.IsEmpty()) {
+// A number and its unit, which the scratch text holds when `result` is 0.
+bool PutWithUnit(Rendering& r, float value, int decimals, int result) {
+  PutReal(r.text, static_cast<double>(value), decimals);
+  if (Kept(r, result) && !r.scratch.IsEmpty()) {
     r.text.Append(" ", 1);
     r.text.Append(r.scratch);
   }
   return true;
+}
+
+bool LinkDistance(Rendering& r, const void* record) {
+  const K7SmartNoteLink& link = As<K7SmartNoteLink>(record);
+  return link.distance > 0 && PutWithUnit(r, link.distance, 1, link.GetUnitsString(r.scratch));
 }
 
 constexpr Row NOTE_LINK_ROWS[] = {
@@ -182,12 +180,9 @@ constexpr Row NOTE_LINK_ROWS[] = {
     K7ROW_WORD("DistanceDescription", "Distance Description", K7SmartNoteLink, GetDistDescripString),
     K7ROW_RECORD("Distance", "Distance", ALWAYS, LinkDistance),
     K7ROW_KEY("NavDataKey", K7SmartNoteLink, navData),
-    K7ROW_KEY("FromFixKey", K7SmartNoteLink, fromFix),
-    K7ROW("FromFixIdent", "From", ALWAYS, K7SmartNoteLink, fromFix, IdentOf),
-    K7ROW_KEY("ToFixKey", K7SmartNoteLink, toFix),
-    K7ROW("ToFixIdent", "To", ALWAYS, K7SmartNoteLink, toFix, IdentOf),
-    K7ROW_KEY("RadiusBasisKey", K7SmartNoteLink, radiusBasis),
-    K7ROW("RadiusBasisIdent", "Radius about", ALWAYS, K7SmartNoteLink, radiusBasis, IdentOf),
+    K7ROWS_FIX_KEY("FromFix", "From", K7SmartNoteLink, fromFix),
+    K7ROWS_FIX_KEY("ToFix", "To", K7SmartNoteLink, toFix),
+    K7ROWS_FIX_KEY("RadiusBasis", "Radius about", K7SmartNoteLink, radiusBasis),
 };
 
 constexpr Row NOTE_COMM_ROWS[] = {
@@ -198,12 +193,7 @@ constexpr Row NOTE_COMM_ROWS[] = {
 
 bool NoteAltitude(Rendering& r, const void* record) {
   const K7SmartNoteAltitude& note = As<K7SmartNoteAltitude>(record);
-  PutReal(r.text, static_cast<double>(note.altitude), 0);
-  if (Kept(r, note.GetAltitudeUnitString(r.scratch)) && !r.scratch.IsEmpty()) {
-    r.text.Append(" ", 1);
-    r.text.Append(r.scratch);
-  }
-  return true;
+  return PutWithUnit(r, note.altitude, 0, note.GetAltitudeUnitString(r.scratch));
 }
 
 constexpr Row NOTE_ALTITUDE_ROWS[] = {
