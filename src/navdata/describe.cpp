@@ -1,5 +1,7 @@
 // One line about each record, and the words of the codes that need no more than a table.
 
+#include "navdata/lookup.h"
+
 #include <k7/foundation/error_string.h>
 #include <k7/geodesy/latlon.h>
 #include <k7/navdata/airport.h>
@@ -13,6 +15,9 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+
+using k7nav::FindFix;
+using k7nav::WordOf;
 
 namespace {
 
@@ -48,17 +53,6 @@ int WriteWithAny(K7String& out, const Part& first, const Part& second) {
   return second.IsEmpty() ? Write(out, first) : WriteWith(out, first, second);
 }
 
-template <size_t N>
-const char* Text(const char* const (&texts)[N], int code, const char* otherwise) {
-  return code >= 0 && code < static_cast<int>(N) && texts[code] ? texts[code] : otherwise;
-}
-
-// The fix of a key; null when the store has none.
-const K7NavFix* FindFix(K7NavData* data, const K7NavKey& key) {
-  const K7NavRec* const rec = data && !key.NoRecord() ? data->GetRec(key) : nullptr;
-  return rec && K7IsFix(rec->Type()) ? static_cast<const K7NavFix*>(rec) : nullptr;
-}
-
 template <class Record>
 int Describe(const K7NavRec& rec, K7NavData* data, K7String& out) {
   return static_cast<const Record&>(rec).GetDescription(data, out);
@@ -89,7 +83,7 @@ const char* K7Runway::SurfaceString(int code) {
       "Sand",    "Sealed",  "Shale",   "Silt",  "Snow",     "Soil",    "Treated",  "Turf",  "Unknown",
       "Unpaved", "Asphalt", "Bitumen", "Brick", "Concrete", "Macadam", "Paved",    "Tarmac"};
   static_assert(std::size(SURFACES) == 26);
-  return Text(SURFACES, code, "Unknown");
+  return WordOf(SURFACES, code, "Unknown");
 }
 int K7Runway::GetDescription(K7NavData* data, K7String& out) const {
   const K7NavFix* const found = airportIdent[0] ? nullptr : FindFix(data, airport);
@@ -98,13 +92,13 @@ int K7Runway::GetDescription(K7NavData* data, K7String& out) const {
 
 const char* K7FleetAirport::TypeString(int code) {
   static constexpr const char* TYPES[] = {nullptr, "Regular", "Alternate", "Refuel", "Emergency"};
-  return Text(TYPES, code, nullptr);
+  return WordOf(TYPES, code);
 }
 
 const char* K7CtrlAirspace::TypeString(int type) {
   static constexpr const char* TYPES[] = {"Class A",       "Class B",    "Class C",     "Control Area",
                                           "Terminal Area", "Radar Zone", "Control Zone"};
-  return Text(TYPES, type, "Unknown");
+  return WordOf(TYPES, type, "Unknown");
 }
 int K7CtrlAirspace::GetDescription(K7NavData*, K7String& out) const {
   const Part first(name.IsEmpty() ? ident : name);
@@ -116,7 +110,7 @@ int K7CtrlAirspace::GetDescription(K7NavData*, K7String& out) const {
 const char* K7SUAirspace::TypeString(int type) {
   static constexpr const char* TYPES[] = {"Alert",      "Caution",  "Danger",  "Military", "Prohibited",
                                           "Restricted", "Training", "Warning", "Unknown",  "Glider"};
-  return Text(TYPES, type, "Unknown");
+  return WordOf(TYPES, type, "Unknown");
 }
 int K7SUAirspace::GetDescription(K7NavData*, K7String& out) const { return WriteWithAny(out, ident, name); }
 
@@ -154,7 +148,7 @@ const char* K7AirspaceSeg::ViaString(char via) {
 const char* K7SpecialActivityArea::TypeString(int code) {
   static constexpr const char* TYPES[] = {nullptr,      "Parachuting",       "Gliding",   "Model Flying",
                                           "Ballooning", "Ultralight Flying", "Aerobatics"};
-  return Text(TYPES, code, "Unknown");
+  return WordOf(TYPES, code, "Unknown");
 }
 int K7SpecialActivityArea::GetDescription(K7NavData*, K7String& out) const {
   return WriteWithAny(out, ident, name);
@@ -185,7 +179,7 @@ const char* K7ProcedureLeg::PathTermString(int code) {
                                           "FC", "FD", "FM", "HA", "HF", "HM", "IF", "PI",
                                           "RF", "TF", "VA", "VD", "VI", "VM", "VR"};
   static_assert(std::size(TERMS) == 23);
-  return Text(TERMS, code, "Unknown");
+  return WordOf(TERMS, code, "Unknown");
 }
 
 int K7TransitRoute::VertLimitStr(K7String& out) const { return Write(out, vertLimit); }
@@ -214,12 +208,12 @@ const char* K7Obstacle::TypeString(int code) {
                                           "Stack",         "Tank",
                                           "Tower",         "Transmission Line",
                                           "Tree",          "Wind Turbine"};
-  return Text(TYPES, code, "Obstacle");
+  return WordOf(TYPES, code, "Obstacle");
 }
 const char* K7Obstacle::LightString(int code) {
   static constexpr const char* LIGHTS[] = {nullptr,        "None",          "Lighted", "Red",
                                            "White Strobe", "Red and White", "Flood"};
-  return Text(LIGHTS, code, "Unknown");
+  return WordOf(LIGHTS, code, "Unknown");
 }
 int K7Obstacle::GetDescription(K7NavData*, K7String& out) const {
   const char* what = TypeString(typeCode);

@@ -1,6 +1,6 @@
-#include "navdata/xml_field.h"
+#include "navdata/nav_xml_forms.h"
 
-#include <k7/io/xml_elem.h>
+#include <k7/foundation/error_string.h>
 #include <k7/navdata/nav_data.h>
 #include <k7/navdata/nav_key.h>
 
@@ -19,17 +19,10 @@ int K7NavKey::typeString(K7String& out) const {
 }
 
 int K7NavKey::ToXML(K7NavData*, K7XmlOutputType_t, K7XmlElem& elem) const {
-  const struct {
-    const char* name;
-    uint32_t word;
-  } words[] = {{"Index", m_idx}, {"NavType", m_navType}};
-  for (const auto& [name, word] : words) {
-    K7String text;
-    int err = std::min(text.Format("%u", word), 0);
-    if (!err) err = k7nav::AddElement(elem, name, nullptr, text);
-    if (err) return err;
-  }
-  return 0;
+  k7nav::XmlTree tree(elem);
+  K7XmlText text;
+  k7nav::WriteWords(tree, text, *this);
+  return text.Failed() ? int{K7_ERR_MEMORY} : tree.Result();
 }
 
 int K7NavKey::ToXML(K7NavData* data, K7XmlOutputType_t type, K7String& out, const char* name) const {

@@ -1,5 +1,6 @@
 // Rows of fixes, navaids, airports and runways.
 
+#include "navdata/lookup.h"
 #include "navdata/nav_xml_forms.h"
 
 #include <k7/navdata/airport.h>
@@ -7,7 +8,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <iterator>
 
 namespace k7nav {
 namespace {
@@ -269,7 +269,7 @@ bool CityDirection(Rendering& r, const void* record) {
 
 const char* Owner(int code) {
   static constexpr const char* WORDS[] = {nullptr, "Public", "Private", "Air Force", "Navy", "Army"};
-  return code >= 0 && code < static_cast<int>(std::size(WORDS)) ? WORDS[code] : nullptr;
+  return WordOf(WORDS, code);
 }
 const char* Use(int code) { return code == 1 ? "Public" : code == 2 ? "Private" : nullptr; }
 

@@ -1,5 +1,6 @@
 // Rows of airspaces, their boundaries, and the boundaries that operators draw.
 
+#include "navdata/lookup.h"
 #include "navdata/nav_xml_forms.h"
 
 #include <k7/navdata/airspace.h>
@@ -18,10 +19,10 @@ const char* Level(int c) {
   }
 }
 
-// '1', '2' and '3' of three words.
+// A code that is a digit counts from '1'.
 template <const auto& WORDS>
 const char* Digit(int c) {
-  return c >= '1' && c <= '3' ? WORDS[c - '1'] : nullptr;
+  return WordOf(WORDS, c - '1');
 }
 constexpr const char* SPEED_UNITS[] = {"Knots", "Mach", "Kilometers per Hour"};
 constexpr const char* ALT_UNITS[] = {"Flight Levels", "Meters", "Feet"};

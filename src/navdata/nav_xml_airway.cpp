@@ -1,5 +1,6 @@
 // Rows of airways, holdings, procedures and off-route altitudes.
 
+#include "navdata/lookup.h"
 #include "navdata/nav_xml_forms.h"
 
 #include <k7/navdata/airway.h>
@@ -160,7 +161,7 @@ constexpr Row MORA_ROWS[] = {
 
 const char* RouteDirection(int code) {
   static constexpr const char* WORDS[] = {"Both Ways", "Forward Only", "Backward Only"};
-  return code >= 0 && code < 3 ? WORDS[code] : nullptr;
+  return WordOf(WORDS, code);
 }
 
 constexpr Row TRANSIT_ROUTE_ROWS[] = {

@@ -1,5 +1,7 @@
 #include "navdata/nav_xml_forms.h"
 
+#include "navdata/lookup.h"
+
 #include <k7/foundation/error_string.h>
 #include <k7/geodesy/latlon.h>
 #include <k7/navdata/morse_code.h>
@@ -72,21 +74,22 @@ bool PutAlt(Rendering& r, K7Alt alt) {
 }
 
 bool PutIdentOf(Rendering& r, const K7NavKey& key) {
-  const K7NavRec* const rec = r.data && !key.NoRecord() ? r.data->GetRec(key) : nullptr;
-  if (!rec || !K7IsFix(rec->Type())) return false;
-  const K7NavFix& fix = *static_cast<const K7NavFix*>(rec);
-  r.text.Append(fix.ident, strnlen(fix.ident, sizeof fix.ident));
-  return r.text.Size() > 0;
+  const K7NavFix* const fix = FindFix(r.data, key);
+  return fix && Text<decltype(fix->ident)>(r, fix->ident);
 }
 
-void WriteKey(XmlSink& out, K7XmlText& text, const char* element, const K7NavKey& key) {
-  out.Open(element);
+void WriteWords(XmlSink& out, K7XmlText& text, const K7NavKey& key) {
   text.Clear();
   PutNumber(text, key.Idx());
   out.Add("Index", nullptr, text.Text());
   text.Clear();
   PutNumber(text, key.NavType());
   out.Add("NavType", nullptr, text.Text());
+}
+
+void WriteKey(XmlSink& out, K7XmlText& text, const char* element, const K7NavKey& key) {
+  out.Open(element);
+  WriteWords(out, text, key);
   out.Close(element);
 }
 

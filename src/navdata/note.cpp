@@ -1,8 +1,12 @@
+#include "navdata/lookup.h"
+
 #include <k7/navdata/nav_data.h>
 #include <k7/navdata/note.h>
 
 #include <algorithm>
 #include <iterator>
+
+using k7nav::WordOf;
 
 namespace {
 
@@ -89,13 +93,8 @@ constexpr const char* ALT_REFERENCES[] = {"MSL", "AGL", "Standard"};
 constexpr const char* ALT_UNITS[] = {"Feet", "Meters", "Flight Level"};
 
 template <size_t N>
-const char* Text(const char* const (&texts)[N], int code, const char* otherwise) {
-  return code >= 0 && code < static_cast<int>(N) ? texts[code] : otherwise;
-}
-
-template <size_t N>
 int Write(const char* const (&texts)[N], int code, K7String& out) {
-  return std::min(out.Create(Text(texts, code, "")), 0);
+  return std::min(out.Create(WordOf(texts, code, "")), 0);
 }
 
 }  // namespace
@@ -105,11 +104,11 @@ double K7SmartNotes::South() const { return K7NavData::FixPt2DecDeg(south); }
 double K7SmartNotes::East() const { return K7NavData::FixPt2DecDeg(east); }
 double K7SmartNotes::West() const { return K7NavData::FixPt2DecDeg(west); }
 
-const char* K7SmartNotes::GetCategoryStr() const { return Text(CATEGORIES, category, "Unknown"); }
-const char* K7SmartNotes::GetElementTypeStr() const { return Text(ELEMENT_TYPES, elementType, "Unknown"); }
-const char* K7SmartNotes::GetFlightRulesStr() const { return Text(FLIGHT_RULES, flightRules, "Unknown"); }
-const char* K7SmartNotes::GetPhaseOfFlightStr() const { return Text(PHASES, phaseOfFlight, "Unknown"); }
-const char* K7SmartNotes::GetSubcategoryStr() const { return Text(SUBCATEGORIES, subcategory, "Unknown"); }
+const char* K7SmartNotes::GetCategoryStr() const { return WordOf(CATEGORIES, category, "Unknown"); }
+const char* K7SmartNotes::GetElementTypeStr() const { return WordOf(ELEMENT_TYPES, elementType, "Unknown"); }
+const char* K7SmartNotes::GetFlightRulesStr() const { return WordOf(FLIGHT_RULES, flightRules, "Unknown"); }
+const char* K7SmartNotes::GetPhaseOfFlightStr() const { return WordOf(PHASES, phaseOfFlight, "Unknown"); }
+const char* K7SmartNotes::GetSubcategoryStr() const { return WordOf(SUBCATEGORIES, subcategory, "Unknown"); }
 
 int K7SmartNoteLink::GetAreaCodeString(K7String& out) const { return Write(AREA_CODES, areaCode, out); }
 int K7SmartNoteLink::GetCardinalDirectionString(K7String& out) const {
