@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <cstdlib>
 #include <memory>
 #include <set>
 #include <string>
@@ -26,24 +26,48 @@ std::unique_ptr<K7NavRec> Make(unsigned type) {
   return rec;
 }
 
+// `f` with the number, kind and name of each field of a type.
+template <class F>
+void EachField(K7NavType type, F f) {
+  K7NavFieldDataType kind;
+  const char *name, *note;
+  for (int i = 0; K7NavData::GetFieldInfo(type, i, kind, name, note); i++) f(i, kind, name);
+}
+
+// A value for a field of any kind.
+K7NavField Value(K7NavFieldDataType kind, double number, const char* text, K7NavKey key = {}) {
+  K7NavField value;
+  if (kind == K7FIELD_STRING) value.str = text;
+  if (kind == K7FIELD_CHAR) value.c = 'H';
+  if (kind == K7FIELD_INTEGER || kind == K7FIELD_UNSIGNED) value.i = static_cast<int>(number);
+  if (kind == K7FIELD_REAL) value.d = number;
+  if (kind == K7FIELD_KEY) value.key = key;
+  return value;
+}
+
 // Each field a value of its own: numbers from 11 on, texts that begin with a letter of the field's number.
 void Fill(K7NavRec& rec, std::vector<std::string>& texts) {
-  const int count = K7NavData::GetFieldCount(rec.Type());
-  texts.reserve(static_cast<size_t>(count));
-  for (int i = 0; i < count; i++) {
-    K7NavFieldDataType kind;
-    const char *name, *note;
-    ASSERT_TRUE(K7NavData::GetFieldInfo(rec.Type(), i, kind, name, note));
-    if (std::string_view(name) == "SmartNote Key" && rec.Type() == K7NAV_SMART_NOTE) continue;
+  texts.reserve(static_cast<size_t>(K7NavData::GetFieldCount(rec.Type())));
+  EachField(rec.Type(), [&](int i, K7NavFieldDataType kind, const char*) {
     texts.push_back(std::string(1, static_cast<char>('a' + i)) + "<&-text-longer-than-the-room-of-most>");
-    K7NavField value;
-    if (kind == K7FIELD_STRING) value.str = texts.back().c_str();
-    if (kind == K7FIELD_CHAR) value.c = 'H';
-    if (kind == K7FIELD_INTEGER) value.i = 11 + i;
-    if (kind == K7FIELD_UNSIGNED) value.u = static_cast<uint32_t>(11 + i);
-    if (kind == K7FIELD_REAL) value.d = 11 + i;
-    if (kind == K7FIELD_KEY) value.key = K7NavKey(static_cast<uint32_t>(i), K7NAV_ENROUTE_FIX);
-    K7NavData::SetField(&rec, i, value);
+    const K7NavKey key = rec.key;  // of smart notes it is a field, too
+    K7NavData::SetField(&rec, i, Value(kind, 11 + i, texts.back().c_str(), {11, K7NAV_ENROUTE_FIX}));
+    rec.key = key;
+  });
+}
+
+// Sets what "Ident=KSEA;Elev=432" names. A text that the record only points to stands last.
+void Set(K7NavRec& rec, const char* fields) {
+  while (*fields) {
+    const std::string name(fields, std::strcspn(fields, "="));
+    const char* const text = fields + name.size() + 1;
+    const std::string word(text, std::strcspn(text, ";"));
+    fields = text + word.size() + (text[word.size()] == ';');
+    if (name == "notes") rec.notes = text;
+    EachField(rec.Type(), [&](int i, K7NavFieldDataType kind, const char* field) {
+      if (field == name)
+        K7NavData::SetField(&rec, i, Value(kind, std::atof(text), *fields ? word.c_str() : text));
+    });
   }
 }
 
@@ -52,16 +76,13 @@ void ExpectTexts(const K7NavRec& rec, const std::vector<std::string>& texts, con
   std::string found;
   for (const K7XmlElem* child = root.FirstChild(); child; child = child->NextSibling())
     found += child->Text();
-  for (int i = 0; i < static_cast<int>(texts.size()); i++) {
-    K7NavFieldDataType kind;
-    const char *name, *note;
+  EachField(rec.Type(), [&](int i, K7NavFieldDataType kind, const char* name) {
     K7NavField value;
-    K7NavData::GetFieldInfo(rec.Type(), i, kind, name, note);
-    if (kind != K7FIELD_STRING || !K7NavData::GetField(&rec, i, &value) || !value.str) continue;
+    if (kind != K7FIELD_STRING || !K7NavData::GetField(&rec, i, &value) || !value.str) return;
     const std::string start = texts[static_cast<size_t>(i)].substr(0, 2);
     const bool isWhole = std::string_view(value.str, 2) == start;
     EXPECT_TRUE(!isWhole || found.find(start) != found.npos) << name << found;
-  }
+  });
 }
 
 bool IsKey(const K7XmlElem& elem) { return std::string_view(elem.Name()).ends_with("Key"); }
@@ -145,20 +166,21 @@ TEST(NavXml, AnyBytesRender) {
       const auto rec = Make(type);
       if (!rec) continue;
       SCOPED_TRACE(type);
+      const K7NavRec clean = *rec;
+      uint8_t* const bytes = reinterpret_cast<uint8_t*>(rec.get());
+      const int size = K7NavData::GetRecSize(rec->Type());
       std::set<int> pointers;
       K7NavFieldLayout layout;
       for (int i = 0; K7NavData::GetFieldLayout(rec->Type(), i, layout); i++) {
         if (layout.storage == K7STORE_POINTER) pointers.insert(layout.at);
       }
-      const K7NavRec clean = *rec;
-      uint8_t* const bytes = reinterpret_cast<uint8_t*>(rec.get());
-      const int size = K7NavData::GetRecSize(rec->Type());
       // Members that no field names may be pointers, too: only numbers and texts that are fields are filled.
       for (int i = 0; K7NavData::GetFieldLayout(rec->Type(), i, layout); i++) {
         if (layout.bits <= 0 || pointers.contains(layout.at)) continue;
-        const int end = std::min(size, layout.at + layout.bits / 8);
-        std::fill(bytes + layout.at, bytes + end, static_cast<uint8_t>(byte));
+        std::fill(bytes + layout.at, bytes + std::min(size, layout.at + layout.bits / 8), uint8_t(byte));
       }
+      if (type == K7NAV_MORA || type == K7NAV_AIRSPACE_SEG)
+        std::fill(bytes + sizeof clean, bytes + size, uint8_t(byte));
       static_cast<K7NavRec&>(*rec) = clean;
       for (const K7XmlOutputType_t output : OUTPUTS) {
         K7String text;
@@ -178,114 +200,115 @@ TEST(NavXml, AnyBytesRender) {
 
 TEST(NavXml, ElementsReadAsRequired) {
   SmallStore store;
-  const auto airport = [](auto change) {
-    return [change](K7NavRec& rec) { change(static_cast<K7Airport&>(rec)); };
-  };
-  const auto runway = [](auto change) {
-    return [change](K7NavRec& rec) { change(static_cast<K7Runway&>(rec)); };
-  };
-  const auto vor = [](auto change) {
-    return [change](K7NavRec& rec) { change(static_cast<K7VHFNavaid&>(rec)); };
-  };
-  const auto notes = [](const char* text) { return [text](K7NavRec& rec) { rec.notes = text; }; };
-  const auto none = [](K7NavRec&) {};
   constexpr char NONE[] = "(none)";
   const struct {
     unsigned type;
     int output;
-    std::function<void(K7NavRec&)> change;
-    const char* element;
-    const char* text;
+    const char *fields, *element, *text;
   } cases[] = {
-      {5, 0, none, "Type", "Airport"},
-      {5, 0, none, "OperationalNotes", NONE},
-      {5, 0, notes("A CPDLC:x"), "OperationalNotes", "A"},
-      {5, 0, notes("A CPDLC:x"), "CPDLCService", "x"},
-      {5, 0, notes("CPDLC:x CPDLC: y  VFR:z"), "CPDLCService", "x y  VFR:z"},
-      {5, 0, notes("CPDLC:x CPDLC: y  VFR:z"), "VFRNote", NONE},
-      {5, 0, notes("VFR:v SATCOM: s INMARSAT: i"), "VFRNote", "v SATCOM: s INMARSAT: i"},
-      {5, 0, notes("  INMARSAT: i SATCOM: s"), "INMARSATService", "i"},
-      {5, 0, notes("  INMARSAT: i SATCOM: s"), "SATCOMService", "s"},
-      {5, 0, notes("  INMARSAT: i SATCOM: s"), "OperationalNotes", NONE},
-      {5, 0, airport([](auto& a) { a.lat = -K7NavData::DecDeg2FixPt(47.5); }), "Latitude", "S 47 30.0"},
-      {5, 1, airport([](auto& a) { a.lon = K7NavData::DecDeg2FixPt(-7.25); }), "Longitude", "W 007 15.0"},
-      {5, 2, none, "LatLong", "N 00 00.0   E 000 00.0"},
-      {5, 2, none, "Latitude", NONE},
-      {5, 0, airport([](auto& a) { a.elev = -4899; }), "Elevation", NONE},
-      {5, 0, airport([](auto& a) { a.elev = -4898; }), "Elevation", "-4898 ft"},
-      {5, 0, airport([](auto& a) { a.elev = 432; }), "Elevation", "432 ft"},
-      {5, 0, none, "Elevation", "ft"},  // a blank and the unit; parsing takes the blank
-      {5, 0, airport([](auto& a) { a.magVar = -35; }), "MagVar", "3.5\xB0 W"},
-      {5, 0, airport([](auto& a) { a.magVar = 3700; }), "MagVar", "Oriented to True North"},
-      {5, 0, airport([](auto& a) { a.magVar = 3800; }), "MagVar", "380.0\xB0 E"},
-      {5, 0, airport([](auto& a) { a.magVar = 3900; }), "MagVar", "Unknown"},
-      {5, 0, airport([](auto& a) { a.utcOffset = -330; }), "Timezone", "-5:30 = UTC"},
-      {5, 0, airport([](auto& a) { a.utcOffset = 545; }), "Timezone", "+9:05 = UTC"},
-      {5, 0, none, "PatternAlt", NONE},
-      {5, 0, airport([](auto& a) { a.elev = 400, a.patternAlt = 1000; }), "PatternAlt",
-       "1400 ft (1000 ft AGL)"},
-      {5, 0, airport([](auto& a) { a.speedLimit = 1; }), "SpeedLimit", "1 kt"},
-      {5, 0, none, "SpeedLimit", "0 kts"},
-      {5, 0, none, "SpeedLimitAlt", NONE},
-      {5, 1, airport([](auto& a) { a.speedLimitAlt = K7Alt(10000); }), "SpeedLimitAlt", "10000 ft"},
-      {5, 0, airport([](auto& a) { a.longestRunway = 95; }), "LongestRunway", "9500 ft"},
-      {5, 0, airport([](auto& a) { a.transLevel = K7Alt(12000, 2); }), "TransitionLevel", "FL120"},
-      {5, 0, airport([](auto& a) { a.flags = 0xC00; }), "Usage", NONE},
-      {5, 2, airport([](auto& a) { a.flags = 0x1C00; }), "Usage", "Joint-Use"},
-      {5, 2, airport([](auto& a) { a.flags = 0x1400; }), "Usage", "Public"},
-      {5, 2, airport([](auto& a) { a.flags = 0x1800; }), "Usage", "Military"},
-      {5, 2, airport([](auto& a) { a.flags = 0x1000; }), "Usage", "Private"},
-      {5, 2, none, "Usage", NONE},
-      {5, 2, airport([](auto& a) { a.flags = 0x40; }), "DaylightSavings", "Observed"},
-      {5, 2, none, "DaylightSavings", "Not Observed"},
-      {5, 1, none, "FirKey", NONE},
-      {5, 0, none, "IATA", ""},
-      {5, 2, airport([](auto& a) { std::memcpy(a.ident, "KSEA", 5), std::memcpy(a.iata, "SEA", 4); }),
-       "ICAOIATA", "KSEA / SEA"},
-      {5, 2, airport([](auto& a) { std::memcpy(a.ident, "KSEA", 5); }), "ICAO", "KSEA"},
-      {5, 2, airport([](auto& a) { std::memcpy(a.iata, "SEAX", 4); }), "IATA", "SEAX"},
-      {0, 0, none, "Location", "5 NM S of Town"},
-      {0, 0, vor([](auto& v) { v.freq = 11680; }), "Frequency", "116.8 MHz"},
-      {0, 0, vor([](auto& v) { v.freq = 11685; }), "Frequency", "116.85 MHz"},
-      {0, 0, vor([](auto& v) { std::memcpy(v.ident, "AB", 3); }), "MorseCode", ". -   - . . ."},
-      {0, 0, vor([](auto& v) { v.declination = 3800; }), "Declination", "Oriented to Grid North"},
-      {0, 0, vor([](auto& v) { v.declination = 5; }), "Declination", "0.5\xB0 E"},
-      {0, 0, vor([](auto& v) { v.range = 130; }), "Range", "130 NM"},
-      {0, 0, vor([](auto& v) { v.flags = 0x101; }), "DetailedType", "VORTAC"},
-      {0, 0, vor([](auto& v) { v.flags = 0x3; }), "DetailedType", "VORDME"},
-      {0, 0, vor([](auto& v) { v.flags = 0x42; }), "DetailedType", "ILSDME"},
-      {6, 1, none, "AirportKey", ""},
-      {6, 0, runway([](auto& r) { std::memcpy(r.airportIdent, "KSEAXX", 6); }), "AirportIdent", "KSEAXX"},
-      {6, 2, runway([](auto& r) { r.length = 8000, r.width = 150; }), "LengthWidth",
-       "8000 ft x 150 ft (2438 m x 46 m)"},
-      {6, 2, runway([](auto& r) { r.length = 8000, r.width = -1; }), "LengthWidth",
-       "8000 ft x Unknown (2438 m x Unknown)"},
-      {6, 0, none, "Length", "Unknown"},
-      {6, 2, none, "Length", NONE},
-      {6, 0, runway([](auto& r) { r.magBrg = 1642; }), "MagneticBearing", "164.2\xB0"},
-      {6, 0, runway([](auto& r) { r.trueBrg = 7; }), "TrueBearing", "0.7\xB0 T"},
-      {6, 0, none, "Surface", "Clay"},
-      {6, 0, runway([](auto& r) { r.surface = 25; }), "Surface", "Tarmac"},
-      {6, 0, runway([](auto& r) { r.surface = 26; }), "Surface", "Unknown"},
-      {6, 0, runway([](auto& r) { r.surface = -1; }), "Surface", "Unknown"},
-      {6, 0, runway([](auto& r) { r.flags = 0xCFF0; }), "Lighting",
-       "Edge, Approach, Centerline, REIL, Touchdown, Part Time, Pilot Controlled, Prior Req REIL, "
-       "Prior Req Centerline, Prior Req Touchdown,"},
-      {6, 0, runway([](auto& r) { r.flags = 0xE; }), "Restrictions",
-       "Emergency Use Only, Glider Use Only, Ultralight Use Only,"},
-      {6, 0, runway([](auto& r) { r.flags = 0xF; }), "Restrictions", ""},
-      {6, 0, runway([](auto& r) { r.tdzElev = -4899; }), "TDZElev", NONE},
-      {6, 0, none, "DisplacedThreshold", NONE},
-      {6, 0, runway([](auto& r) { r.stopway = 400; }), "StopwayDistance", "400 ft"},
-      {6, 0, runway([](auto& r) { r.gradient = 0.5F; }), "RunwayGradient", "0.500 Up"},
-      {6, 0, runway([](auto& r) { r.gradient = -0.25F; }), "RunwayGradient", "-0.250 Down"},
+      {5, 0, "", "Type", "Airport"},
+      {5, 0, "notes=A CPDLC:x", "OperationalNotes", "A"},
+      {5, 0, "notes=CPDLC:x CPDLC: y  VFR:z", "CPDLCService", "x y  VFR:z"},
+      {5, 0, "notes=CPDLC:x CPDLC: y  VFR:z", "VFRNote", NONE},
+      {5, 0, "notes=VFR:v SATCOM: s INMARSAT: i", "VFRNote", "v SATCOM: s INMARSAT: i"},
+      {5, 0, "notes=  INMARSAT: i SATCOM: s", "INMARSATService", "i"},
+      {5, 0, "notes=  INMARSAT: i SATCOM: s", "SATCOMService", "s"},
+      {5, 0, "notes=  INMARSAT: i SATCOM: s", "OperationalNotes", NONE},
+      {5, 0, "Lat=-47.5", "Latitude", "S 47 30.0"},
+      {5, 1, "Lon=-7.25", "Longitude", "W 007 15.0"},
+      {5, 2, "", "LatLong", "N 00 00.0   E 000 00.0"},
+      {5, 2, "", "Latitude", NONE},
+      {5, 0, "Elev=-4899", "Elevation", NONE},
+      {5, 0, "Elev=-4898", "Elevation", "-4898 ft"},
+      {5, 0, "", "Elevation", "ft"},  // a blank and the unit; parsing takes the blank
+      {5, 0, "Mag Var=-3.5", "MagVar", "3.5\xB0 W"},
+      {5, 0, "Mag Var=370", "MagVar", "Oriented to True North"},
+      {5, 0, "Mag Var=380", "MagVar", "380.0\xB0 E"},
+      {5, 0, "Mag Var=390", "MagVar", "Unknown"},
+      {5, 0, "", "PatternAlt", NONE},
+      {5, 0, "Elev=400;Pattern Alt=1000", "PatternAlt", "1400 ft (1000 ft AGL)"},
+      {5, 0, "Speed Limit=1", "SpeedLimit", "1 kt"},
+      {5, 0, "", "SpeedLimit", "0 kts"},
+      {5, 0, "Speed Limit Alt=10000", "SpeedLimitAlt", NONE},
+      {5, 1, "Speed Limit Alt=10000", "SpeedLimitAlt", "10000 ft"},
+      {5, 0, "Longest Runway=9500", "LongestRunway", "9500 ft"},
+      {5, 0, "Trans Level=12000", "TransitionLevel", "12000 ft"},
+      {5, 0, "Flags=3072", "Usage", NONE},
+      {5, 2, "Flags=7168", "Usage", "Joint-Use"},
+      {5, 2, "Flags=5120", "Usage", "Public"},
+      {5, 2, "Flags=6144", "Usage", "Military"},
+      {5, 2, "Flags=4096", "Usage", "Private"},
+      {5, 2, "Flags=64", "DaylightSavings", "Observed"},
+      {5, 2, "", "DaylightSavings", "Not Observed"},
+      {5, 1, "", "FirKey", NONE},
+      {5, 0, "", "IATA", ""},
+      {5, 2, "Ident=KSEA;IATA=SEA", "ICAOIATA", "KSEA / SEA"},
+      {5, 2, "Ident=KSEA", "ICAO", "KSEA"},
+      {5, 2, "IATA=SEAX", "IATA", "SEAX"},
+      {0, 0, "", "Location", "5 NM S of Town"},
+      {0, 0, "Freq=116.8", "Frequency", "116.8 MHz"},
+      {0, 0, "Freq=116.85", "Frequency", "116.85 MHz"},
+      {0, 0, "Ident=AB", "MorseCode", ". -   - . . ."},
+      {0, 0, "Declin=380", "Declination", "Oriented to Grid North"},
+      {0, 0, "Declin=0.5", "Declination", "0.5\xB0 E"},
+      {0, 0, "", "Range", "0 NM"},
+      {0, 0, "Flags=257", "DetailedType", "VORTAC"},
+      {0, 0, "Flags=3", "DetailedType", "VORDME"},
+      {0, 0, "Flags=66", "DetailedType", "ILSDME"},
+      {1, 0, "Freq=371", "Frequency", "371 kHz"},
+      {1, 0, "Freq=371.5", "Frequency", "371.5 kHz"},
+      {6, 1, "", "AirportKey", ""},
+      {6, 2, "Length=8000;Width=150", "LengthWidth", "8000 ft x 150 ft (2438 m x 46 m)"},
+      {6, 2, "Length=8000;Width=-1", "LengthWidth", "8000 ft x Unknown (2438 m x Unknown)"},
+      {6, 0, "", "Length", "Unknown"},
+      {6, 2, "", "Length", NONE},
+      {6, 0, "Mag Brg=164.2", "MagneticBearing", "164.2\xB0"},
+      {6, 0, "True Brg=0.7", "TrueBearing", "0.7\xB0 T"},
+      {6, 0, "", "Surface", "Clay"},
+      {6, 0, "Surface=25", "Surface", "Tarmac"},
+      {6, 0, "Surface=26", "Surface", "Unknown"},
+      {6, 0, "Flags=53232", "Lighting",
+       "Edge, Approach, Centerline, REIL, Touchdown, Part Time, Pilot Controlled, Prior Req REIL, Prior Req "
+       "Centerline, Prior Req Touchdown,"},
+      {6, 0, "Flags=14", "Restrictions", "Emergency Use Only, Glider Use Only, Ultralight Use Only,"},
+      {6, 0, "Flags=15", "Restrictions", ""},
+      {6, 0, "Touchdown Zone Elev=-4899", "TDZElev", NONE},
+      {6, 0, "", "DisplacedThreshold", NONE},
+      {6, 0, "Stopway Dist=400", "StopwayDistance", "400 ft"},
+      {7, 0, "GS Angle=305", "GlideslopeAngle", "3.05\xB0"},
+      {7, 0, "Declin=-12.5", "Declination", "12.5\xB0 W"},
+      {11, 0, "Start Sector=90;End Sector=270", "Sector", "90\xB0 - 270\xB0"},
+      {11, 0, "Service Flags=8200", "Services", "FIS, A/G"},
+      {20, 0, "City Distance=5;City Direction=NE", "CityDistance", "5 NM NE"},
+      {22, 0, "Height=400", "Height", "400 ft AGL"},
+      {24, 0, "Path Term=11;Time/Dist=10", "TimeDistance", "1.0 min"},
+      {24, 0, "Path Term=17;Time/Dist=105", "TimeDistance", "10.5 NM"},
+      {24, 0, "", "MagneticCourse", NONE},
+      {50, 0, "Minutes=180", "Minutes", "180 min"},
   };
   for (const auto& row : cases) {
     const auto rec = Make(row.type);
-    row.change(*rec);
+    Set(*rec, row.fields);
     EXPECT_EQ(Rendered(*rec, static_cast<K7XmlOutputType_t>(row.output), row.element, &store), row.text)
-        << row.element << " of " << row.type;
+        << row.element << " of " << row.type << " " << row.fields;
   }
+  // Members that are no fields.
+  const auto with = [&](K7NavType type, auto record, auto member, auto value, const char* element) {
+    record.key = K7NavKey(7, type);
+    record.*member = static_cast<std::remove_reference_t<decltype(record.*member)>>(value);
+    return Rendered(record, K7XML_PLAIN, element, &store);
+  };
+  EXPECT_EQ(with(K7NAV_AIRPORT, K7Airport(), &K7Airport::utcOffset, -330, "Timezone"), "-5:30 = UTC");
+  EXPECT_EQ(with(K7NAV_AIRPORT, K7Airport(), &K7Airport::utcOffset, 545, "Timezone"), "+9:05 = UTC");
+  EXPECT_EQ(with(K7NAV_RUNWAY, K7Runway(), &K7Runway::gradient, 0.5F, "RunwayGradient"), "0.500 Up");
+  EXPECT_EQ(with(K7NAV_RUNWAY, K7Runway(), &K7Runway::gradient, -0.25F, "RunwayGradient"), "-0.250 Down");
+  EXPECT_EQ(with(K7NAV_MORA, K7Mora(), &K7Mora::lat, 48, "Latitude"), "N 48 00.0");
+  EXPECT_EQ(with(K7NAV_MORA, K7Mora(), &K7Mora::lon, -123, "Longitude"), "W 123 00.0");
+  EXPECT_EQ(with(K7NAV_LOW_AIRWAY, K7AirwaySeg(), &K7AirwaySeg::distance, 2350, "Distance"), "23.50 NM");
+  EXPECT_EQ(with(K7NAV_LOW_AIRWAY, K7AirwaySeg(), &K7AirwaySeg::rnp, 0.3F, "RNP"), "0.3 NM");
+  EXPECT_EQ(
+      with(K7NAV_HOLDING, K7HoldingPattern(), &K7HoldingPattern::inbound, K7Course(905), "InboundCourse"),
+      "090\xB0");
   K7String text("kept");
   EXPECT_EQ(store.ToXML(nullptr, K7XML_FULL, text), 0);
   EXPECT_STREQ(text, "kept");
@@ -386,17 +409,11 @@ TEST(NavData, DescriptionsOfEveryType) {
     SmallStore store;
     const K7NavKey airport = AddBusyAirport(store).key;
     K7NavRec& rec = store.Add<K7NavRec>(static_cast<K7NavType>(type));
-    for (int i = 0; i < K7NavData::GetFieldCount(rec.Type()) && type != K7NAV_SMART_NOTE; i++) {
-      K7NavFieldDataType kind;
-      const char *name, *note;
-      K7NavData::GetFieldInfo(rec.Type(), i, kind, name, note);
-      K7NavField value;
-      value.i = 3;
-      if (kind == K7FIELD_STRING) value.str = name;
-      if (kind == K7FIELD_CHAR) value.c = 'H';
-      if (kind == K7FIELD_KEY) value.key = airport;
-      K7NavData::SetField(&rec, i, value);
-    }
+    EachField(rec.Type(), [&](int i, K7NavFieldDataType kind, const char* name) {
+      const K7NavKey key = rec.key;
+      K7NavData::SetField(&rec, i, Value(kind, 3, name, airport));
+      rec.key = key;
+    });
     K7String text;
     EXPECT_EQ(store.GetDescriptionByKey(rec.key, text), expected ? 0 : int{K7_ERR_NOT_IMPLEMENTED});
     EXPECT_STREQ(text, expected ? expected : "");
