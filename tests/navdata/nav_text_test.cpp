@@ -5,6 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <sstream>
+#include <string>
+
 TEST(NavText, Altitudes) {
   using A = K7Alt;
   const struct {
@@ -18,18 +22,15 @@ TEST(NavText, Altitudes) {
                {100, A::ABOVE_GROUND, false, false, "100 AGL"},
                {100, A::ABOVE_GROUND | A::ABOVE_AERODROME, false, false, "100 AGL"},
                {0, A::ABOVE_AERODROME, false, false, "0 AAL"},
-               {0, 0, false, true, ""},
+               {0, A::METRIC, false, true, ""},
                {0, 0, true, false, "0"},
-               {0, A::METRIC, false, false, ""},
                {2500, 0, false, false, "2500 ft"},
                {2500, 0, false, true, "2500 m"},
                {2500, A::METRIC, false, false, "2500 m"},
-               {2500, A::METRIC, true, true, "2500"},
-               {0x7FFFF4, 0, true, false, "8388596"},
+               {0x7FFFF4, A::METRIC, true, true, "8388596"},
                {0x7FFFF5, A::FLIGHT_LEVEL, true, false, "CLASS B"},
                {0x7FFFF6, 0, false, false, "ATC"},
                {0x7FFFF7, 0, false, false, "TMZ"},
-               {0x7FFFF8, 0, false, false, ""},
                {0x7FFFFA, A::ABOVE_GROUND, false, false, ""},
                {0x7FFFFB, 0, false, false, "MSL"},
                {0x7FFFFC, 0, false, false, "NOTAM"},
@@ -96,22 +97,13 @@ TEST(NavText, Frequencies) {
 }
 
 TEST(NavText, Codes) {
+  const std::map<int, const char*> types = {{1, "ACC"},   {9, "AWOS"},      {17, "FLIGHTWATCH"}, {19, "FSS"},
+                                            {24, "INFO"}, {26, "MULTICOM"}, {29, "RADIO"},       {31, "FSS"},
+                                            {38, "TWEB"}, {42, "VOLMET"}};
   for (int code = -1; code < 50; code++) {
-    const char* text = code == 1    ? "ACC"
-                       : code == 9  ? "AWOS"
-                       : code == 17 ? "FLIGHTWATCH"
-                       : code == 19 ? "FSS"
-                       : code == 24 ? "INFO"
-                       : code == 26 ? "MULTICOM"
-                       : code == 29 ? "RADIO"
-                       : code == 31 ? "FSS"
-                       : code == 38 ? "TWEB"
-                       : code == 42 ? "VOLMET"
-                                    : "Unknown";
-    EXPECT_STREQ(K7EnrouteComm::CommTypeString(code), text) << code;
+    EXPECT_STREQ(K7EnrouteComm::CommTypeString(code), types.contains(code) ? types.at(code) : "Unknown");
   }
   EXPECT_STREQ(K7AirportComm::TypeString(K7AirportComm::TOWER), "Tower");
-  EXPECT_STREQ(K7AirportComm::TypeString(9), "AWOS");
   K7String services = "left over";
   EXPECT_EQ(K7EnrouteComm::ServiceIndicatorString(0x8 | 0x800 | 0x1000 | 0x2000 | 0x4000 | 0x20000, services),
             0);
@@ -134,56 +126,48 @@ TEST(NavText, Codes) {
   note.north = 8388608;
   EXPECT_EQ(note.North(), 1.0);
 
-  // As many texts as there are codes, each of its own.
-  K7SmartNoteLink link;
-  K7SmartNoteAltitude alt;
-  K7String text, last;
-  const auto count = [&](auto& record, int16_t& code, auto get) {
-    for (code = 0;; code++, last = text) {
+  // As many texts as there are codes.
+  const auto count = [](auto record, auto code, auto get) {
+    K7String text;
+    const auto isThere = [&](int value) {
+      record.*code = static_cast<int16_t>(value);
       EXPECT_EQ((record.*get)(text), 0);
-      if (text.IsEmpty()) break;
-      EXPECT_STRNE(text, last);
-    }
-    const int found = code;
-    code = -1;
-    EXPECT_EQ((record.*get)(text), 0);
-    EXPECT_STREQ(text, "");
+      return !text.IsEmpty();
+    };
+    int found = 0;
+    while (isThere(found)) found++;
+    EXPECT_FALSE(isThere(-1));
     return found;
   };
-  EXPECT_EQ(count(link, link.areaCode, &K7SmartNoteLink::GetAreaCodeString), 11);
-  EXPECT_EQ(count(link, link.cardinalDirection, &K7SmartNoteLink::GetCardinalDirectionString), 17);
-  EXPECT_EQ(count(link, link.coverageCode, &K7SmartNoteLink::GetCoverageCodeString), 8);
-  EXPECT_EQ(count(link, link.distDescrip, &K7SmartNoteLink::GetDistDescripString), 5);
-  EXPECT_EQ(count(link, link.units, &K7SmartNoteLink::GetUnitsString), 7);
-  EXPECT_GT(count(alt, alt.description, &K7SmartNoteAltitude::GetAltitudeDescriptionString), 2);
-  EXPECT_GT(count(alt, alt.type, &K7SmartNoteAltitude::GetAltitudeTypeString), 2);
-  EXPECT_GT(count(alt, alt.reference, &K7SmartNoteAltitude::GetAltitudeReferenceString), 1);
-  EXPECT_GT(count(alt, alt.unit, &K7SmartNoteAltitude::GetAltitudeUnitString), 1);
+  using L = K7SmartNoteLink;
+  using A = K7SmartNoteAltitude;
+  EXPECT_EQ(count(L(), &L::areaCode, &L::GetAreaCodeString), 11);
+  EXPECT_EQ(count(L(), &L::cardinalDirection, &L::GetCardinalDirectionString), 17);
+  EXPECT_EQ(count(L(), &L::coverageCode, &L::GetCoverageCodeString), 8);
+  EXPECT_EQ(count(L(), &L::distDescrip, &L::GetDistDescripString), 5);
+  EXPECT_EQ(count(L(), &L::units, &L::GetUnitsString), 7);
+  EXPECT_EQ(count(A(), &A::description, &A::GetAltitudeDescriptionString), 6);
+  EXPECT_EQ(count(A(), &A::type, &A::GetAltitudeTypeString), 5);
+  EXPECT_EQ(count(A(), &A::reference, &A::GetAltitudeReferenceString), 3);
+  EXPECT_EQ(count(A(), &A::unit, &A::GetAltitudeUnitString), 3);
 }
 
-// The alphabet as its own letters spell it in the tables of amateurs, dots and dashes run together.
+// Each character beside its code, dots and dashes run together; the others have none.
 TEST(NavText, MorseCode) {
-  const std::string alphabet =
+  std::istringstream alphabet(
       "0----- 1.---- 2..--- 3...-- 4....- 5..... 6-.... 7--... 8---.. 9----. a.- b-... c-.-. d-.. e. f..-. "
-      "g--. h.... "
-      "i.. j.--- k-.- l.-.. m-- n-. o--- p.--. q--.- r.-. s... t- u..- v...- w.-- x-..- y-.-- z--..";
-  K7String out;
-  size_t at = 0;
-  for (int characters = 0; at < alphabet.size(); characters++) {
-    const size_t end = std::min(alphabet.find(' ', at), alphabet.size());
-    std::string spaced;
-    for (const char symbol : alphabet.substr(at + 1, end - at - 1))
-      spaced += (spaced.empty() ? "" : " ") + std::string(1, symbol);
-    EXPECT_EQ(K7MorseCode::GetMorseCode(alphabet[at], out), 0);
-    EXPECT_STREQ(out, spaced.c_str()) << alphabet[at];
-    K7MorseCode::GetMorseCode(static_cast<char>(std::toupper(alphabet[at])), out);
-    EXPECT_STREQ(out, spaced.c_str());
-    at = end + 1;
+      "g--. h.... i.. j.--- k-.- l.-.. m-- n-. o--- p.--. q--.- r.-. s... t- u..- v...- w.-- x-..- y-.-- "
+      "z--..");
+  std::map<char, std::string> codes;
+  for (std::string code; alphabet >> code;) {
+    std::string& spaced = codes[code[0]];
+    for (size_t i = 1; i < code.size(); i++) spaced += std::string(i > 1, ' ') + code[i];
+    codes[static_cast<char>(std::toupper(code[0]))] = spaced;
   }
+  K7String out;
   for (int c = -128; c < 128; c++) {
-    if (c > 0 && std::isalnum(c)) continue;
-    K7MorseCode::GetMorseCode(static_cast<char>(c), out);
-    EXPECT_STREQ(out, "") << c;
+    EXPECT_EQ(K7MorseCode::GetMorseCode(static_cast<char>(c), out), 0);
+    EXPECT_STREQ(out, codes[static_cast<char>(c)].c_str()) << c;
   }
   const struct {
     const char *text, *code;
@@ -201,18 +185,21 @@ TEST(NavText, MorseCode) {
 }
 
 TEST(NavText, KeysAsXml) {
+  const struct {
+    K7NavKey key;
+    const char *asked, *name, *index, *type;
+  } rows[] = {{{7, K7NAV_AIRPORT}, nullptr, "NavKey", "7", "5"},
+              {K7NavKey(), "FirKey", "FirKey", "4294967295", "4294967295"}};
   K7String out;
-  EXPECT_EQ(K7NavKey(7, K7NAV_AIRPORT).ToXML(nullptr, K7XML_FULL, out, nullptr), 0);
-  K7XmlElem elem;
-  elem.Parse(out);
-  EXPECT_STREQ(elem.Name(), "NavKey");
-  EXPECT_STREQ(elem.ChildText("Index"), "7");
-  EXPECT_STREQ(elem.ChildText("NavType"), "5");
-  EXPECT_EQ(elem.FirstChild()->NumAttribs(), 0);
+  for (const auto& [key, asked, name, index, type] : rows) {
+    EXPECT_EQ(key.ToXML(nullptr, K7XML_FULL, out, asked), 0);
+    K7XmlElem elem;
+    elem.Parse(out);
+    EXPECT_STREQ(elem.Name(), name);
+    EXPECT_STREQ(elem.ChildText("Index"), index);
+    EXPECT_STREQ(elem.ChildText("NavType"), type);
+    EXPECT_EQ(elem.FirstChild()->NumAttribs(), 0);
+  }
   EXPECT_EQ(K7NavKey(7, K7NAV_FIR).typeString(out), 0);
   EXPECT_STREQ(out, "FIR");
-  EXPECT_EQ(K7NavKey().ToXML(nullptr, K7XML_FULL, out, "FirKey"), 0);
-  elem.Parse(out);
-  EXPECT_STREQ(elem.Name(), "FirKey");
-  EXPECT_STREQ(elem.ChildText("Index"), "4294967295");
 }
