@@ -284,8 +284,7 @@ TEST(NavXml, ElementsReadAsRequired) {
       {24, 0, "Path Term=11;Time/Dist=10", "TimeDistance", "1.0 min"},
       {24, 0, "Path Term=17;Time/Dist=105", "TimeDistance", "10.5 NM"},
       {24, 0, "", "MagneticCourse", NONE},
-      {50, 0, "Minutes=180", "Minutes", "180 min"},
-  };
+      {50, 0, "Minutes=180", "Minutes", "180 min"}};
   for (const auto& row : cases) {
     const auto rec = Make(row.type);
     Set(*rec, row.fields);
@@ -373,38 +372,24 @@ TEST(NavXml, SmartNoteHoldsWhatItAppliesTo) {
 // Every text field holds its own name, every number 3, every key the airport's.
 TEST(NavData, DescriptionsOfEveryType) {
   const struct {
-    unsigned type;
-    const char* text;  ///< null for types without one
-  } cases[] = {{0, "Ident (Name)"},
-               {1, "Ident (Name)"},
-               {4, "Ident (Name)"},
-               {5, "Ident (Name)"},
-               {6, "KSEA Runway Ident"},
-               {7, "Ident ILS"},
-               {8, nullptr},
-               {9, "Ident  - "},
-               {11, nullptr},
-               {12, "Enroute Comm (Callsign)"},
-               {13, "Name Class H"},
-               {14, "Ident (Name)"},
-               {16, "Ident FIR"},
-               {17, "Holding at "},
-               {18, nullptr},
-               {20, "Ident (Name)"},
-               {21, "Formation at KSEA"},
-               {24, nullptr},
-               {39, "Name (Designator)"},
-               {41, "Ident (Name)"},
-               {45, "Ident"},
-               {46, "Name"},
-               {48, "Name"},
-               {50, "Ident (3 min)"},
-               {51, "Name"},
-               {53, "Ident  - "},
-               {54, "Building 3 ft (3 ft AGL)"},
-               {57, "Ident FIR"},
-               {68, nullptr}};
-  for (const auto& [type, expected] : cases) {
+    const char* text;
+    std::set<unsigned> types;
+  } described[] = {{"Ident (Name)", {0, 1, 2, 3, 4, 5, 14, 20, 41}},
+                   {"KSEA Runway Ident", {6}},
+                   {"Ident ILS", {7}},
+                   {"Ident  - ", {9, 10, 52, 53}},
+                   {"Enroute Comm (Callsign)", {12}},
+                   {"Name Class H", {13}},
+                   {"Ident FIR", {15, 16, 57}},
+                   {"Holding at ", {17}},
+                   {"Formation at KSEA", {21}},
+                   {"Building 3 ft (3 ft AGL)", {22, 54, 55, 56}},
+                   {"Name (Designator)", {39}},
+                   {"Ident", {45}},
+                   {"Name", {46, 48, 51}},
+                   {"Ident (3 min)", {50}}};
+  for (unsigned type = 0; type < K7NAV_TYPE_COUNT; type++) {
+    if (!Make(type)) continue;
     SCOPED_TRACE(type);
     SmallStore store;
     const K7NavKey airport = AddBusyAirport(store).key;
@@ -414,9 +399,11 @@ TEST(NavData, DescriptionsOfEveryType) {
       K7NavData::SetField(&rec, i, Value(kind, 3, name, airport));
       rec.key = key;
     });
+    const char* expected = "";
+    for (const auto& [text, types] : described) expected = types.contains(type) ? text : expected;
     K7String text;
-    EXPECT_EQ(store.GetDescriptionByKey(rec.key, text), expected ? 0 : int{K7_ERR_NOT_IMPLEMENTED});
-    EXPECT_STREQ(text, expected ? expected : "");
+    EXPECT_EQ(store.GetDescriptionByKey(rec.key, text), *expected ? 0 : int{K7_ERR_NOT_IMPLEMENTED});
+    EXPECT_STREQ(text, expected);
   }
 }
 
@@ -442,23 +429,19 @@ TEST(NavData, DescriptionsByFlagsAndTheirFailures) {
 
 TEST(NavData, FixByIdentIsTheNearest) {
   SmallStore store;
-  for (const double lon : {-122.0, 10.0, 179.5}) {
+  for (const double lon : {-122.0, 10.0, 179.5, 10.0}) {
     K7Waypoint& fix = store.Add<K7Waypoint>(K7NAV_ENROUTE_FIX);
     std::memcpy(fix.ident, "JAWBN", 6);
     fix.lon = K7NavData::DecDeg2FixPt(lon);
   }
-  const auto lonOf = [&](double lon) {
+  const struct {
+    double lon;
+    uint32_t nearest;
+  } rows[] = {{-170, 2}, {-100, 0}, {9, 1}};  // of equals the lower key
+  for (const auto& [lon, nearest] : rows) {
     const K7NavRec* const rec = store.GetFixByIdent(K7NAV_ENROUTE_FIX, "JAWBN", 0, lon);
-    return rec ? K7NavData::FixPt2DecDeg(static_cast<const K7NavFix*>(rec)->lon) : 0;
-  };
-  EXPECT_EQ(lonOf(-170), 179.5);
-  EXPECT_EQ(lonOf(-100), -122);
-  EXPECT_EQ(lonOf(0), 10);
-  K7Waypoint& twin = store.Add<K7Waypoint>(K7NAV_ENROUTE_FIX);
-  std::memcpy(twin.ident, "JAWBN", 6);
-  twin.lon = K7NavData::DecDeg2FixPt(10);
-  EXPECT_EQ(store.GetFixByIdent(K7NAV_ENROUTE_FIX, "JAWBN", 0, 9)->key.Idx(), 1u)
-      << "of equals the lower key";
+    EXPECT_TRUE(rec && rec->key.Idx() == nearest) << lon;
+  }
   EXPECT_EQ(store.GetFixByIdent(K7NAV_ENROUTE_FIX, "NOWHR", 0, 0), nullptr);
   EXPECT_EQ(store.GetFixByIdent(K7NAV_OBSTACLE, "JAWBN", 0, 0), nullptr);
 }
