@@ -15,13 +15,15 @@ constexpr double LABELS_APART = 40;  // letter sizes along a line
 
 }  // namespace
 
-int IsogonicStep(double nmPerPixel) {
+// Beside a pole, magnetic or not, all variations there are meet within a few pixels.
+int IsogonicStep(double nmPerPixel, double span) {
+  static const double MOST_LINES = 40;
   static const struct {
     double upTo;
     int degrees;
   } STEPS[] = {{0.9, 1}, {3, 2}, {10, 5}, {25, 10}};
   for (const auto& step : STEPS)
-    if (nmPerPixel <= step.upTo) return step.degrees;
+    if (nmPerPixel <= step.upTo && span <= MOST_LINES * step.degrees) return step.degrees;
   return 20;
 }
 
@@ -42,7 +44,7 @@ void IsogonicLayer::Prepare(const LayerContext& context) {
         return view.FromDevice(dx, dy, lat, lon) ? model->Position(lat, lon, 0, 0, NAN) : NAN;
       },
       view.Width(), view.Height(), CELL);
-  const int step = IsogonicStep(view.NMPerPixel());
+  const int step = IsogonicStep(view.NMPerPixel(), contours.Most() - contours.Least());
   for (double value = std::ceil(contours.Least() / step) * step; value <= contours.Most(); value += step)
     for (DeviceLine& line : contours.At(value, TOLERANCE)) m_lines.push_back({value, std::move(line)});
 }
@@ -68,7 +70,7 @@ void IsogonicLayer::OfferLabels(const LayerContext& context, K7MapPath&, double 
     for (double along = half; along + half <= length; along += size) {
       if (along < next || !isogonic.line.IsStraight(along - half, along + half, letters * 0.15)) continue;
       const DeviceLine::Spot spot = isogonic.line.TextSpotAt(along);
-      const DevicePoint at = Beside(spot, 0, letters * 0.28);
+      const DevicePoint at = Beside(spot, 0, -letters * 0.3);
       label.x = at.x;
       label.y = at.y;
       label.turn = spot.turn;

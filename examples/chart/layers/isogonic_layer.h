@@ -4,8 +4,8 @@
 #include "layers/device_line.h"
 #include "layers/layer.h"
 
-/// Degrees between lines at a scale.
-int IsogonicStep(double nmPerPixel);
+/// Degrees between lines on a chart of a scale whose variations span so many degrees.
+int IsogonicStep(double nmPerPixel, double span);
 /// "5° W"
 std::string VariationText(double degrees);
 
