@@ -20,11 +20,11 @@ constexpr double BARRED_HEXAGON = 5.4;
 constexpr double BAR = 2.3;
 constexpr double CENTRE_DOT = 1.2;
 
-// The dots around an NDB.
+// The dots around an NDB: the outermost stand around an airport of the same place.
 constexpr struct {
   double radius;
   int count;
-} STIPPLES[] = {{3.2, 9}, {4.6, 13}, {6.0, 17}};
+} STIPPLES[] = {{3.4, 9}, {5.2, 14}, {7.1, 19}};
 constexpr double STIPPLE = 1.1;
 constexpr double NDB_RING = 1.9;
 

@@ -7,9 +7,9 @@
 inline constexpr double SymbolRadius(K7NavType type) {
   switch (type) {
     case K7NAV_VOR:
-      return 7.5;
     case K7NAV_TERMINAL_NDB:
     case K7NAV_ENROUTE_NDB:
+      return 7.5;
     case K7NAV_AIRPORT:
       return 6;
     default:
