@@ -1,8 +1,11 @@
-// Geometry: shapes of whole pixels, cheapest paths, shapefile sets.
+// Geometry: shapes of whole pixels, cheapest paths, shapefile sets, features in tiles.
 #pragma once
 
 #include <k7/geometry/dev_geometry.h>
 #include <k7/geometry/path_node.h>
+#include <k7/geometry/shape_tile.h>
 #include <k7/geometry/shp_dbf.h>
 #include <k7/geometry/shp_file.h>
 #include <k7/geometry/shp_obj.h>
+#include <k7/geometry/tile_feature.h>
+#include <k7/geometry/tile_mngr.h>

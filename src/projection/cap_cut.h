@@ -3,7 +3,7 @@
 
 #include <k7/geodesy/ecef.h>
 
-#include "projection/buffer.h"
+#include "foundation/buffer.h"
 #include "projection/device_path.h"
 
 /// Cuts rings and lines of surface points to a cap and hands on what is left. Where rings leave the cap, the

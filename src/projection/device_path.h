@@ -5,7 +5,7 @@
 #include <k7/projection/grfx.h>
 #include <k7/projection/projection.h>
 
-#include "projection/buffer.h"
+#include "foundation/buffer.h"
 
 /// Homogeneous pixels: (x / w, y / w) on the device, behind the eye when w <= 0.
 struct DevicePoint {

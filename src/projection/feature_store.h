@@ -3,7 +3,7 @@
 
 #include <k7/projection/map_features.h>
 
-#include "projection/buffer.h"
+#include "foundation/buffer.h"
 
 #include <cmath>
 

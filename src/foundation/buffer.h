@@ -1,4 +1,5 @@
-// Memory of the stages of a path: grows, never shrinks, is used again for every feature.
+// Memory that grows, never shrinks and is used again: of the stages of a path, of cutting features into
+// tiles.
 #pragma once
 
 #include <cstddef>
