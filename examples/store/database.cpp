@@ -51,6 +51,7 @@ bool Database::Open(const std::string& path, int flags) {
   // Records are small, and what comes from outside is not believed. A database that is being made has no need
   // of it, and would have to keep a journal.
   if (!(flags & SQLITE_OPEN_READONLY)) return true;
+  sqlite3_busy_timeout(handle, 1000);  // a new one is locked until its writer lets go of it
   sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, 1 << 24);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);

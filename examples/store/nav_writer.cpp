@@ -67,15 +67,22 @@ struct NavWriter::State {
   bool AddIndexes(const TypeTable& table);
   bool AddFacts();
   bool IsInPlace();
+  void Remove();
+  bool Replace();
 };
 
-// The file is ours alone from here on: whoever else begins meets the lock. Nothing is rolled back, ever, so
-// there is no journal.
+// The file is ours alone from here on, whatever a process that died left in it: whoever else begins meets the
+// lock, and only who holds it removes the file or renames it. Nothing is rolled back, ever, so there is no
+// journal.
 bool NavWriter::State::Begin() {
-  return database.Open(part, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) &&
-         database.Run(
+  if (!database.Open(part, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) return false;
+  // Else what has no header is refused before it is locked.
+  sqlite3_db_config(database.Handle(), SQLITE_DBCONFIG_RESET_DATABASE, 1, nullptr);
+  return database.Run(
              "PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=OFF; PRAGMA cache_size=-65536;"
-             "PRAGMA temp_store=FILE; BEGIN EXCLUSIVE");
+             "PRAGMA temp_store=FILE; BEGIN EXCLUSIVE") &&
+         sqlite3_db_config(database.Handle(), SQLITE_DBCONFIG_RESET_DATABASE, 0, nullptr) == SQLITE_OK &&
+         IsInPlace();
 }
 
 bool NavWriter::State::Write(const TypeTable& table, const K7NavRec& rec) {
@@ -145,20 +152,36 @@ bool NavWriter::State::AddFacts() {
          add("west", extent.West());
 }
 
-// Another that began at the same moment may have taken ours for a dead one's.
+// False when the one who held the lock before us put the file in its place, or removed it.
 bool NavWriter::State::IsInPlace() {
   int moved = 0;
   sqlite3_file_control(database.Handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
-  return !moved || Fail(part + ": removed by another process");
+  return !moved || Fail(part + ": taken by another process");
+}
+
+// Before the lock goes; where a file cannot be removed while it is open, at once behind it.
+void NavWriter::State::Remove() {
+  std::error_code error;
+  std::filesystem::remove(part, error);
+  database.Close();
+  if (error) std::filesystem::remove(part, error);
+}
+
+// The same. Whoever reads meanwhile has the old one or the new one, whole.
+bool NavWriter::State::Replace() {
+  std::error_code error;
+  std::filesystem::rename(part, path, error);
+  if (error == std::errc::permission_denied) {
+    database.Close();
+    std::filesystem::rename(part, path, error);
+  }
+  return !error || Fail(path + ": " + error.message());
 }
 
 NavWriter::NavWriter() = default;
 
 NavWriter::~NavWriter() {
-  if (!m_state) return;
-  m_state->database.Close();
-  std::error_code ignored;
-  std::filesystem::remove(m_state->part, ignored);
+  if (m_state) m_state->Remove();
 }
 
 bool NavWriter::Open(const std::string& path, std::string& problem) {
@@ -166,18 +189,16 @@ bool NavWriter::Open(const std::string& path, std::string& problem) {
   state->path = path;
   state->part = path + ".part";
   std::error_code error;
-  if (std::filesystem::exists(state->part, error)) {
-    // Without its lock it belongs to nobody any more, whatever is in it.
-    state->Begin();
-    if (sqlite3_errcode(state->database.Handle()) == SQLITE_BUSY) {
-      problem = path + ": being written by another process";
-      return false;
-    }
-    state->database.Close();
-    std::filesystem::remove(state->part, error);
+  bool good = state->Begin();
+  if (good && std::filesystem::file_size(state->part, error) > 0) {
+    state->Remove();
+    good = state->Begin();
   }
-  if (!state->Begin()) {
-    problem = state->part + ": " + state->database.Message();
+  if (!good) {
+    problem = sqlite3_errcode(state->database.Handle()) == SQLITE_BUSY
+                  ? path + ": being written by another process"
+              : state->problem.empty() ? state->part + ": " + state->database.Message()
+                                       : state->problem;
     return false;
   }
   m_state = std::move(state);
@@ -225,16 +246,9 @@ bool NavWriter::Finish(std::string& problem) {
   good = good && state.AddFacts() &&
          state.Run("PRAGMA application_id=" + std::to_string(APPLICATION_ID) +
                    "; PRAGMA user_version=" + std::to_string(STORE_VERSION) + "; COMMIT") &&
-         state.IsInPlace();
+         state.Replace();
   problem = state.problem;
   if (!good) return false;
-  state.database.Close();
-  std::error_code error;
-  std::filesystem::rename(state.part, state.path, error);
-  if (error) {
-    problem = state.path + ": " + error.message();
-    return false;
-  }
   m_state.reset();
   return true;
 }
