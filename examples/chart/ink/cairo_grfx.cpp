@@ -1,6 +1,7 @@
 #include "ink/cairo_grfx.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -54,12 +55,16 @@ void CairoGrfx::LineStyle(double width, const double* dashes, int count) {
 
 void CairoGrfx::Triangles(const double* points, int count) {
   for (int i = 0; i < count; ++i, points += 6) {
+    const double* second = points + 2;
+    const double* third = points + 4;
+    // All run one way around: where triangles overlap none is to undo another.
+    if ((second[0] - points[0]) * (third[1] - points[1]) < (third[0] - points[0]) * (second[1] - points[1]))
+      std::swap(second, third);
     MoveTo(points[0], points[1]);
-    LineTo(points[2], points[3]);
-    LineTo(points[4], points[5]);
+    LineTo(second[0], second[1]);
+    LineTo(third[0], third[1]);
     ClosePath();
   }
-  // Neighbours run either way around, and none is to undo another.
   Use(m_fill);
   cairo_set_fill_rule(m_cairo, CAIRO_FILL_RULE_WINDING);
   cairo_fill(m_cairo);
