@@ -57,13 +57,13 @@ TEST_F(ChartTest, AnswersBeforeBetweenAndAfterDrawings) {
 
 TEST_F(ChartTest, LayersCanBeHiddenAndTheThemeKept) {
   ASSERT_EQ(chart.Show({}, WIDTH, HEIGHT, 1), "");
-  FillRecorder recorder(10, 10);
+  FillRecorder hidden(10, 10), all(10, 10), without(10, 10);
   chart.ResetLayers(0);
-  EXPECT_EQ(chart.Render(&recorder), 0);
-  EXPECT_EQ(recorder.fills + recorder.strokes, 0);
+  EXPECT_EQ(chart.Render(&hidden), 0);
+  EXPECT_EQ(hidden.fills + hidden.strokes, 0);
   chart.ResetLayers(1);
-  EXPECT_EQ(chart.Render(&recorder), 0);
-  EXPECT_GT(recorder.fills, 2);
+  EXPECT_EQ(chart.Render(&all), 0);
+  EXPECT_GT(all.fills, 2);
 
   const TempDir folder;
   const std::string path = folder.Path() + "/mine.xml";
@@ -73,7 +73,6 @@ TEST_F(ChartTest, LayersCanBeHiddenAndTheThemeKept) {
   EXPECT_EQ(read.Read(path), "");
   EXPECT_TRUE(read == theme);
   // The theme says at which scales a layer shows.
-  FillRecorder without(10, 10);
   EXPECT_EQ(chart.Render(&without), 0);
   EXPECT_EQ(without.fills, 2);
 }

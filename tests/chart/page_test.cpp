@@ -127,9 +127,6 @@ TEST_F(PageTest, WritesDirectlyWhereNothingCanStandBeside) {
   EXPECT_TRUE(IsDevice("/dev/null"));
   EXPECT_FALSE(IsDevice(m_dir / "one"));
   EXPECT_FALSE(IsDevice(m_dir.Path()));
-  PageFormat format = PageFormat::SVG;
-  EXPECT_TRUE(PageFormatOf("/dev/null", format));
-  EXPECT_EQ(format, PageFormat::PNG);
 }
 
 TEST_F(PageTest, SaysTheReasonAndKeepsWhatWasThere) {

@@ -62,17 +62,18 @@ class LabelPlan {
   bool OfferWithin(const PixelBox& part, const Label& label);
   /// Keeps a place clear of labels, for a symbol.
   void Keep(const TurnedBox& box);
-  /// A short line at the frame.
   void AddTick(double x1, double y1, double x2, double y2) { m_ticks.push_back({x1, y1, x2, y2}); }
 
+  /// A short line at the frame.
+  struct Tick {
+    double x1, y1, x2, y2;
+  };
+  const std::vector<Tick>& Ticks() const { return m_ticks; }
   const PixelBox& Sheet() const { return m_sheet; }
   const std::vector<Label>& Labels() const { return m_labels; }
   void Draw(const Theme& theme, double scale) const;
 
  private:
-  struct Tick {
-    double x1, y1, x2, y2;
-  };
   struct CellRange {
     int left, top, right, bottom;
   };
