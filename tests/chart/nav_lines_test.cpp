@@ -174,7 +174,9 @@ TEST_F(NavLinesTest, BandsLieInsideTheirAreas) {
   for (int i = 0; i <= 180; ++i)
     ring.points.push_back({100 + 80 * std::cos(2 * i * RAD), 100 + 80 * std::sin(2 * i * RAD)});
   std::vector<double> t;
+  LineSink hatching;
   AddEdgeBand(ring, 6, t);
+  AddHatching(ring, 6, 5, hatching);
   double area = 0;
   for (size_t i = 0; i < t.size(); i += 6)
     area +=
@@ -183,6 +185,11 @@ TEST_F(NavLinesTest, BandsLieInsideTheirAreas) {
   for (size_t i = 0; i < t.size(); i += 2) {
     const double radius = std::hypot(t[i] - 100, t[i + 1] - 100);
     EXPECT_TRUE(radius < 80.001 && radius > 73.9) << radius;
+  }
+  EXPECT_NEAR(static_cast<double>(hatching.lines.size()), 2 * std::numbers::pi * 80 / 5, 1);
+  for (const DeviceLine& stroke : hatching.lines) {
+    EXPECT_NEAR(std::hypot(stroke.points[0].x - 100, stroke.points[0].y - 100), 80, 0.1);
+    EXPECT_NEAR(std::hypot(stroke.points[1].x - 100, stroke.points[1].y - 100), 74, 0.1);
   }
 }
 

@@ -13,6 +13,7 @@ namespace {
 
 // Pixels.
 constexpr double BAND = 6, THIN_BAND = 3;
+constexpr double HATCHES_APART = 5;
 constexpr double SMALLEST = 10;  // across; less would be a blot
 
 // In letter sizes.
@@ -132,6 +133,8 @@ void AirspaceLayer::DrawLines(const LayerContext& context, K7MapPath&, K7Grfx& g
     UseLine(g, context.theme[airspace.look], context.scale);
     for (const DeviceLine& line : airspace.outline) {
       line.AddTo(g);
+      if (airspace.look == ThemeItem::RestrictedAirspaces)
+        AddHatching(line, BAND * context.scale, HATCHES_APART * context.scale, g);
       g.Stroke();
     }
   }

@@ -49,24 +49,55 @@ std::vector<DevicePoint> Distinct(const std::vector<DevicePoint>& points) {
   return out;
 }
 
-}  // namespace
+// A line without repeated points, and what lies across the band from each of its edges.
+struct Band {
+  std::vector<DevicePoint> points;
+  std::vector<Corner> corners;  // one a point
+};
 
-void AddEdgeBand(const DeviceLine& line, double width, std::vector<double>& triangles) {
-  const std::vector<DevicePoint> points = Distinct(line.points);
-  if (points.size() < 2) return;
+Band BandOf(const DeviceLine& line, double width) {
+  Band band = {Distinct(line.points), {}};
+  const std::vector<DevicePoint>& points = band.points;
+  if (points.size() < 2) return {};
   const size_t edges = points.size() - 1;
   std::vector<Normal> normals;
   for (size_t i = 0; i < edges; ++i) normals.push_back(RightOf(points[i], points[i + 1]));
-  std::vector<Corner> corners;
   const bool closed = line.IsClosed();
   for (size_t i = 0; i <= edges; ++i) {
     const Normal& before = i > 0 ? normals[i - 1] : closed ? normals[edges - 1] : normals[0];
     const Normal& behind = i < edges ? normals[i] : closed ? normals[0] : normals[edges - 1];
-    corners.push_back(CornerAt(points[i], before, behind, width));
+    band.corners.push_back(CornerAt(points[i], before, behind, width));
   }
-  for (size_t i = 0; i < edges; ++i) {
+  return band;
+}
+
+DevicePoint Between(const DevicePoint& a, const DevicePoint& b, double share) {
+  return {std::lerp(a.x, b.x, share), std::lerp(a.y, b.y, share)};
+}
+
+}  // namespace
+
+void AddEdgeBand(const DeviceLine& line, double width, std::vector<double>& triangles) {
+  const auto [points, corners] = BandOf(line, width);
+  for (size_t i = 0; i + 1 < points.size(); ++i) {
     AddTriangle(points[i], points[i + 1], corners[i + 1].before, triangles);
     AddTriangle(points[i], corners[i + 1].before, corners[i].behind, triangles);
     AddTriangle(points[i + 1], corners[i + 1].behind, corners[i + 1].before, triangles);
+  }
+}
+
+void AddHatching(const DeviceLine& line, double width, double apart, K7Grfx& g) {
+  const Band band = BandOf(line, width);
+  double along = apart / 2;  // the edge's start
+  for (size_t i = 0; i + 1 < band.points.size(); ++i) {
+    const DevicePoint &from = band.points[i], &to = band.points[i + 1];
+    const double length = std::hypot(to.x - from.x, to.y - from.y);
+    for (; along < length; along += apart) {
+      const DevicePoint outer = Between(from, to, along / length);
+      const DevicePoint inner = Between(band.corners[i].behind, band.corners[i + 1].before, along / length);
+      g.MoveTo(outer.x, outer.y);
+      g.LineTo(inner.x, inner.y);
+    }
+    along -= length;
   }
 }
