@@ -27,6 +27,17 @@ class MemoryStore : public SmallStore {
     return fix;
   }
 
+  K7AirwaySeg& AddAirway(const char* name, const K7LatLon& from, const K7LatLon& to) {
+    K7AirwaySeg& leg = Add<K7AirwaySeg>(K7NAV_LOW_AIRWAY);
+    std::snprintf(leg.ident, sizeof leg.ident, "%s", name);
+    leg.fromLat = DecDeg2FixPt(from.Lat());
+    leg.fromLon = DecDeg2FixPt(from.Lon());
+    leg.toLat = DecDeg2FixPt(to.Lat());
+    leg.toLon = DecDeg2FixPt(to.Lon());
+    leg.mea = K7Alt(4000);
+    return leg;
+  }
+
   K7NavQueryResult* AreaQuery(K7NavType type, const K7ChartRect& area) override {
     return Where([&](const K7NavRec& r) { return r.Type() == type && In(r, area); });
   }

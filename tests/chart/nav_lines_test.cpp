@@ -14,7 +14,6 @@
 
 #include <cmath>
 #include <numbers>
-#include <random>
 #include <set>
 
 namespace {
@@ -47,16 +46,6 @@ class NavLinesTest : public testing::Test {
     cairo_surface_destroy(surface);
   }
 
-  K7AirwaySeg& AddAirway(const char* name, const K7LatLon& from, const K7LatLon& to) {
-    K7AirwaySeg& s = store.Add<K7AirwaySeg>(K7NAV_LOW_AIRWAY);
-    std::snprintf(s.ident, sizeof s.ident, "%s", name);
-    s.fromLat = K7NavData::DecDeg2FixPt(from.Lat());
-    s.fromLon = K7NavData::DecDeg2FixPt(from.Lon());
-    s.toLat = K7NavData::DecDeg2FixPt(to.Lat());
-    s.toLon = K7NavData::DecDeg2FixPt(to.Lon());
-    s.mea = K7Alt(4000);
-    return s;
-  }
   LabelPlan Labelled(Layer& layer, double range) {
     Chart chart({&layer}, theme, progress);
     EXPECT_EQ(chart.Show({K7_PROJ_LAMBERT, {48.5, -123.5}, range, {}}, 1400, 900, 1), "");
@@ -73,37 +62,10 @@ class NavLinesTest : public testing::Test {
   cairo_t* cairo;
 };
 
-TEST_F(NavLinesTest, LabelsOfAirwaysNeverMeet) {
-  std::mt19937 bits(8);
-  std::uniform_real_distribution<> lat(47, 50), lon(-127, -120);
-  for (int i = 0; i < 60; ++i)
-    AddAirway(("V" + std::to_string(i)).c_str(), {lat(bits), lon(bits)}, {lat(bits), lon(bits)});
-  AirwayLayer layer(&store);
-  const LabelPlan plan = Labelled(layer, 90);
-  EXPECT_GT(plan.Labels().size(), 60U);
-  // The inner points of one box, as the other sees them.
-  const auto holds = [](const TurnedBox& box, double x, double y) {
-    const double dx = x - box.x, dy = y - box.y;
-    return std::fabs(dx * box.cos + dy * box.sin) < box.halfLength &&
-           std::fabs(dy * box.cos - dx * box.sin) < box.halfWidth;
-  };
-  for (const Label& a : plan.Labels())
-    for (const Label& b : plan.Labels()) {
-      const TurnedBox box = plan.PlaceOf(a), other = plan.PlaceOf(b);
-      for (int i = -9; &a != &b && i <= 9; ++i)
-        for (int k = -4; k <= 4; ++k) {
-          const double along = other.halfLength * i / 9, across = other.halfWidth * k / 4;
-          ASSERT_FALSE(holds(box, other.x + along * other.cos - across * other.sin,
-                             other.y + along * other.sin + across * other.cos))
-              << a.text << " and " << b.text;
-        }
-    }
-}
-
 TEST_F(NavLinesTest, WritesMagneticCoursesAltitudeAndAllNames) {
   const K7LatLon from(48.1, -124.6), to(49.2, -122.3);
-  AddAirway("V4", from, to);
-  AddAirway("V495", to, from);
+  store.AddAirway("V4", from, to);
+  store.AddAirway("V495", to, from);
   AirwayLayer layer(&store);
   std::set<std::string> expected = {"V4-V495", "4000", std::to_string(std::lround(Distance(from, to)))};
   for (const auto& [a, b] : {std::pair(from, to), std::pair(to, from)}) {

@@ -4,6 +4,7 @@
 #include "app/drawing.h"
 #include "app/progress_line.h"
 #include "app_common/verb.h"
+#include "sheet/page.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -38,7 +39,7 @@ class Pick : public Verb {
     if (m_pixels.empty()) return "pick needs at least one pixel, as 812,440";
     ProgressLine progress;
     LayerStack stack;
-    if (std::string problem = stack.Load(m_layers, DataScaleOf(m_request), false, progress); !problem.empty())
+    if (std::string problem = stack.Load(m_layers, DataScaleOf(m_request), true, progress); !problem.empty())
       return problem;
     const ChartBox box = WholeSheet(m_sheet);
     const ChartWindow window = WindowOf(box);
@@ -47,6 +48,9 @@ class Pick : public Verb {
     if (std::string problem = chart.Show(m_request, window.width, window.height, LineScale(box));
         !problem.empty())
       return problem;
+    // As they would stand in the picture: what has no room is not there to be picked.
+    const Page measure(PageFormat::PNG, 1, 1);
+    PlanLabels(measure.Cairo(), box, chart);
     for (const Pixel& pixel : m_pixels) Print(chart, window, pixel);
     return {};
   }

@@ -1,7 +1,5 @@
 #include "layers/airport_layer.h"
 
-#include "layers/place_label.h"
-
 #include <k7/navdata/airport.h>
 
 #include <cmath>
@@ -39,19 +37,12 @@ constexpr double WRITTEN_RADIUS = 4.8;
 // Runways are drawn true to the ground when the longest is longer than a symbol of this many pixels.
 constexpr double TRUE_FROM = 15;
 
-constexpr double PICK_REACH = 2;
-
 // What can land there, and who may.
 AirportSymbol SymbolOf(uint32_t flags) {
   if (flags & K7Airport::HELIPORT) return AirportSymbol::Heliport;
   if (flags & K7Airport::SEAPLANE_BASE) return AirportSymbol::Seaplane;
   if (flags & K7Airport::PRIVATE) return AirportSymbol::Private;
   return flags & K7Airport::TOWER ? AirportSymbol::Towered : AirportSymbol::Other;
-}
-
-const char* NameOf(AirportSymbol symbol) {
-  static const char* const NAMES[] = {"airport", "airport", "heliport", "seaplane base", "private airport"};
-  return NAMES[static_cast<size_t>(symbol)];
 }
 
 bool IsForAll(AirportSymbol symbol) {
@@ -111,19 +102,18 @@ void AddEnd(const K7Runway& end, std::vector<RunwayEnds>& runways) {
   runways.push_back({ident, at, far, course, end.length, end.width});
 }
 
-}  // namespace
-
-void AirportLayer::Prepare(const LayerContext& context) {
-  m_airports.clear();
-  if (!m_data || !context.theme[Item()].ShowsAt(context.view.NMPerPixel())) return;
-  Collect(context);
-  for (Airport& airport : m_airports)
-    if (airport.nm <= DIRECTIONS_TO_NM && IsForAll(airport.symbol)) FindRunways(context, airport);
+double Radius(const AirportPlace& airport) {
+  if (!IsForAll(airport.symbol)) return WRITTEN_RADIUS;
+  return std::find_if(std::begin(RADII), std::end(RADII) - 1,
+                      [&](const auto& row) { return airport.longestRunway >= row.feet; })
+      ->radius;
 }
+
+}  // namespace
 
 void AirportLayer::Collect(const LayerContext& context) {
   const auto take = [&](const auto& record, uint32_t flags) {
-    Airport airport;
+    AirportPlace airport;
     if (!TakePlace(context, Item(), record, record.name, airport)) return;
     const Shown& shown = ShownAt(airport.nm);
     airport.symbol = SymbolOf(flags);
@@ -133,7 +123,7 @@ void AirportLayer::Collect(const LayerContext& context) {
     airport.direction = NAN;
     airport.weight = record.longestRunway + (airport.symbol == AirportSymbol::Towered ? 0.5 : 0);
     airport.apart = shown.apart * context.scale;
-    m_airports.push_back(std::move(airport));
+    m_places.push_back(std::move(airport));
   };
   const K7ChartRect extent = context.view.GetExtent();
   const double nm = NMPerOrdinaryPixel(context);
@@ -145,10 +135,12 @@ void AirportLayer::Collect(const LayerContext& context) {
     VisitRecords<K7LowUseAirport>(m_data->AreaQuery(K7NAV_LOW_USE_AIRPORT, extent),
                                   [&](const K7LowUseAirport& record) { take(record, K7Airport::PRIVATE); });
   Spacing spacing(FARTHEST_APART * context.scale);
-  KeepImportant(m_airports, spacing);
+  KeepImportant(m_places, spacing);
+  for (AirportPlace& airport : m_places)
+    if (airport.nm <= DIRECTIONS_TO_NM && IsForAll(airport.symbol)) FindRunways(context, airport);
 }
 
-void AirportLayer::FindRunways(const LayerContext& context, Airport& airport) const {
+void AirportLayer::FindRunways(const LayerContext& context, AirportPlace& airport) const {
   std::vector<RunwayEnds> ends;
   VisitRecords<K7Runway>(m_data->AirportRunways(airport.key),
                          [&](const K7Runway& end) { AddEnd(end, ends); });
@@ -171,14 +163,7 @@ void AirportLayer::FindRunways(const LayerContext& context, Airport& airport) co
   }
 }
 
-double AirportLayer::Radius(const Airport& airport) {
-  if (!IsForAll(airport.symbol)) return WRITTEN_RADIUS;
-  return std::find_if(std::begin(RADII), std::end(RADII) - 1,
-                      [&](const auto& row) { return airport.longestRunway >= row.feet; })
-      ->radius;
-}
-
-PixelBox AirportLayer::BoxOf(const LayerContext& context, const Airport& airport) {
+PixelBox AirportLayer::BoxOf(const LayerContext& context, const AirportPlace& airport) const {
   const double edge = 1.5 * context.scale;
   if (airport.runways.empty())
     return BoxAbout(airport.dx, airport.dy, Radius(airport) * context.scale + edge);
@@ -192,49 +177,45 @@ PixelBox AirportLayer::BoxOf(const LayerContext& context, const Airport& airport
   return {box.left - 2 * edge, box.top - 2 * edge, box.right + 2 * edge, box.bottom + 2 * edge};
 }
 
-// The important lie above others.
-void AirportLayer::DrawLines(const LayerContext& context, K7MapPath&, K7Grfx& g) {
-  SymbolPen pen(g, context.theme[Item()], context.scale);
-  for (auto a = m_airports.rbegin(); a != m_airports.rend(); ++a) {
-    if (a->runways.empty())
-      pen.Airport(a->symbol, a->dx, a->dy, Radius(*a), a->direction);
-    else
-      pen.Runways(a->runways, a->symbol == AirportSymbol::Towered);
-  }
+void AirportLayer::DrawSymbol(const AirportPlace& airport, SymbolPen& pen) const {
+  pen.Airport(airport.symbol, airport.dx, airport.dy, Radius(airport), airport.direction);
 }
 
-void AirportLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
-  for (const Airport& airport : m_airports) plan.Keep(BoxOf(context, airport));
+void AirportLayer::Draw(const AirportPlace& airport, SymbolPen& pen) const {
+  if (airport.runways.empty())
+    DrawSymbol(airport, pen);
+  else
+    pen.Runways(airport.runways, airport.symbol == AirportSymbol::Towered);
 }
 
 // As on printed charts: the elevation, and behind it the longest runway in hundreds of feet.
-void AirportLayer::OfferLabels(const LayerContext& context, K7MapPath&, double size, LabelPlan& plan) {
-  for (const Airport& airport : m_airports) {
-    const Lettering small = {.size = size * 0.68, .halo = true, .item = Item()};
-    const Label ident = {
-        airport.ident, 0, 0, {.size = size * 0.78, .bold = true, .halo = true, .item = Item()}};
-    std::vector<Label> lines = {ident};
-    if (airport.nm <= NAMES_TO_NM && airport.longestRunway >= NAMED_FEET && !airport.name.empty())
-      lines.push_back({airport.name, 0, 0, small});
-    std::string figures;
-    if (airport.elev >= K7NavFix::LOWEST_ELEV) figures = std::to_string(airport.elev);
-    if (airport.longestRunway > 0) figures += "  L " + std::to_string(airport.longestRunway / 100);
-    if (airport.nm <= FIGURES_TO_NM && IsForAll(airport.symbol) && !figures.empty())
-      lines.push_back({figures, 0, 0, small});
-    const PixelBox box = BoxOf(context, airport);
-    while (!OfferBeside(context, box, lines, plan) && lines.size() > 1) lines.pop_back();
-  }
+bool AirportLayer::OfferLabel(const LayerContext& context, const AirportPlace& airport, double size,
+                              LabelPlan& plan) const {
+  const Lettering small = {.size = size * 0.68, .halo = true, .item = Item()};
+  const Label ident = {
+      airport.ident, 0, 0, {.size = size * 0.78, .bold = true, .halo = true, .item = Item()}};
+  std::vector<Label> lines = {ident};
+  if (airport.nm <= NAMES_TO_NM && airport.longestRunway >= NAMED_FEET && !airport.name.empty())
+    lines.push_back({airport.name, 0, 0, small});
+  std::string figures;
+  if (airport.elev >= K7NavFix::LOWEST_ELEV) figures = std::to_string(airport.elev);
+  if (airport.longestRunway > 0) figures += "  L " + std::to_string(airport.longestRunway / 100);
+  if (airport.nm <= FIGURES_TO_NM && IsForAll(airport.symbol) && !figures.empty())
+    lines.push_back({figures, 0, 0, small});
+  const PixelBox box = BoxOf(context, airport);
+  for (; !lines.empty(); lines.pop_back())
+    if (OfferBeside(context, box, lines, plan)) return true;
+  return false;
 }
 
-void AirportLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
-                        std::vector<std::string>& found) {
-  for (const Airport& airport : m_airports) {
-    const PixelBox box = BoxOf(context, airport);
-    if (!box.Meets(BoxAbout(dx, dy, PICK_REACH * context.scale))) continue;
-    std::string text = IdentAndName(airport) + " " + NameOf(airport.symbol);
-    if (airport.elev >= K7NavFix::LOWEST_ELEV) text += ", " + std::to_string(airport.elev) + " ft";
-    if (airport.longestRunway > 0)
-      text += ", longest runway " + std::to_string(airport.longestRunway) + " ft";
-    found.push_back(text);
-  }
+std::string AirportLayer::KindOf(const AirportPlace& airport) const {
+  static const char* const NAMES[] = {"airport", "airport", "heliport", "seaplane base", "private airport"};
+  return NAMES[static_cast<size_t>(airport.symbol)];
+}
+
+std::string AirportLayer::Details(const AirportPlace& airport) const {
+  std::string text;
+  if (airport.elev >= K7NavFix::LOWEST_ELEV) text += ", " + std::to_string(airport.elev) + " ft";
+  if (airport.longestRunway > 0) text += ", longest runway " + std::to_string(airport.longestRunway) + " ft";
+  return text;
 }

@@ -1,37 +1,30 @@
 // Airports, with their runways where there is room for them.
 #pragma once
 
-#include "layers/nav_places.h"
-#include "layers/nav_symbols.h"
+#include "layers/place_layer.h"
 
-class AirportLayer : public Layer {
+struct AirportPlace : NavPlace {
+  AirportSymbol symbol = AirportSymbol::Other;
+  int elev = 0;                     ///< feet
+  int longestRunway = 0;            ///< feet
+  double direction = 0;             ///< of the longest runway on the device; not a number without one
+  std::vector<RunwayLine> runways;  ///< on charts that have room for them
+};
+
+class AirportLayer : public PlaceLayer<AirportPlace> {
  public:
-  /// The store stays the caller's; null draws nothing.
-  explicit AirportLayer(K7NavData* data) : m_data(data) {}
-
+  using PlaceLayer::PlaceLayer;
   std::string Name() const override { return "airports"; }
   ThemeItem Item() const override { return ThemeItem::Airports; }
-  void Prepare(const LayerContext& context) override;
-  void DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) override;
-  void KeepSymbols(const LayerContext& context, LabelPlan& plan) override;
-  void OfferLabels(const LayerContext& context, K7MapPath& path, double size, LabelPlan& plan) override;
-  void Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
-            std::vector<std::string>& found) override;
 
  private:
-  struct Airport : NavPlace {
-    AirportSymbol symbol = AirportSymbol::Other;
-    int elev = 0;                     // feet
-    int longestRunway = 0;            // feet
-    double direction = 0;             // of the longest runway on the device; not a number without one
-    std::vector<RunwayLine> runways;  // on charts that have room for them
-  };
-
-  void Collect(const LayerContext& context);
-  void FindRunways(const LayerContext& context, Airport& airport) const;
-  static double Radius(const Airport& airport);
-  static PixelBox BoxOf(const LayerContext& context, const Airport& airport);
-
-  K7NavData* m_data;
-  std::vector<Airport> m_airports;
+  void Collect(const LayerContext& context) override;
+  PixelBox BoxOf(const LayerContext& context, const AirportPlace& airport) const override;
+  void DrawSymbol(const AirportPlace& airport, SymbolPen& pen) const override;
+  void Draw(const AirportPlace& airport, SymbolPen& pen) const override;
+  bool OfferLabel(const LayerContext& context, const AirportPlace& airport, double size,
+                  LabelPlan& plan) const override;
+  std::string KindOf(const AirportPlace& airport) const override;
+  std::string Details(const AirportPlace& airport) const override;
+  void FindRunways(const LayerContext& context, AirportPlace& airport) const;
 };

@@ -38,6 +38,7 @@ class Chart : public K7Chart {
 
   /// Null before the first view.
   const K7MapView* View() const { return m_view.get(); }
+  /// To be called before `Render`: symbols whose labels find no room are not drawn.
   void OfferLabels(double size, LabelPlan& plan);
   /// What is drawn under a pixel, the uppermost layer first.
   std::vector<std::string> Pick(double dx, double dy);

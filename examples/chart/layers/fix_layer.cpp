@@ -1,7 +1,5 @@
 #include "layers/fix_layer.h"
 
-#include "layers/nav_symbols.h"
-#include "layers/place_label.h"
 #include "layers/symbol_size.h"
 
 #include <k7/navdata/airway.h>
@@ -12,7 +10,6 @@
 namespace {
 
 constexpr double RADIUS = SymbolRadius(K7NAV_ENROUTE_FIX);
-constexpr double PICK_REACH = 2;
 
 // Fixes that no airway uses are for large scales: nautical miles an ordinary pixel.
 constexpr double OFF_AIRWAYS_TO_NM = 0.04;
@@ -23,20 +20,6 @@ double Apart(double nm) { return 18 + 60 * std::min(nm, 0.5); }
 uint64_t WordOf(const K7NavKey& key) { return uint64_t{key.NavType()} << 32 | key.Idx(); }
 
 }  // namespace
-
-void FixLayer::Prepare(const LayerContext& context) {
-  m_fixes.clear();
-  if (!m_data || !context.theme[Item()].ShowsAt(context.view.NMPerPixel())) return;
-  Collect(context);
-  Spacing spacing(FARTHEST_APART * context.scale);
-  // Navaids keep their places clear of fixes.
-  for (const K7NavType type : {K7NAV_VOR, K7NAV_ENROUTE_NDB, K7NAV_TERMINAL_NDB})
-    VisitRecords<K7NavFix>(m_data->AreaQuery(type, context.view.GetExtent()), [&](const K7NavFix& fix) {
-      NavPlace place;
-      if (TakePlace(context, ThemeItem::Navaids, fix, nullptr, place)) spacing.Take(place.dx, place.dy, 0);
-    });
-  KeepImportant(m_fixes, spacing);
-}
 
 void FixLayer::Collect(const LayerContext& context) {
   const K7ChartRect extent = context.view.GetExtent();
@@ -49,36 +32,37 @@ void FixLayer::Collect(const LayerContext& context) {
   for (const K7NavType type : {K7NAV_ENROUTE_FIX, K7NAV_TERMINAL_FIX})
     VisitRecords<K7Waypoint>(m_data->AreaQuery(type, extent), [&](const K7Waypoint& record) {
       const auto used = segments.find(WordOf(record.key));
-      Fix fix;
+      FixPlace fix;
       if (!TakePlace(context, Item(), record, record.name, fix)) return;
       if (used == segments.end() && fix.nm > OFF_AIRWAYS_TO_NM) return;
       fix.segments = used == segments.end() ? 0 : used->second;
       fix.weight = fix.segments > 0 ? 1 + fix.segments : type == K7NAV_ENROUTE_FIX ? 1 : 0;
       fix.apart = Apart(fix.nm) * context.scale;
-      m_fixes.push_back(std::move(fix));
+      m_places.push_back(std::move(fix));
     });
+  Spacing spacing(FARTHEST_APART * context.scale);
+  // Navaids keep their places clear of fixes.
+  for (const K7NavType type : {K7NAV_VOR, K7NAV_ENROUTE_NDB, K7NAV_TERMINAL_NDB})
+    VisitRecords<K7NavFix>(m_data->AreaQuery(type, extent), [&](const K7NavFix& fix) {
+      NavPlace place;
+      if (TakePlace(context, ThemeItem::Navaids, fix, nullptr, place)) spacing.Take(place.dx, place.dy, 0);
+    });
+  KeepImportant(m_places, spacing);
+}
+
+PixelBox FixLayer::BoxOf(const LayerContext& context, const FixPlace& fix) const {
+  return BoxAbout(fix.dx, fix.dy, RADIUS * context.scale);
 }
 
 // Solid where an airway leads.
-void FixLayer::DrawLines(const LayerContext& context, K7MapPath&, K7Grfx& g) {
-  SymbolPen pen(g, context.theme[Item()], context.scale);
-  for (auto fix = m_fixes.rbegin(); fix != m_fixes.rend(); ++fix)
-    pen.Fix(fix->dx, fix->dy, fix->segments > 0);
+void FixLayer::DrawSymbol(const FixPlace& fix, SymbolPen& pen) const {
+  pen.Fix(fix.dx, fix.dy, fix.segments > 0);
 }
 
-void FixLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
-  for (const Fix& fix : m_fixes) plan.Keep(BoxAbout(fix.dx, fix.dy, RADIUS * context.scale));
+bool FixLayer::OfferLabel(const LayerContext& context, const FixPlace& fix, double size,
+                          LabelPlan& plan) const {
+  return OfferBeside(context, BoxOf(context, fix),
+                     {{fix.ident, 0, 0, {.size = size * 0.66, .halo = true, .item = Item()}}}, plan);
 }
 
-void FixLayer::OfferLabels(const LayerContext& context, K7MapPath&, double size, LabelPlan& plan) {
-  for (const Fix& fix : m_fixes)
-    OfferBeside(context, BoxAbout(fix.dx, fix.dy, RADIUS * context.scale),
-                {{fix.ident, 0, 0, {.size = size * 0.66, .halo = true, .item = Item()}}}, plan);
-}
-
-void FixLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
-                    std::vector<std::string>& found) {
-  for (const Fix& fix : m_fixes)
-    if (std::hypot(fix.dx - dx, fix.dy - dy) <= (RADIUS + PICK_REACH) * context.scale)
-      found.push_back(IdentAndName(fix) + " fix");
-}
+std::string FixLayer::KindOf(const FixPlace&) const { return "fix"; }

@@ -19,9 +19,9 @@ struct LayerContext {
   Progress& progress;
 };
 
-/// A layer draws with the library's graphics context only. A chart asks all its layers for their areas
-/// first, then all for their lines, each time in their order, then for the places that their symbols take,
-/// and last for their labels: of these the uppermost layer has the first choice.
+/// A layer draws with the library's graphics context only. A chart asks all its layers first for the places
+/// that their symbols take and for their labels, of which the uppermost layer has the first choice; then for
+/// their areas and for their lines, each time in their order. Without labels all is drawn.
 class Layer {
  public:
   virtual ~Layer() = default;

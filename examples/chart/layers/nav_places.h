@@ -24,6 +24,7 @@ struct NavPlace {
   double nm = 0;          ///< nautical miles that a pixel of a sheet of ordinary size spans there
   double apart = 0;       ///< pixels that it keeps from what is heavier, up to FARTHEST_APART ordinary ones
   double weight = 0;      ///< how much it matters: where there is no room for all, the heavier stays
+  bool isShown = true;
 };
 
 /// Takes what the beginning of a record says. False when the view does not show its place, or not at a scale

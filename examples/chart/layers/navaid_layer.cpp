@@ -1,6 +1,5 @@
 #include "layers/navaid_layer.h"
 
-#include "layers/place_label.h"
 #include "layers/symbol_size.h"
 
 #include <k7/navdata/morse_code.h>
@@ -12,7 +11,6 @@
 
 namespace {
 
-constexpr double PICK_REACH = 2;
 constexpr double RADIAN = std::numbers::pi / 180;
 
 // Boxes with frequency and Morse code give way to the identifier at small scales.
@@ -28,7 +26,7 @@ constexpr Kind KINDS[] = {{"VOR", 5000, INFINITY, 0.45},    {"VOR-DME", 5000, IN
                           {"DME", 2000, 0.3, 0.2},          {"NDB", 1000, 0.4, 0.15}};
 constexpr double NAMES_TO_NM = 0.15;
 
-const Kind& KindOf(NavaidSymbol symbol) { return KINDS[static_cast<size_t>(symbol)]; }
+const Kind& RowOf(NavaidSymbol symbol) { return KINDS[static_cast<size_t>(symbol)]; }
 
 // Pixels between navaids: more as they crowd.
 double Apart(double nm) { return 14 + 45 * std::min(nm, 1.0); }
@@ -92,27 +90,18 @@ std::string Morse(const std::string& ident) {
 
 }  // namespace
 
-void NavaidLayer::Prepare(const LayerContext& context) {
-  m_navaids.clear();
-  if (!m_data || !context.theme[Item()].ShowsAt(context.view.NMPerPixel())) return;
-  Collect(context);
-  Spacing spacing(FARTHEST_APART * context.scale);
-  KeepImportant(m_navaids, spacing);
-  FindRoses(context);
-}
-
 void NavaidLayer::Collect(const LayerContext& context) {
-  const auto take = [&](Navaid navaid, const auto& record) {
-    const Kind& kind = KindOf(navaid.symbol);
+  const auto take = [&](NavaidPlace navaid, const auto& record) {
+    const Kind& kind = RowOf(navaid.symbol);
     if (!TakePlace(context, Item(), record, record.name, navaid) || navaid.nm > kind.toNM) return;
     navaid.apart = Apart(navaid.nm) * context.scale;
     navaid.weight = kind.weight + std::min<double>(record.range, 999);
-    m_navaids.push_back(std::move(navaid));
+    m_places.push_back(std::move(navaid));
   };
   const K7ChartRect extent = context.view.GetExtent();
   VisitRecords<K7VHFNavaid>(m_data->AreaQuery(K7NAV_VOR, extent), [&](const K7VHFNavaid& record) {
     if (!IsEnroute(record.flags)) return;
-    Navaid navaid;
+    NavaidPlace navaid;
     navaid.symbol = SymbolOf(record.flags);
     if (record.freq > 0) navaid.freq = Number(record.freq / 100.0, 1) + " MHz";
     navaid.declination = record.flags & K7VHFNavaid::VOR ? DeclinationOf(record) : NAN;
@@ -120,12 +109,15 @@ void NavaidLayer::Collect(const LayerContext& context) {
   });
   for (const K7NavType type : {K7NAV_ENROUTE_NDB, K7NAV_TERMINAL_NDB})
     VisitRecords<K7NDB>(m_data->AreaQuery(type, extent), [&](const K7NDB& record) {
-      Navaid navaid;
+      NavaidPlace navaid;
       navaid.symbol = NavaidSymbol::NDB;
       if (record.freq > 0) navaid.freq = Number(record.freq / 10.0, 0) + " kHz";
       navaid.declination = NAN;
       take(std::move(navaid), record);
     });
+  Spacing spacing(FARTHEST_APART * context.scale);
+  KeepImportant(m_places, spacing);
+  FindRoses(context);
 }
 
 namespace {
@@ -171,13 +163,13 @@ double Extent(const RoseShape& rose) {
 
 // Roses that would run into a more important one are left out.
 void NavaidLayer::FindRoses(const LayerContext& context) {
-  std::vector<const Navaid*> taken;
-  for (Navaid& navaid : m_navaids) {
+  std::vector<const NavaidPlace*> taken;
+  for (NavaidPlace& navaid : m_places) {
     if (std::isnan(navaid.declination) ||
         !context.theme[ThemeItem::CompassRoses].ShowsAt(navaid.nm / context.scale) ||
         !ShapeRose(context, navaid, navaid.declination, navaid.rose))
       continue;
-    navaid.hasRose = std::none_of(taken.begin(), taken.end(), [&](const Navaid* other) {
+    navaid.hasRose = std::none_of(taken.begin(), taken.end(), [&](const NavaidPlace* other) {
       return std::hypot(other->dx - navaid.dx, other->dy - navaid.dy) <
              Extent(other->rose) + Extent(navaid.rose);
     });
@@ -185,48 +177,48 @@ void NavaidLayer::FindRoses(const LayerContext& context) {
   }
 }
 
-// The important lie above others.
-void NavaidLayer::DrawLines(const LayerContext& context, K7MapPath&, K7Grfx& g) {
+void NavaidLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
   SymbolPen roses(g, context.theme[ThemeItem::CompassRoses], context.scale);
-  for (const Navaid& navaid : m_navaids)
+  for (const NavaidPlace& navaid : m_places)
     if (navaid.hasRose) roses.Rose(navaid.dx, navaid.dy, navaid.rose);
-  SymbolPen pen(g, context.theme[Item()], context.scale);
-  for (auto n = m_navaids.rbegin(); n != m_navaids.rend(); ++n) pen.Navaid(n->symbol, n->dx, n->dy);
+  PlaceLayer::DrawLines(context, path, g);
 }
 
-void NavaidLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
-  for (const Navaid& navaid : m_navaids)
-    plan.Keep(BoxAbout(navaid.dx, navaid.dy, SymbolRadius(navaid.key.NavType()) * context.scale));
+PixelBox NavaidLayer::BoxOf(const LayerContext& context, const NavaidPlace& navaid) const {
+  return BoxAbout(navaid.dx, navaid.dy, SymbolRadius(navaid.key.NavType()) * context.scale);
+}
+
+void NavaidLayer::DrawSymbol(const NavaidPlace& navaid, SymbolPen& pen) const {
+  pen.Navaid(navaid.symbol, navaid.dx, navaid.dy);
 }
 
 // The name, and below it a box with frequency, identifier and Morse code; where there is no room for it, the
-// identifier.
-void NavaidLayer::OfferLabels(const LayerContext& context, K7MapPath&, double size, LabelPlan& plan) {
-  for (const Navaid& navaid : m_navaids) {
-    const PixelBox symbol =
-        BoxAbout(navaid.dx, navaid.dy, (SymbolRadius(navaid.key.NavType()) + 1) * context.scale);
-    Label box = {Figures(navaid.freq) + navaid.ident + "  " + Morse(navaid.ident),
-                 0,
-                 0,
-                 {.size = size * 0.68, .item = Item()}};
-    box.boxed = true;
-    const Label name = {navaid.name, 0, 0, {.size = size * 0.66, .halo = true, .item = Item()}};
-    const Label ident = {
-        navaid.ident, 0, 0, {.size = size * 0.72, .bold = true, .halo = true, .item = Item()}};
-    if (navaid.nm <= NAMES_TO_NM && !navaid.name.empty() && OfferBeside(context, symbol, {name, box}, plan))
-      continue;
-    if (navaid.nm <= KindOf(navaid.symbol).boxToNM && OfferBeside(context, symbol, {box}, plan)) continue;
+// identifier. Airways turn at navaids: they stand without one too.
+bool NavaidLayer::OfferLabel(const LayerContext& context, const NavaidPlace& navaid, double size,
+                             LabelPlan& plan) const {
+  const PixelBox symbol =
+      BoxAbout(navaid.dx, navaid.dy, (SymbolRadius(navaid.key.NavType()) + 1) * context.scale);
+  Label box = {Figures(navaid.freq) + navaid.ident + "  " + Morse(navaid.ident),
+               0,
+               0,
+               {.size = size * 0.68, .item = Item()}};
+  box.boxed = true;
+  const Label name = {navaid.name, 0, 0, {.size = size * 0.66, .halo = true, .item = Item()}};
+  const Label ident = {navaid.ident, 0, 0, {.size = size * 0.72, .bold = true, .halo = true, .item = Item()}};
+  if (navaid.nm <= NAMES_TO_NM && !navaid.name.empty() && OfferBeside(context, symbol, {name, box}, plan))
+    return true;
+  if (navaid.nm > RowOf(navaid.symbol).boxToNM || !OfferBeside(context, symbol, {box}, plan))
     OfferBeside(context, symbol, {ident}, plan);
-  }
+  return true;
 }
 
 void NavaidLayer::OfferDetails(const LayerContext& context, double size, LabelPlan& plan) {
-  for (const Navaid& navaid : m_navaids)
+  for (const NavaidPlace& navaid : m_places)
     if (navaid.hasRose) OfferFigures(context, navaid, size, plan);
 }
 
 // Tens of degrees, outside the ring and turned with it.
-void NavaidLayer::OfferFigures(const LayerContext& context, const Navaid& navaid, double size,
+void NavaidLayer::OfferFigures(const LayerContext& context, const NavaidPlace& navaid, double size,
                                LabelPlan& plan) const {
   const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
   const Lettering lettering = {
@@ -240,12 +232,8 @@ void NavaidLayer::OfferFigures(const LayerContext& context, const Navaid& navaid
   }
 }
 
-void NavaidLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
-                       std::vector<std::string>& found) {
-  for (const Navaid& navaid : m_navaids) {
-    const double reach = SymbolRadius(navaid.key.NavType()) + PICK_REACH;
-    if (std::hypot(navaid.dx - dx, navaid.dy - dy) <= reach * context.scale)
-      found.push_back(IdentAndName(navaid) + " " + KindOf(navaid.symbol).name +
-                      (navaid.freq.empty() ? "" : ", " + navaid.freq));
-  }
+std::string NavaidLayer::KindOf(const NavaidPlace& navaid) const { return RowOf(navaid.symbol).name; }
+
+std::string NavaidLayer::Details(const NavaidPlace& navaid) const {
+  return navaid.freq.empty() ? "" : ", " + navaid.freq;
 }

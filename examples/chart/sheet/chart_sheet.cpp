@@ -19,6 +19,10 @@ constexpr double BOTTOM_ROOM = 7.2;
 // From the window down to the first line of the margin.
 constexpr double MARGIN_TOP = 3.9;
 
+// From one line of the margin to the next.
+constexpr double MARGIN_LINE = 1.4;
+constexpr int MARGIN_LINES = 3;
+
 constexpr int LEAST_PIXELS = 16;
 
 void DrawFrame(cairo_t* cairo, const Theme& theme, const ChartWindow& window, const ChartBox& box) {
@@ -75,14 +79,12 @@ void DrawMargin(cairo_t* cairo, const Theme& theme, const ChartWindow& window, d
   const std::string data = DataText(chart, view);
   const Lettering small = {.size = size * 0.85};
   // What there is room for, on one line or two.
-  const double first = top + size * 1.45, second = first + size * 1.3;
-  if (plan.Offer({Joined(Joined(Params(projection), center), data), 0, first, small})) return;
-  if (plan.Offer({Joined(Params(projection), center), 0, first, small}) ||
-      plan.Offer({center, 0, first, small})) {
-    plan.Offer({data, 0, second, small});
-    return;
+  const double first = top + size * MARGIN_LINE, second = first + size * MARGIN_LINE;
+  if (!plan.Offer({Joined(Joined(Params(projection), center), data), 0, first, small})) {
+    const bool placed = plan.Offer({Joined(Params(projection), center), 0, first, small}) ||
+                        plan.Offer({center, 0, first, small});
+    plan.Offer({data, 0, placed ? second : first, small});
   }
-  plan.Offer({data, 0, first, small});
 }
 
 }  // namespace
@@ -97,6 +99,14 @@ ChartWindow WindowOf(const ChartBox& box) {
           static_cast<int>(box.height - (TOP_ROOM + BOTTOM_ROOM) * size)};
 }
 
+LabelPlan PlanLabels(cairo_t* cairo, const ChartBox& box, Chart& chart) {
+  const ChartWindow window = WindowOf(box);
+  LabelPlan plan(cairo, {box.x - window.x, box.y - window.y, box.x + box.width - window.x,
+                         box.y + box.height - window.y});
+  chart.OfferLabels(box.textSize, plan);
+  return plan;
+}
+
 std::string DrawChart(cairo_t* cairo, const ChartBox& box, const ChartRequest& request, const Theme& theme,
                       Chart& chart) {
   const ChartWindow window = WindowOf(box);
@@ -106,6 +116,7 @@ std::string DrawChart(cairo_t* cairo, const ChartBox& box, const ChartRequest& r
       !problem.empty())
     return problem;
 
+  LabelPlan plan = PlanLabels(cairo, box, chart);
   cairo_save(cairo);
   cairo_translate(cairo, window.x, window.y);
   cairo_save(cairo);
@@ -115,9 +126,6 @@ std::string DrawChart(cairo_t* cairo, const ChartBox& box, const ChartRequest& r
   const int code = chart.Render(&grfx);
   cairo_restore(cairo);
   DrawFrame(cairo, theme, window, box);
-  LabelPlan plan(cairo, {box.x - window.x, box.y - window.y, box.x + box.width - window.x,
-                         box.y + box.height - window.y});
-  chart.OfferLabels(box.textSize, plan);
   DrawMargin(cairo, theme, window, box.textSize, chart, request, plan);
   plan.Draw(theme, LineScale(box));
   cairo_restore(cairo);

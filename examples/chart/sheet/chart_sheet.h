@@ -19,6 +19,9 @@ ChartWindow WindowOf(const ChartBox& box);
 /// How much wider than on an ordinary sheet lines are.
 double LineScale(const ChartBox& box);
 
+/// Where the labels of a chart that is shown stand, in pixels of its window. What has no room for its own is
+/// neither drawn nor picked from then on.
+LabelPlan PlanLabels(cairo_t* cairo, const ChartBox& box, Chart& chart);
 /// Shows and draws a chart with frame and margin. Empty, or what went wrong.
 std::string DrawChart(cairo_t* cairo, const ChartBox& box, const ChartRequest& request, const Theme& theme,
                       Chart& chart);

@@ -1,0 +1,61 @@
+// What airports, navaids and fixes have in common: symbols with something written beside them.
+#pragma once
+
+#include "layers/nav_places.h"
+#include "layers/nav_symbols.h"
+#include "layers/place_label.h"
+
+/// A symbol that says nothing without its label is left out where the label finds no room: when the labels
+/// have been offered, `DrawLines` and `Pick` know which. Labels of important places come first.
+template <class Place>
+class PlaceLayer : public Layer {
+ public:
+  /// The store stays the caller's; null draws nothing.
+  explicit PlaceLayer(K7NavData* data) : m_data(data) {}
+
+  void Prepare(const LayerContext& context) override {
+    m_places.clear();
+    if (m_data && context.theme[Item()].ShowsAt(context.view.NMPerPixel())) Collect(context);
+  }
+
+  /// The important lie above others.
+  void DrawLines(const LayerContext& context, K7MapPath&, K7Grfx& g) override {
+    SymbolPen pen(g, context.theme[Item()], context.scale);
+    for (auto place = m_places.rbegin(); place != m_places.rend(); ++place)
+      if (place->isShown) Draw(*place, pen);
+  }
+
+  void KeepSymbols(const LayerContext& context, LabelPlan& plan) override {
+    for (const Place& place : m_places) plan.Keep(BoxOf(context, place));
+  }
+
+  void OfferLabels(const LayerContext& context, K7MapPath&, double size, LabelPlan& plan) override {
+    for (Place& place : m_places) place.isShown = OfferLabel(context, place, size, plan);
+  }
+
+  void Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
+            std::vector<std::string>& found) override {
+    static const double REACH = 2;
+    for (const Place& place : m_places)
+      if (place.isShown && BoxOf(context, place).Meets(BoxAbout(dx, dy, REACH * context.scale)))
+        found.push_back(IdentAndName(place) + " " + KindOf(place) + Details(place));
+  }
+
+ protected:
+  /// Fills `m_places`, the important first.
+  virtual void Collect(const LayerContext& context) = 0;
+  virtual PixelBox BoxOf(const LayerContext& context, const Place& place) const = 0;
+  virtual void DrawSymbol(const Place& place, SymbolPen& pen) const = 0;
+  /// As it lies on the ground, where that is not its symbol.
+  virtual void Draw(const Place& place, SymbolPen& pen) const { DrawSymbol(place, pen); }
+  /// Says whether the place is to be shown.
+  virtual bool OfferLabel(const LayerContext& context, const Place& place, double size,
+                          LabelPlan& plan) const = 0;
+  /// "heliport"
+  virtual std::string KindOf(const Place& place) const = 0;
+  /// ", 433 ft"
+  virtual std::string Details(const Place&) const { return {}; }
+
+  K7NavData* m_data;
+  std::vector<Place> m_places;
+};
