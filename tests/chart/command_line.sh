@@ -231,7 +231,9 @@ for format in svg:'width="320px" height="240px"' pdf:'MediaBox [ 0 0 240 180 ]';
 done
 "$chart" gallery --size 450x450 --output small.png || fail "the smallest gallery"
 "$chart" --size 200x200 --output small.png || fail "the smallest chart"
-"$chart" --range 300 --no-graticule --output bare.png && ! cmp -s bare.png day.png || fail "a chart without its graticule"
+for part in graticule legend; do
+  "$chart" --range 300 --no-$part --output bare.png && ! cmp -s bare.png day.png || fail "a chart without its $part"
+done
 
 # Parameters that give no picture are said by name, with the values that do.
 param() {  # what the line must hold, projection, parameters

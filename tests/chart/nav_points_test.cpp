@@ -266,6 +266,9 @@ TEST_F(NavPointsTest, PickSaysWhatIsThere) {
   EXPECT_EQ(under(chart, 47.3), Found{"JAWBN fix"});
   EXPECT_EQ(under(chart, 47.35), Found{});
   EXPECT_EQ(under(empty, 47.45), Found{});
+  Found kinds;
+  for (const LegendEntry& entry : chart.Legend()) kinds.push_back(entry.text);
+  EXPECT_EQ(kinds, (Found{"airport", "NDB", "fix"}));
 }
 
 }  // namespace

@@ -120,6 +120,11 @@ constexpr OptionRow<LookOptions> LOOK_OPTIONS[] = {
        look.graticule = false;
        return std::string();
      }},
+    {"--no-legend", nullptr, "leaves out the symbols that the margin explains",
+     [](const char*, LookOptions& look) {
+       look.legend = false;
+       return std::string();
+     }},
 };
 
 }  // namespace

@@ -23,7 +23,8 @@ void AddPlaceOptions(OptionTable& table, ChartRequest& request);
 struct LookOptions {
   Theme theme;
   bool graticule = true;
+  bool legend = true;
 };
 
-/// --theme, --no-graticule.
+/// --theme, --no-graticule, --no-legend.
 void AddLookOptions(OptionTable& table, LookOptions& look);

@@ -74,6 +74,7 @@ std::string DrawSheet(const LayerOptions& options, const DataScale& scale, const
   // In each chart every layer is drawn twice, areas and lines; then the picture is written.
   progress.Expect(2 * charts * static_cast<int>(stack.Layers().size()) + 1);
   Chart chart(stack.Layers(), look.theme, progress);
+  chart.UseLegend(look.legend);
   if (std::string problem = draw(page.Cairo(), chart); !problem.empty()) return problem;
   return page.Save(sheet.output, progress);
 }

@@ -213,6 +213,10 @@ std::string AirportLayer::KindOf(const AirportPlace& airport) const {
   return NAMES[static_cast<size_t>(airport.symbol)];
 }
 
+std::string AirportLayer::LegendText(const AirportPlace& airport) const {
+  return KindOf(airport) + (airport.symbol == AirportSymbol::Towered ? " with tower" : "");
+}
+
 std::string AirportLayer::Details(const AirportPlace& airport) const {
   std::string text;
   if (airport.elev >= K7NavFix::LOWEST_ELEV) text += ", " + std::to_string(airport.elev) + " ft";

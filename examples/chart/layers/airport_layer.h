@@ -25,6 +25,7 @@ class AirportLayer : public PlaceLayer<AirportPlace> {
   bool OfferLabel(const LayerContext& context, const AirportPlace& airport, double size,
                   LabelPlan& plan) const override;
   std::string KindOf(const AirportPlace& airport) const override;
+  std::string LegendText(const AirportPlace& airport) const override;
   std::string Details(const AirportPlace& airport) const override;
   void FindRunways(const LayerContext& context, AirportPlace& airport) const;
 };

@@ -75,6 +75,15 @@ void Chart::OfferLabels(double size, LabelPlan& plan) {
     (*layer)->OfferDetails(Context(), size, plan);
 }
 
+std::vector<LegendEntry> Chart::Legend() const {
+  std::vector<const Layer*> shown;
+  std::vector<LegendEntry> legend;
+  if (!m_view || !m_useLegend) return legend;
+  VisitShown([&](Layer& layer) { shown.push_back(&layer); });
+  for (auto layer = shown.rbegin(); layer != shown.rend(); ++layer) (*layer)->AddToLegend(Context(), legend);
+  return legend;
+}
+
 std::vector<std::string> Chart::Pick(double dx, double dy) {
   std::vector<std::string> found;
   if (!m_view) return found;

@@ -40,6 +40,10 @@ class Chart : public K7Chart {
   const K7MapView* View() const { return m_view.get(); }
   /// To be called before `Render`: symbols whose labels find no room are not drawn.
   void OfferLabels(double size, LabelPlan& plan);
+  /// Without one, `Legend` is empty.
+  void UseLegend(bool use) { m_useLegend = use; }
+  /// The kinds of symbols that are drawn, the uppermost layer's first; valid as long as the view is.
+  std::vector<LegendEntry> Legend() const;
   /// What is drawn under a pixel, the uppermost layer first.
   std::vector<std::string> Pick(double dx, double dy);
   /// Denominator of the coarsest data that are shown; 0 when none has a scale.
@@ -58,4 +62,5 @@ class Chart : public K7Chart {
   std::unique_ptr<K7MapView> m_view;
   std::unique_ptr<K7MapPath> m_path;
   double m_scale = 1;
+  bool m_useLegend = true;
 };

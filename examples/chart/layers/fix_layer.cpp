@@ -66,3 +66,7 @@ bool FixLayer::OfferLabel(const LayerContext& context, const FixPlace& fix, doub
 }
 
 std::string FixLayer::KindOf(const FixPlace&) const { return "fix"; }
+
+std::string FixLayer::LegendText(const FixPlace& fix) const {
+  return fix.segments > 0 ? "fix on an airway" : "fix";
+}

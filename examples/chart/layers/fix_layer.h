@@ -20,4 +20,5 @@ class FixLayer : public PlaceLayer<FixPlace> {
   bool OfferLabel(const LayerContext& context, const FixPlace& fix, double size,
                   LabelPlan& plan) const override;
   std::string KindOf(const FixPlace& fix) const override;
+  std::string LegendText(const FixPlace& fix) const override;
 };

@@ -8,6 +8,7 @@
 #include <k7/projection/map_path.h>
 #include <k7/projection/map_view.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,12 @@ struct LayerContext {
   const Theme& theme;
   double scale;  // of widths and symbols: 1 on a sheet of ordinary size
   Progress& progress;
+};
+
+/// What a symbol stands for.
+struct LegendEntry {
+  std::string text;
+  std::function<void(K7Grfx& g, double dx, double dy)> draw;  ///< about a place; valid as long as the view is
 };
 
 /// A layer draws with the library's graphics context only. A chart asks all its layers first for the places
@@ -38,6 +45,8 @@ class Layer {
   virtual void OfferLabels(const LayerContext&, K7MapPath&, double /*size*/, LabelPlan&) {}
   /// What is the first to go where there is no room: offered when all layers have their labels.
   virtual void OfferDetails(const LayerContext&, double /*size*/, LabelPlan&) {}
+  /// Adds each kind of symbol that is drawn and not there yet.
+  virtual void AddToLegend(const LayerContext&, std::vector<LegendEntry>&) const {}
   /// Adds a line of text for each thing that is drawn under a device point.
   virtual void Pick(const LayerContext&, K7MapPath&, double /*dx*/, double /*dy*/,
                     std::vector<std::string>& /*found*/) {}

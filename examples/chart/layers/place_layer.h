@@ -41,6 +41,23 @@ class PlaceLayer : public Layer {
         found.push_back(IdentAndName(place) + " " + KindOf(place) + Details(place));
   }
 
+  void AddToLegend(const LayerContext& context, std::vector<LegendEntry>& legend) const override {
+    for (const Place& place : m_places) {
+      const std::string text = LegendText(place);
+      const auto isThis = [&](const LegendEntry& entry) { return entry.text == text; };
+      if (!place.isShown || std::any_of(legend.begin(), legend.end(), isThis)) continue;
+      const auto draw = [this, place, entry = context.theme[Item()], scale = context.scale](
+                            K7Grfx& g, double x, double y) {
+        Place sample = place;
+        sample.dx = x;
+        sample.dy = y;
+        SymbolPen pen(g, entry, scale);
+        DrawSymbol(sample, pen);
+      };
+      legend.push_back({text, draw});
+    }
+  }
+
  protected:
   /// Fills `m_places`, the important first.
   virtual void Collect(const LayerContext& context) = 0;
@@ -53,6 +70,8 @@ class PlaceLayer : public Layer {
                           LabelPlan& plan) const = 0;
   /// "heliport"
   virtual std::string KindOf(const Place& place) const = 0;
+  /// The kind as its symbol tells it from others.
+  virtual std::string LegendText(const Place& place) const { return KindOf(place); }
   /// ", 433 ft"
   virtual std::string Details(const Place&) const { return {}; }
 

@@ -68,6 +68,32 @@ std::string Joined(const std::string& a, const std::string& b) {
   return a.empty() || b.empty() ? a + b : a + "   " + b;
 }
 
+// The kinds of symbols that there is room for, in the lines of the margin, behind what is placed.
+void DrawLegend(cairo_t* cairo, const ChartWindow& window, double size, const Chart& chart, double top,
+                LabelPlan& plan) {
+  static const double SYMBOL = 0.7, TEXT = 1.6, STEP = 0.5;  // letter sizes
+  CairoGrfx g(cairo, window.width, window.height);
+  double x = 0;
+  int line = 0;
+  const auto place = [&](const LegendEntry& entry) {
+    const double baseline = top + line * size * MARGIN_LINE;
+    const Label label = {entry.text, x + TEXT * size, baseline, {.size = size * 0.85}};
+    const PixelBox text = plan.BoxOf(label), whole = {x - STEP * size, text.top, text.right, text.bottom};
+    if (text.right > window.width || !plan.IsFree(whole) || !plan.Offer(label)) return false;
+    plan.Keep(whole);
+    entry.draw(g, x + SYMBOL * size, baseline - 0.32 * size);
+    x = text.right + 2 * STEP * size;
+    return true;
+  };
+  for (const LegendEntry& entry : chart.Legend())
+    while (!place(entry)) {
+      x += STEP * size;
+      if (x < window.width) continue;
+      x = 0;
+      if (++line == MARGIN_LINES) return;
+    }
+}
+
 void DrawMargin(cairo_t* cairo, const Theme& theme, const ChartWindow& window, double size,
                 const Chart& chart, const ChartRequest& request, LabelPlan& plan) {
   const K7MapView& view = *chart.View();
@@ -85,6 +111,7 @@ void DrawMargin(cairo_t* cairo, const Theme& theme, const ChartWindow& window, d
                         plan.Offer({center, 0, first, small});
     plan.Offer({data, 0, placed ? second : first, small});
   }
+  DrawLegend(cairo, window, size, chart, top, plan);
 }
 
 }  // namespace
