@@ -107,7 +107,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   K7PolyPolygon polygon;
   K7Polyline line;
   K7TileFeature& feature = areas ? static_cast<K7TileFeature&>(polygon) : line;
-  Require(feature.SetPoints(parts.points.data(), parts.sizes.data(), static_cast<int>(parts.sizes.size())) == 0);
+  Require(feature.SetPoints(parts.points.data(), parts.sizes.data(), static_cast<int>(parts.sizes.size())) ==
+          0);
   if (cut && (areas ? polygon.CutAtSeam() : line.CutAtSeam()) != 0) return 0;
   if ((areas ? tiles.TilizePolygon(&polygon, &points) : tiles.TilizePolyline(&line, &points)) != 0) return 0;
   int own = 0, all = 0;

@@ -53,6 +53,7 @@ int K7TileGrid::RowOf(double lat) const {
 }
 
 int K7TileGrid::ColOf(double lon, int r) const {
-  if (r < 0 || r >= rows || row[r].cols == 0 || !(row[r].width > 0) || !(lon >= west && lon <= east)) return -1;
+  if (r < 0 || r >= rows || row[r].cols == 0 || !(row[r].width > 0) || !(lon >= west && lon <= east))
+    return -1;
   return std::clamp(static_cast<int>((lon - west + BORDER_WIDTH) / row[r].width), 0, row[r].cols - 1);
 }

@@ -37,5 +37,7 @@ struct K7TileGrid {
   }
   double ClampLon(double lon) const { return lon < west ? west : lon > east ? east : lon; }
   /// Poles that a data set misses by rounding are poles.
-  static double ClampLat(double lat) { return std::fabs(lat) < 90 + 1e-8 ? std::clamp(lat, -90.0, 90.0) : lat; }
+  static double ClampLat(double lat) {
+    return std::fabs(lat) < 90 + 1e-8 ? std::clamp(lat, -90.0, 90.0) : lat;
+  }
 };

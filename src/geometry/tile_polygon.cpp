@@ -74,7 +74,8 @@ int K7PolygonTileMngr::TilizePolygon(const K7PolyPolygon* polygon, K7PolyPtMngr*
   const Buffer<CutPiece>& pieces = m_scratch->pieces;
   for (int first = 0, next; first < pieces.Count(); first = next) {
     next = first;
-    while (next < pieces.Count() && pieces[next].row == pieces[first].row && pieces[next].col == pieces[first].col)
+    while (next < pieces.Count() && pieces[next].row == pieces[first].row &&
+           pieces[next].col == pieces[first].col)
       ++next;
     if (const int err = StoreCell(job, first, next - first)) return err;
   }
@@ -173,10 +174,11 @@ int K7PolygonTileMngr::AddPiece(Job& job, int number) {
   return AddBorderPt(job, *piece, cut.exit, cut.exitSide, false);
 }
 
-int K7PolygonTileMngr::AddBorderPt(Job& job, K7LineString& piece, int created, K7TileSide side, bool isEntry) {
+int K7PolygonTileMngr::AddBorderPt(Job& job, K7LineString& piece, int created, K7TileSide side,
+                                   bool isEntry) {
   const int i = created - job.polygon.PointCount();
-  auto* const point = new (std::nothrow)
-      K7TileBrdrPt(*job.tile, job.points.Lat(i), job.points.Lon(i), side, isEntry);
+  auto* const point =
+      new (std::nothrow) K7TileBrdrPt(*job.tile, job.points.Lat(i), job.points.Lon(i), side, isEntry);
   if (!point) return K7_ERR_MEMORY;
   point->SetOwner(&piece);
   if (const int err = AppendPtr(job.tile->m_border, point)) {
@@ -230,7 +232,8 @@ int K7PolygonTileMngr::JoinPieces(Job& job) {
     if (isFilled) job.firstInside = 0;
     for (int from = 0, to; from < count; from = to) {
       to = from + 1;
-      while (to < count && all[to]->Perimeter() == all[from]->Perimeter() && all[to]->Side() == all[from]->Side())
+      while (to < count && all[to]->Perimeter() == all[from]->Perimeter() &&
+             all[to]->Side() == all[from]->Side())
         ++to;
       const bool exitFirst = ((from - job.firstInside) % 2 == 0) == job.rightInside;
       if (to - from > 1 && !AlternateAtOnePlace(border, from, to, exitFirst, m_scratch->sorted))
@@ -262,8 +265,8 @@ int K7PolygonTileMngr::CloseRing(Job& job, K7LineString& piece) {
     const int count = border.Count();
     const int other = (out->m_order + (leads ? 1 : count - 1)) % count;
     const int before = indexes.Count();
-    const int corners = ProcessBorderCorners(leads ? out->m_order : other, border, job.tile, &job.points, &bounds,
-                                             indexes);
+    const int corners =
+        ProcessBorderCorners(leads ? out->m_order : other, border, job.tile, &job.points, &bounds, indexes);
     if (corners < 0) return corners;
     int* const added = static_cast<int*>(indexes.Data()) + before;
     if (!leads) std::reverse(added, added + corners);

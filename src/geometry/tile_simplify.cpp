@@ -157,7 +157,9 @@ int K7PolygonTileMngr::ProcessLineString(const K7LineString* piece, bool backwar
   if (const int err = simplified ? Simplify(*piece, !piece->Entry(), m_tolerance, *m_scratch, indexes)
                                  : Append(indexes, own.Data(), own.Count()))
     return err;
-  if (backwards) std::reverse(static_cast<int*>(indexes.Data()) + before, static_cast<int*>(indexes.Data()) + indexes.Count());
+  if (backwards)
+    std::reverse(static_cast<int*>(indexes.Data()) + before,
+                 static_cast<int*>(indexes.Data()) + indexes.Count());
   for (int i = before; i < indexes.Count(); ++i) {
     double lat, lon;
     piece->GetPos(indexes[i], lat, lon);

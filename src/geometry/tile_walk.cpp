@@ -86,7 +86,8 @@ int TileWalk::Follow(double lat, double lon, int row, int col, int next) {
     const int nextCol = m_grid.ColOf(x, nextRow);
     x = std::max(x, m_grid.ColBorder(nextCol, nextRow));
     if (const int err = FollowColumns(lat, lon, toCol, next)) return err;
-    if (const int err = Cross(border, x, up ? K7_SIDE_NORTH : K7_SIDE_SOUTH, nextRow, nextCol, next)) return err;
+    if (const int err = Cross(border, x, up ? K7_SIDE_NORTH : K7_SIDE_SOUTH, nextRow, nextCol, next))
+      return err;
   }
   return FollowColumns(lat, lon, col, next);
 }

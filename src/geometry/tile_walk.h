@@ -20,7 +20,8 @@ class TileWalk {
   /// row and column.
   static constexpr int MOST_CROSSINGS = 1 << 21;
 
-  TileWalk(const K7TileGrid& grid, const K7TileFeature& feature, K7PolyPtMngr& points, Buffer<CutPiece>& pieces)
+  TileWalk(const K7TileGrid& grid, const K7TileFeature& feature, K7PolyPtMngr& points,
+           Buffer<CutPiece>& pieces)
       : m_grid(grid), m_feature(feature), m_points(points), m_pieces(pieces) {}
 
   /// Appends the pieces of `count` points from `first` on, in their order. 0, K7_ERR_BAD_ARGUMENT for

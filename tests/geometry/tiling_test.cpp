@@ -76,7 +76,8 @@ Line RingOf(const K7TileFeature& feature, int part) {
 }
 
 struct Tiles : K7PolygonTileMngr {
-  explicit Tiles(K7TileKind kind, double height, double width = 0, double tolerance = 0) : K7PolygonTileMngr(kind) {
+  explicit Tiles(K7TileKind kind, double height, double width = 0, double tolerance = 0)
+      : K7PolygonTileMngr(kind) {
     EXPECT_EQ(Init(height, width, tolerance), 0);
   }
   template <class Visit>
@@ -110,7 +111,8 @@ void CheckPieces(Tiles& tiles, const K7TileFeature& feature, const std::string& 
   for (int part = 0; part < feature.PartCount(); ++part) {
     const Line line = RingOf(feature, part);
     const bool repeats = line.size() > 1 && line.front().Lat() == line.back().Lat() &&
-                         line.front().Lon() == line.back().Lon() && dynamic_cast<K7PolygonTile*>(tiles.GetTile(0.0, 0.0));
+                         line.front().Lon() == line.back().Lon() &&
+                         dynamic_cast<K7PolygonTile*>(tiles.GetTile(0.0, 0.0));
     for (int i = 0; i < feature.PartSize(part) - repeats; ++i)
       ASSERT_EQ(uses[feature.PartStart(part) + i], 1) << what << ", point " << i;
   }
@@ -122,8 +124,8 @@ TEST(Tiling, TheGridFollowsTheLatitude) {
     double height, width;
     int row, cols;
     double colWidth;
-  } ROWS[] = {{10, 0, 9, 36, 10}, {10, 0, 17, 12, 30}, {10, 15, 3, 24, 15}, {30, 0, 0, 12, 30}, {7, 0, 24, 12, 30},
-              {1, 0, 90, 360, 1}, {10, 0, 13, 30, 12}, {10, 7, 0, 51, 7}};
+  } ROWS[] = {{10, 0, 9, 36, 10}, {10, 0, 17, 12, 30}, {10, 15, 3, 24, 15}, {30, 0, 0, 12, 30},
+              {7, 0, 24, 12, 30}, {1, 0, 90, 360, 1},  {10, 0, 13, 30, 12}, {10, 7, 0, 51, 7}};
   for (const auto& row : ROWS) {
     const Tiles tiles(K7_TILE_POINTS, row.height, row.width);
     EXPECT_EQ(tiles.RowCount(), static_cast<int>(180 / row.height));
@@ -134,9 +136,9 @@ TEST(Tiling, TheGridFollowsTheLatitude) {
   static constexpr struct {
     double lat, lon;
     int row, col;
-  } PLACES[] = {{0, 0, 9, 18},           {-1e-9, -1e-9, 9, 18},  {-2e-8, -2e-8, 8, 17}, {90, 180, 17, 11},
-                {-90, -180, 0, 0},       {90.1, 0, -1, -1},      {NAN, 0, -1, -1},      {0, NAN, 9, -1},
-                {5, 180.1, 9, -1},       {5, -170.00000002, 9, 0}};
+  } PLACES[] = {{0, 0, 9, 18},     {-1e-9, -1e-9, 9, 18},   {-2e-8, -2e-8, 8, 17}, {90, 180, 17, 11},
+                {-90, -180, 0, 0}, {90.1, 0, -1, -1},       {NAN, 0, -1, -1},      {0, NAN, 9, -1},
+                {5, 180.1, 9, -1}, {5, -170.00000002, 9, 0}};
   for (const auto& place : PLACES) {
     EXPECT_EQ(tiles.GetTileRow(place.lat), place.row) << place.lat;
     EXPECT_EQ(tiles.GetTileCol(place.lon, place.row), place.col) << place.lon;
@@ -152,7 +154,8 @@ TEST(Tiling, TheGridFollowsTheLatitude) {
   }
   EXPECT_EQ(tiles.GetTileLat(9), -0.00000001);
   EXPECT_EQ(tiles.GetTileLon(19, 9), 9.99999999);
-  const double ends[] = {tiles.GetTileLat(0), tiles.GetTileLat(18), tiles.GetTileLon(0, 9), tiles.GetTileLon(36, 9)};
+  const double ends[] = {tiles.GetTileLat(0), tiles.GetTileLat(18), tiles.GetTileLon(0, 9),
+                         tiles.GetTileLon(36, 9)};
   EXPECT_EQ((std::vector<double>(ends, ends + 4)), (std::vector<double>{-90, 90, -180, 180}));
   EXPECT_EQ(tiles.GetTile(9, 18, true)->North(), 10 - 0.00000001);
   EXPECT_EQ(tiles.GetTile(17, 11, true)->East(), 180);
@@ -171,7 +174,8 @@ TEST(Tiling, TheGridFollowsTheLatitude) {
 TEST(Tiling, PointsAreFoundByTheirTiles) {
   Tiles tiles(K7_TILE_POINTS, 10);
   K7PointRec points[] = {{1, 1}, {9, 9}, {-5, 179}, {-5, -179}, {91, 0}};
-  for (K7PointRec& point : points) EXPECT_EQ(tiles.TilizePoint(&point), point.lat > 90 ? K7_ERR_BAD_ARGUMENT : 0);
+  for (K7PointRec& point : points)
+    EXPECT_EQ(tiles.TilizePoint(&point), point.lat > 90 ? K7_ERR_BAD_ARGUMENT : 0);
   const auto* const tile = static_cast<K7PointTile*>(tiles.GetTile(5.0, 5.0));
   ASSERT_EQ(tile->Count(), 2);
   EXPECT_EQ(tile->Point(1), &points[1]);
@@ -189,7 +193,8 @@ TEST(Tiling, LinesAreCutWhereTheyCross) {
   const Lines straight({{{0, 5}, {0, 25}}});
   ASSERT_EQ(tiles.TilizePolyline(&straight.feature, &points), 0);
   std::vector<Line> pieces;
-  tiles.VisitPieces([&](const K7ShapeTile&, const K7TileString& piece) { pieces.push_back(PointsOf(piece)); });
+  tiles.VisitPieces(
+      [&](const K7ShapeTile&, const K7TileString& piece) { pieces.push_back(PointsOf(piece)); });
   ASSERT_EQ(pieces.size(), 3u);
   const double lons[] = {5, 10, 10, 20, 20, 25};
   for (size_t i = 0; i < 6; ++i) EXPECT_EQ(pieces[i / 2][i % 2].Lon(), lons[i]);
@@ -200,8 +205,11 @@ TEST(Tiling, LinesAreCutWhereTheyCross) {
     Line line;
     double length = 0, cut = 0;
     for (int i = 0; i < 40; ++i) {
-      line.emplace_back(i % 3 ? lat(random) : std::round(lat(random)), i % 4 ? lon(random) : std::round(lon(random)));
-      if (i > 0) length += std::hypot(line[line.size() - 2].Lat() - line.back().Lat(), line[line.size() - 2].Lon() - line.back().Lon());
+      line.emplace_back(i % 3 ? lat(random) : std::round(lat(random)),
+                        i % 4 ? lon(random) : std::round(lon(random)));
+      if (i > 0)
+        length += std::hypot(line[line.size() - 2].Lat() - line.back().Lat(),
+                             line[line.size() - 2].Lon() - line.back().Lon());
     }
     Tiles grid(K7_TILE_POLYLINES, height);
     const Lines lines({line});
@@ -209,7 +217,8 @@ TEST(Tiling, LinesAreCutWhereTheyCross) {
     CheckPieces(grid, lines.feature, "line");
     grid.VisitPieces([&](const K7ShapeTile&, const K7TileString& piece) {
       const Line p = PointsOf(piece);
-      for (size_t i = 1; i < p.size(); ++i) cut += std::hypot(p[i].Lat() - p[i - 1].Lat(), p[i].Lon() - p[i - 1].Lon());
+      for (size_t i = 1; i < p.size(); ++i)
+        cut += std::hypot(p[i].Lat() - p[i - 1].Lat(), p[i].Lon() - p[i - 1].Lon());
     });
     EXPECT_NEAR(cut, length, 1e-9 * length);
   }
@@ -219,15 +228,19 @@ TEST(Tiling, LinesAreCutWhereTheyCross) {
 // inside the feature where it is inside the pieces of its tile.
 TEST(Tiling, WhatIsInsideStaysInside) {
   std::mt19937 random(3);
-  const auto number = [&](double from, double to) { return std::uniform_real_distribution<double>(from, to)(random); };
+  const auto number = [&](double from, double to) {
+    return std::uniform_real_distribution<double>(from, to)(random);
+  };
   for (int round = 0; round < 400; ++round) {
     const double height = std::vector<double>{10, 30, 45, 7, 90, 180}[static_cast<size_t>(round % 6)];
     const double grain = round % 3 ? 0 : height / 2, reach = round % 2 ? 170 : 25;
     std::vector<Line> rings(1 + static_cast<size_t>(round % 4));
     for (Line& ring : rings)
       for (int i = 0, n = 3 + round % 9; i < n; ++i) {
-        double y = number(-std::min(reach, 90.0), std::min(reach, 90.0)), x = number(-reach, reach) + (reach < 90 ? 20 : 0);
-        if (grain > 0) y = std::clamp(std::round(y / grain) * grain, -90.0, 90.0), x = std::round(x / grain) * grain;
+        double y = number(-std::min(reach, 90.0), std::min(reach, 90.0)),
+               x = number(-reach, reach) + (reach < 90 ? 20 : 0);
+        if (grain > 0)
+          y = std::clamp(std::round(y / grain) * grain, -90.0, 90.0), x = std::round(x / grain) * grain;
         ring.emplace_back(y, x);
       }
     Area area(rings);
@@ -240,7 +253,8 @@ TEST(Tiling, WhatIsInsideStaysInside) {
       bool in = false, tiled = false;
       for (const Line& ring : rings) in ^= IsIn(ring, y, x);
       const int row = tiles.GetTileRow(y);
-      const auto* const tile = static_cast<K7PolygonTile*>(tiles.GetTile(row, tiles.GetTileCol(x, row), false));
+      const auto* const tile =
+          static_cast<K7PolygonTile*>(tiles.GetTile(row, tiles.GetTileCol(x, row), false));
       for (int i = 0; tile && i < tile->PieceCount(); ++i) tiled ^= IsIn(PointsOf(*tile->Piece(i)), y, x);
       ASSERT_EQ(tiled, in) << "round " << round << " at " << y << " " << x;
     }
@@ -262,7 +276,8 @@ TEST(Tiling, AreasOfPiecesAddUp) {
         CheckPieces(tiles, polygon, name);
         long double area = 0, sum = 0;
         for (int part = 0; part < polygon.PartCount(); ++part) area += Turning(RingOf(polygon, part));
-        tiles.VisitPieces([&](const K7ShapeTile&, const K7TileString& piece) { sum += Turning(PointsOf(piece)); });
+        tiles.VisitPieces(
+            [&](const K7ShapeTile&, const K7TileString& piece) { sum += Turning(PointsOf(piece)); });
         EXPECT_NEAR(static_cast<double>(sum / area), 1, 1e-9) << name << " " << i;
       }
     }
@@ -287,13 +302,13 @@ TEST(Tiling, CornersAndWholeTiles) {
   // A ring that swallows tiles, with a hole in one of them and one that touches a border from inside.
   Tiles tiles(K7_TILE_POLYGONS, 10, 10);
   K7PolyPtMngr points;
-  const Area area({{{-25, -25}, {25, -25}, {25, 25}, {-25, 25}},
-                   {{2, 2}, {2, 4}, {4, 3}},
-                   {{10, -5}, {7, -6}, {7, -4}}});
+  const Area area(
+      {{{-25, -25}, {25, -25}, {25, 25}, {-25, 25}}, {{2, 2}, {2, 4}, {4, 3}}, {{10, -5}, {7, -6}, {7, -4}}});
   ASSERT_EQ(tiles.TilizePolygon(&area.feature, &points), 0);
   const auto count = [&](double lat, double lon) {
     const int row = tiles.GetTileRow(lat);
-    const auto* const tile = static_cast<K7PolygonTile*>(tiles.GetTile(row, tiles.GetTileCol(lon, row), false));
+    const auto* const tile =
+        static_cast<K7PolygonTile*>(tiles.GetTile(row, tiles.GetTileCol(lon, row), false));
     return tile ? tile->PieceCount() : 0;
   };
   EXPECT_EQ(count(15, 15), 1);
@@ -333,7 +348,9 @@ TEST(Tiling, FeaturesAreCutAt180) {
       {{{{-16, 179}, {-16, -178}, {-17, -178}, {-17, 179}}}, 2 * 3},
       {{{{-16, 179}, {-17, 179}, {-17, -178}, {-16, -178}}}, -2 * 3},
       {{{{-16, 539}, {-16, 542}, {-17, 542}, {-17, 539}}}, 2 * 3},
-      {{{{-10, 170}, {-10, -170}, {-20, -170}, {-20, 170}}, {{-14, -179}, {-14, 179}, {-16, 179}, {-16, -179}}}, 2 * (200 - 4)},
+      {{{{-10, 170}, {-10, -170}, {-20, -170}, {-20, 170}},
+        {{-14, -179}, {-14, 179}, {-16, 179}, {-16, -179}}},
+       2 * (200 - 4)},
       {{{{-70, -170}, {-70, -60}, {-70, 60}, {-70, 175}}}, CAP},
       {{{{70, 175}, {70, 60}, {70, -60}, {70, -170}}}, CAP},
       {{{{-90, -180}, {-70, -180}, {-70, 0}, {-70, 180}, {-90, 180}}}, CAP},
@@ -348,7 +365,8 @@ TEST(Tiling, FeaturesAreCutAt180) {
     Tiles tiles(K7_TILE_POLYGONS, 10);
     K7PolyPtMngr points;
     ASSERT_EQ(tiles.TilizePolygon(&area.feature, &points), 0);
-    tiles.VisitPieces([&](const K7ShapeTile&, const K7TileString& piece) { sum += Turning(PointsOf(piece)); });
+    tiles.VisitPieces(
+        [&](const K7ShapeTile&, const K7TileString& piece) { sum += Turning(PointsOf(piece)); });
     EXPECT_NEAR(static_cast<double>(sum), c.area, 1e-9);
   }
   Lines line({{{10, 170}, {20, -170}, {30, 170}}});
@@ -357,7 +375,8 @@ TEST(Tiling, FeaturesAreCutAt180) {
   double length = 0;
   for (int part = 0; part < 3; ++part) {
     const Line run = RingOf(line.feature, part);
-    for (size_t i = 1; i < run.size(); ++i) length += std::hypot(run[i].Lat() - run[i - 1].Lat(), run[i].Lon() - run[i - 1].Lon());
+    for (size_t i = 1; i < run.size(); ++i)
+      length += std::hypot(run[i].Lat() - run[i - 1].Lat(), run[i].Lon() - run[i - 1].Lon());
   }
   EXPECT_NEAR(length, 2 * std::hypot(10, 20), 1e-9);
 }
@@ -383,7 +402,8 @@ TEST(Tiling, AnyToleranceFromOneRanking) {
       std::sort(pairs.begin(), pairs.end());
       return pairs;
     };
-    some.VisitPieces([&](const K7ShapeTile&, const K7TileString& piece) { left.insert(sorted(PointsOf(piece))); });
+    some.VisitPieces(
+        [&](const K7ShapeTile&, const K7TileString& piece) { left.insert(sorted(PointsOf(piece))); });
     all.VisitPieces([&](const K7ShapeTile&, K7TileString& piece) {
       ASSERT_EQ(piece.Rank(), 0);
       K7IntArray kept;

@@ -36,7 +36,8 @@ enum K7TileSide : int32_t { K7_SIDE_NORTH = 0, K7_SIDE_EAST = 1, K7_SIDE_SOUTH =
 /// created. Pieces belong to their tile.
 class K7_API K7TileString {
  public:
-  K7TileString(const K7TileFeature* feature, const K7PolyPtMngr* points) : m_feature(feature), m_points(points) {}
+  K7TileString(const K7TileFeature* feature, const K7PolyPtMngr* points)
+      : m_feature(feature), m_points(points) {}
   K7TileString(const K7TileString&) = delete;
   K7TileString& operator=(const K7TileString&) = delete;
   ~K7TileString();
