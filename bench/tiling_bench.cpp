@@ -99,10 +99,11 @@ void TilesGeos(benchmark::State& state) {
       double west, south, east, north;
       GEOSGeom_getExtent_r(geos, polygon, &west, &south, &east, &north);
       for (int row = grid.GetTileRow(std::max(south, -90.0)); row <= grid.GetTileRow(north); ++row)
-        for (int col = grid.GetTileCol(std::max(west, -180.0), row); col <= grid.GetTileCol(std::min(east, 180.0), row);
-             ++col) {
-          GEOSGeometry* const piece = GEOSClipByRect_r(geos, polygon, grid.GetTileLon(col, row), grid.GetTileLat(row),
-                                                       grid.GetTileLon(col + 1, row), grid.GetTileLat(row + 1));
+        for (int col = grid.GetTileCol(std::max(west, -180.0), row);
+             col <= grid.GetTileCol(std::min(east, 180.0), row); ++col) {
+          GEOSGeometry* const piece =
+              GEOSClipByRect_r(geos, polygon, grid.GetTileLon(col, row), grid.GetTileLat(row),
+                               grid.GetTileLon(col + 1, row), grid.GetTileLat(row + 1));
           if (piece && !GEOSisEmpty_r(geos, piece))
             cut.push_back(piece);
           else if (piece)
@@ -138,7 +139,8 @@ void SelectK7(benchmark::State& state) {
   tiled.VisitPieces([](K7LineString& piece) { piece.Rank(); });
   for (auto _ : state) {
     K7IntArray kept(4096);
-    tiled.VisitPieces([&](const K7LineString& piece) { piece.Select(static_cast<double>(state.range(0)), kept); });
+    tiled.VisitPieces(
+        [&](const K7LineString& piece) { piece.Select(static_cast<double>(state.range(0)), kept); });
     benchmark::DoNotOptimize(kept.Count());
   }
   state.SetItemsProcessed(state.iterations() * TheLand().points);

@@ -110,12 +110,8 @@ int K7PolygonTileMngr::StoreCell(Job& job, int first, int count) {
   job.isInside = IsCornerInside(m_scratch->crossings, cut.row, cut.col);
   job.firstPiece = tile.PieceCount();
   job.firstBorder = tile.BorderCount();
-  const int known = tile.PolygonCount();
-  if (known == 0 || tile.Polygon(known - 1) != &job.polygon) {
-    auto* const feature = const_cast<K7PolyPolygon*>(&job.polygon);  // arrays of pointers know no const
-    if (err = AppendPtr(tile.m_polygons, feature); err != 0) return err;
-  }
-  err = AddPieces(job, first, count);
+  err = AddPolygon(job);
+  for (int i = first; i < first + count && err == 0; ++i) err = AddPiece(job, i);
   if (err == 0) err = JoinPieces(job);
   // Larger rings first; those that became part of others, or of nothing, go.
   K7PtrArray& pieces = tile.m_pieces;
@@ -140,10 +136,9 @@ void K7PolygonTileMngr::SetBounds(const K7ShapeTile& tile, K7PolyPtMngr& points)
                     m_grid->ColBorder(col, row));
 }
 
-int K7PolygonTileMngr::AddPieces(Job& job, int first, int count) {
-  for (int i = first; i < first + count; ++i)
-    if (const int err = AddPiece(job, i)) return err;
-  return 0;
+int K7PolygonTileMngr::AddPolygon(Job& job) {
+  auto* const feature = const_cast<K7PolyPolygon*>(&job.polygon);  // arrays of pointers know no const
+  return AppendPtr(job.tile->m_polygons, feature);
 }
 
 int K7PolygonTileMngr::AddPiece(Job& job, int number) {
@@ -340,10 +335,9 @@ int K7PolygonTileMngr::FillRow(Job& job, int at) {
       int err;
       job.tile = static_cast<K7PolygonTile*>(GetTile(row, col, true, &err));
       if (!job.tile) return err;
-      auto* const feature = const_cast<K7PolyPolygon*>(&job.polygon);
-      if (err = AppendPtr(job.tile->m_polygons, feature); err != 0) return err;
       SetBounds(*job.tile, job.points);
-      if (err = AddWholeTile(job); err != 0) return err;
+      if (err = AddPolygon(job); err == 0) err = AddWholeTile(job);
+      if (err != 0) return err;
     }
   }
   return 0;

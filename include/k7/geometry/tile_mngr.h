@@ -112,7 +112,7 @@ class K7_API K7PolygonTileMngr {
   void SetBounds(const K7ShapeTile& tile, K7PolyPtMngr& points) const;
   int CutRings(Job& job);
   int StoreCell(Job& job, int first, int count);
-  int AddPieces(Job& job, int first, int count);
+  static int AddPolygon(Job& job);
   int AddPiece(Job& job, int number);
   int AddBorderPt(Job& job, K7LineString& piece, int created, K7TileSide side, bool isEntry);
   int JoinPieces(Job& job);
