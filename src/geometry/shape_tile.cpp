@@ -65,10 +65,6 @@ int K7LineString::Prepend(K7LineString* other) {
   m_entry = other->m_entry;
   other->m_entry = nullptr;
   other->m_indexes.ClearNoFree();
-  if (other->m_bounds.south <= other->m_bounds.north) {
-    m_bounds.Include(other->m_bounds.north, other->m_bounds.east);
-    m_bounds.Include(other->m_bounds.south, other->m_bounds.west);
-  }
   return 0;
 }
 
