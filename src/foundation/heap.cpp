@@ -3,12 +3,17 @@
 #include <k7/foundation/error_string.h>
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 
 double K7HeapObj::HeapRank() const { return std::numeric_limits<double>::quiet_NaN(); }
 
 K7Heap::K7Heap(K7HeapType type, int d) : m_branching(d), m_type(type) {
+  if (d > 0 && std::has_single_bit(static_cast<unsigned>(d))) {
+    m_shift = std::countr_zero(static_cast<unsigned>(d));
+  }
   if (d < 1) {
     m_status = K7_ERR_BAD_ARGUMENT;
   } else if (!Grow()) {
@@ -24,6 +29,7 @@ int K7Heap::Insert(K7HeapObj* obj) {
   Delete(obj);
   if (m_count == m_capacity && !Grow()) return m_status = K7_ERR_MEMORY;
   const double rank = obj->HeapRank();
+  m_isRanked = (m_isRanked || m_count == 0) && !std::isnan(rank);
   SiftUp(m_count++, {obj, m_type == K7_HEAP_MIN ? rank : -rank});
   return 0;
 }
@@ -61,8 +67,19 @@ inline int K7Heap::ChildToFollow(int slot) const {
   if (first >= m_count) return -1;
   int best = static_cast<int>(first);
   const int64_t end = std::min<int64_t>(first + m_branching, m_count);
-  for (int child = best + 1; child < end; ++child)
-    if (Rises(m_slots[child], m_slots[best])) best = child;
+  if (!m_isRanked || m_branching == 2) {
+    for (int child = best + 1; child < end; ++child)
+      if (Rises(m_slots[child], m_slots[best])) best = child;
+    return best;
+  }
+  // Selections, not jumps: which of several children is the least no processor foresees. Of two it guesses
+  // well enough, and is ahead with the next level.
+  double least = m_slots[best].rank;
+  for (int child = best + 1; child < end; ++child) {
+    const double rank = m_slots[child].rank;
+    best = rank < least ? child : best;
+    least = rank < least ? rank : least;
+  }
   return best;
 }
 
@@ -75,7 +92,7 @@ inline void K7Heap::Put(int slot, const Slot& member) {
 int K7Heap::SiftUp(int slot, Slot member) {
   while (slot > 0) {
     // ceil(slot / d) - 1
-    const int parent = (slot - 1) / m_branching;
+    const int parent = m_shift < 0 ? (slot - 1) / m_branching : (slot - 1) >> m_shift;
     if (!Rises(member, m_slots[parent])) break;
     Put(slot, m_slots[parent]);
     slot = parent;

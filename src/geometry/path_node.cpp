@@ -9,6 +9,13 @@ namespace {
 
 constexpr int GROW_BY = 4;
 
+// A search waits for memory more than for anything else.
+inline void ReadAhead([[maybe_unused]] const void* at) {
+#if defined(__GNUC__)
+  __builtin_prefetch(at);
+#endif
+}
+
 }  // namespace
 
 K7PathNode::~K7PathNode() { delete[] m_adjacent; }
@@ -27,7 +34,6 @@ void K7PathNode::DiscardNode() {}
 bool K7PathNode::Precedes(const K7HeapObj& other) const {
   return *this < static_cast<const K7PathNode&>(other);
 }
-double K7PathNode::HeapRank() const { return ActualCost(); }
 
 int K7PathNode::AddAdj(K7PathNode* node) {
   // Counted also when the array could not be made: callers compare their own count with this one.
@@ -43,11 +49,15 @@ int K7PathNode::AddAdj(K7PathNode* node) {
   return 0;
 }
 
-void K7PathNode::Reset() {
-  m_parent = nullptr;
-  m_pathCost = UNREACHED;
-  m_heurCost = 0.0;
-  m_colocated = nullptr;
+// A way of equal cost replaces the one before and opens the node again: routes of equal cost prefer the later
+// find.
+inline void K7PathNode::Reach(K7PathNode& neighbour, K7Heap& open) {
+  const double cost = ArcCost(neighbour) + m_pathCost;
+  if (!(cost <= neighbour.m_pathCost)) return;
+  if (neighbour.m_pathCost >= UNREACHED) neighbour.m_heurCost = neighbour.Heuristic();
+  neighbour.m_pathCost = cost;
+  neighbour.m_parent = this;
+  open.Insert(&neighbour);
 }
 
 K7PathNode* K7PathNode::ShortestPath() {
@@ -67,6 +77,9 @@ K7PathNode* K7PathNode::ShortestPath() {
     K7PathNode& node = *static_cast<K7PathNode*>(top);
     if (node.Stop()) return &node;
     node.Expand();
+    if (const K7HeapObj* const next = open.Top()) {
+      ReadAhead(static_cast<const K7PathNode*>(next)->m_adjacent);
+    }
     for (int i = 0; i < node.m_adjCnt; i++) {
       if (isColocated) {
         node.ReachColocated(*node.Adjacent(i), open);
@@ -77,18 +90,6 @@ K7PathNode* K7PathNode::ShortestPath() {
     if (!open.IsValid() || !node.Show()) return nullptr;
   }
   return nullptr;
-}
-
-// A way of equal cost replaces the one before and opens the node again: routes of equal cost prefer the later
-// find.
-void K7PathNode::Reach(K7PathNode& neighbour, K7Heap& open) {
-  const double cost = ArcCost(neighbour) + m_pathCost;
-  if (!(cost <= neighbour.m_pathCost)) return;
-  open.Delete(&neighbour);
-  if (neighbour.m_pathCost >= UNREACHED) neighbour.m_heurCost = neighbour.Heuristic();
-  neighbour.m_pathCost = cost;
-  neighbour.m_parent = this;
-  open.Insert(&neighbour);
 }
 
 void K7PathNode::ReachColocated(K7PathNode& neighbour, K7Heap& open) {
@@ -131,7 +132,7 @@ bool K7PathNode::CheckColocated(K7Heap& open) {
 K7PathNode* K7PathNode::Nearest() {
   K7PathNode* nearest = this;
   const K7PathNode* const head = ColocHead();
-  for (K7PathNode* node = head ? head->m_colocated : nullptr; node; node = node->m_colocated) {
+  for (K7PathNode* node = (head ? head : this)->m_colocated; node; node = node->m_colocated) {
     if (node->ActualCost() < nearest->ActualCost()) nearest = node;
   }
   return nearest;

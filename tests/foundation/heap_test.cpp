@@ -39,7 +39,8 @@ TEST(K7Heap, AgreesWithASortedSet) {
           if (edit == 1) {
             ASSERT_EQ(heaps[h] -= &nodes[h][i], in);
           } else if (edit == 2) {
-            const K7HeapObj* const top = heaps[h].PopTop();
+            const K7HeapObj* const top = heaps[h].Top();
+            ASSERT_EQ(heaps[h].PopTop(), top);
             ASSERT_EQ(top != nullptr, !model.empty());
             if (!top) continue;
             if (h == 0) i = static_cast<size_t>(static_cast<const Node*>(top) - nodes[0].data());

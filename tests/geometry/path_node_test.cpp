@@ -71,11 +71,17 @@ TEST(PathNode, PathsAreTheCheapest) {
       for (Town& town : graph.towns) {
         town.Reset();
         town.goal = &graph.towns[goal];
+        town.expanded = 0;
       }
       const K7PathNode* const reached = graph.towns[0].ShortestPath();
       ASSERT_EQ(reached != nullptr, costs[goal] < FAR);
       if (!reached) continue;
       found++;
+      for (size_t i = 1; i < graph.towns.size(); i++) {
+        const Town& town = graph.towns[i];
+        ASSERT_LE(town.expanded, costs[i] + town.Heuristic() <= costs[goal] + 1e-12)
+            << "beyond the goal, or twice";
+      }
       EXPECT_EQ(reached, &graph.towns[goal]);
       EXPECT_NEAR(reached->PathCost(), costs[goal], 1e-12);
       double along = 0;
@@ -130,85 +136,111 @@ TEST(PathNode, HooksEndASearch) {
   for (int i = 0; i < 9; i++) EXPECT_EQ(c.Adjacent(i), i % 2 ? &a : &b);
 }
 
+TEST(PathNode, AnOrderOfItsOwnIsFollowed) {
+  struct Node : K7PathNode {
+    bool operator<(const K7PathNode& other) const override {
+      return favour > static_cast<const Node&>(other).favour;
+    }
+    int favour = 0;
+  };
+  Node start, ends[3];
+  for (Node& end : ends) start.AddAdj(&end);
+  ends[1].favour = 1;
+  EXPECT_EQ(start.ShortestPath(), &ends[1]);
+}
+
 // The cheapest way with a limited amount of fuel: ways to one place differ by cost and by fuel, and neither
 // alone decides.
 TEST(PathNode, ColocatedWaysCompareByMoreThanCost) {
-  struct Arc {
-    int to;
+  struct Place;
+  struct Leg {
+    Place* to;
     double cost, fuel;
   };
-  struct World {
-    std::vector<std::vector<Arc>> arcs;
-    std::vector<K7PathNode> heads;
-    double limit;
-    int goal, discarded = 0;
-    std::vector<std::unique_ptr<K7PathNode>> made;
+  struct Place {
+    std::vector<Leg> legs;
+    K7PathNode head;
+    std::vector<std::unique_ptr<K7PathNode>> ways;
   };
+  static double full;
+  static int discarded;
+  static const Place* goal;
   struct Way : K7PathNode {
-    Way(World& w, int p, double c, double f) : world(w), place(p), arcCost(c), fuel(f) {}
-    double ArcCost(const K7PathNode& other) const override {
-      const Way& way = static_cast<const Way&>(other);
-      return way.fuel > world.limit ? K7PathNode::UNREACHED : way.arcCost;
-    }
-    bool Stop() override { return place == world.goal; }
+    Way(Place& p, double c, double f) : place(p), legCost(c), fuel(f) {}
     void Expand() override {
-      for (const Arc& arc : world.arcs[place]) {
-        world.made.push_back(std::make_unique<Way>(world, arc.to, arc.cost, fuel + arc.fuel));
-        AddAdj(world.made.back().get());
+      EXPECT_FALSE(isDiscarded || isExpanded);
+      isExpanded = true;
+      for (const Leg& leg : place.legs) {
+        leg.to->ways.push_back(std::make_unique<Way>(*leg.to, leg.cost, fuel + leg.fuel));
+        AddAdj(leg.to->ways.back().get());
       }
     }
+    bool InitStartNode() override { return Expand(), true; }
+    double ArcCost(const K7PathNode& other) const override {
+      const Way& to = static_cast<const Way&>(other);
+      return to.fuel > full ? FAR : to.legCost;
+    }
+    bool Stop() override { return &place == goal; }
+    K7PathNode* ColocHead() const override { return &place.head; }
     bool BetterThan(const K7PathNode& other) const override {
       return PathCost() <= other.PathCost() && fuel <= static_cast<const Way&>(other).fuel;
     }
-    K7PathNode* ColocHead() const override { return &world.heads[place]; }
-    void DiscardNode() override { world.discarded++; }
-    World& world;
-    int place;
-    double arcCost, fuel;
+    void DiscardNode() override {
+      EXPECT_FALSE(isDiscarded || isExpanded);
+      isDiscarded = true;
+      discarded++;
+    }
+    Place& place;
+    double legCost, fuel;
+    bool isExpanded = false, isDiscarded = false;
   };
   std::mt19937 random(4);
   std::uniform_real_distribution<> unit(1, 6);
-  int solved = 0, discarded = 0;
+  int solved = 0;
+  discarded = 0;
   for (int round = 0; round < 300; round++) {
-    const int places = 7;
-    World world{std::vector<std::vector<Arc>>(places),
-                std::vector<K7PathNode>(places),
-                2.0 + round % 9,
-                places - 1,
-                0,
-                {}};
-    for (int a = 0; a < places; a++) {
-      for (int b = 0; b < places; b++) {
-        if (a != b && random() % 2)
-          world.arcs[a].push_back({b, std::floor(unit(random)), std::floor(unit(random))});
+    std::vector<Place> places(7);
+    full = 2.0 + round % 9;
+    goal = &places.back();
+    for (Place& a : places) {
+      for (Place& b : places) {
+        if (&a != &b && random() % 2)
+          a.legs.push_back({&b, std::floor(unit(random)), std::floor(unit(random))});
       }
     }
     // All ways without circles, by trying.
     double best = FAR;
-    std::vector<bool> used(places);
-    const auto walk = [&](auto& self, int at, double cost, double fuel) -> void {
-      if (fuel > world.limit) return;
-      if (at == world.goal) best = std::min(best, cost);
-      used[at] = true;
-      for (const Arc& arc : world.arcs[at]) {
-        if (!used[arc.to] && at != world.goal) self(self, arc.to, cost + arc.cost, fuel + arc.fuel);
+    std::vector<const Place*> used;
+    const auto walk = [&](auto& self, const Place& at, double cost, double fuel) -> void {
+      if (fuel > full) return;
+      if (&at == goal) best = std::min(best, cost);
+      used.push_back(&at);
+      for (const Leg& leg : at.legs) {
+        if (&at != goal && std::find(used.begin(), used.end(), leg.to) == used.end())
+          self(self, *leg.to, cost + leg.cost, fuel + leg.fuel);
       }
-      used[at] = false;
+      used.pop_back();
     };
-    walk(walk, 0, 0, 0);
-    Way start(world, 0, 0, 0);
-    start.Expand();  // the start's neighbours are taken as they are
-    for (int i = 0; i < start.AdjCnt(); i++) {
-      if (static_cast<Way*>(start.Adjacent(i))->fuel > world.limit)
-        static_cast<Way*>(start.Adjacent(i))->arcCost = FAR;
-    }
-    const K7PathNode* const reached = start.ShortestPath();
-    const bool isWay = reached && reached->PathCost() < FAR;
+    walk(walk, places[0], 0, 0);
+    Way start(places[0], 0, 0);
+    K7PathNode* const reached = start.ShortestPath();
+    const bool isWay = reached && reached->PathCost() < FAR;  // the start's neighbours are taken as they are
     ASSERT_EQ(isWay, best < FAR) << round;
     if (!isWay) continue;
     EXPECT_EQ(reached->PathCost(), best) << round;
+    EXPECT_EQ(reached->Nearest()->PathCost(), best);
+    if (reached->Parent() != &start) {
+      EXPECT_EQ(places.back().head.Nearest(), reached);
+    }
     solved++;
-    discarded += world.discarded;
+    // What is listed is what no other makes pointless.
+    for (const Place& place : places) {
+      for (const K7PathNode* a = place.head.Colocated(); a; a = a->Colocated()) {
+        EXPECT_FALSE(static_cast<const Way*>(a)->isDiscarded);
+        for (const K7PathNode* b = place.head.Colocated(); b; b = b->Colocated())
+          EXPECT_TRUE(a == b || !a->BetterThan(*b));
+      }
+    }
   }
   EXPECT_GT(solved, 100);
   EXPECT_GT(discarded, 500);

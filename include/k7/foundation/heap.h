@@ -53,6 +53,8 @@ class K7_API K7Heap {
   /// heap can still be taken out. An object that is already here finds its place anew.
   int Insert(K7HeapObj* obj);
   int operator+=(K7HeapObj* obj) { return Insert(obj); }
+  /// Answers the top member and leaves it there; null when the heap is empty.
+  K7HeapObj* Top() const { return m_count ? m_slots[0].obj : nullptr; }
   /// Takes out the top member and answers it; null when the heap is empty.
   K7HeapObj* PopTop();
   /// Takes out `obj`. Answers false when it is not in this heap.
@@ -79,4 +81,6 @@ class K7_API K7Heap {
   int32_t m_branching;
   K7HeapType m_type;
   int32_t m_status = 0;
+  int32_t m_shift = -1;    // divides by m_branching when that is a power of two; else negative
+  bool m_isRanked = true;  // every member has a rank
 };
