@@ -148,9 +148,15 @@ void VectorDistanceS2(benchmark::State& state) {
       [](const S2Point& p, const S2Point& q) { return S1Angle(p, q).radians() * K7_EARTH_RADIUS_NM; });
 }
 
-// Distance from one kept leg to kept vectors. K7 answers across and along track; S2 the distance alone, from
-// the leg's nearest point, as an angle and as the chord that it prefers for comparing.
+// Distance from one kept leg to kept vectors: from its circle, with the side, by K7; by S2 from the leg's
+// nearest point, as an angle, and as the chord that it prefers for comparing.
 void CrossTrackK7(benchmark::State& state) {
+  const K7GrtCirc leg(47.5, -122.3, 51.5, -0.1);
+  OverVectors<K7ECEF>(
+      state, [](double lat, double lon) { return K7ECEF(lat, lon); },
+      [&](const K7ECEF&, const K7ECEF& p) { return leg.CrossTrack(p); });
+}
+void CrossAndAlongTrackK7(benchmark::State& state) {
   const K7GrtCirc leg(47.5, -122.3, 51.5, -0.1);
   OverVectors<K7ECEF>(
       state, [](double lat, double lon) { return K7ECEF(lat, lon); },
@@ -166,6 +172,17 @@ void CrossTrackS2(benchmark::State& state) {
   OverVectors<S2Point>(
       state, [](double lat, double lon) { return S2LatLng::FromDegrees(lat, lon).ToPoint(); },
       [&](const S2Point&, const S2Point& p) { return S2::GetDistance(p, begin, end).radians(); });
+}
+void CrossTrackChordS2(benchmark::State& state) {
+  const S2Point begin = S2LatLng::FromDegrees(47.5, -122.3).ToPoint();
+  const S2Point end = S2LatLng::FromDegrees(51.5, -0.1).ToPoint();
+  OverVectors<S2Point>(
+      state, [](double lat, double lon) { return S2LatLng::FromDegrees(lat, lon).ToPoint(); },
+      [&](const S2Point&, const S2Point& p) {
+        S1ChordAngle chord = S1ChordAngle::Infinity();
+        S2::UpdateMinDistance(p, begin, end, &chord);
+        return chord.length2();
+      });
 }
 // The foot of the perpendicular on the leg, and both distances from it.
 void CrossAndAlongTrackS2(benchmark::State& state) {
@@ -195,6 +212,8 @@ BENCHMARK(VectorDistanceK7);
 BENCHMARK(VectorDistanceS2);
 BENCHMARK(CrossTrackK7);
 BENCHMARK(CrossTrackS2);
+BENCHMARK(CrossTrackChordS2);
+BENCHMARK(CrossAndAlongTrackK7);
 BENCHMARK(CrossAndAlongTrackS2);
 
 }  // namespace

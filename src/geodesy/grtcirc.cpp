@@ -97,3 +97,17 @@ void K7GrtCirc::OrthoDist(const K7ECEF& p, double& cross, double& along) const {
 void K7GrtCirc::OrthoDist(const K7LatLon& p, double& cross, double& along) const {
   OrthoDist(k7geo::UnitVector(p.Lat(), p.Lon()), cross, along);
 }
+
+// Beyond half of a quarter turn the sine hardly changes with the angle: there its cosine tells, |p x normal|.
+double K7GrtCirc::CrossTrack(const K7ECEF& p) const {
+  const double sine = m_normal.DotProduct(p);
+  if (sine == 0) return m_normal == K7ECEF() ? K7_PI / 2 * K7_EARTH_RADIUS_NM : 0;
+  if (std::fabs(sine) < K7_SMALL_ANGLE_COS) return -std::asin(sine) * K7_EARTH_RADIUS_NM;
+  K7ECEF across;
+  across.CrossProduct(p, m_normal);
+  return -std::copysign(std::acos(across.Magnitude()), sine) * K7_EARTH_RADIUS_NM;
+}
+
+double K7GrtCirc::CrossTrack(const K7LatLon& p) const {
+  return CrossTrack(k7geo::UnitVector(p.Lat(), p.Lon()));
+}

@@ -79,6 +79,8 @@ TEST(Navigation, CrossAndAlongTrackAgreeWithFiftyDigits) {
     SCOPED_TRACE(testing::PrintToString(line));
     K7GrtCirc(line[0], line[1], line[2], line[3]).OrthoDist(K7LatLon(line[4], line[5]), cross, along);
     EXPECT_NEAR(cross, line[6], 1e-10);
+    EXPECT_NEAR(K7GrtCirc(line[0], line[1], line[2], line[3]).CrossTrack(K7LatLon(line[4], line[5])), line[6],
+                1e-10);
     EXPECT_NEAR(along, line[7], 1e-10);
   }
   // From a circle's poles, and from a leg without length, everything is a quarter turn away.
@@ -88,6 +90,45 @@ TEST(Navigation, CrossAndAlongTrackAgreeWithFiftyDigits) {
   EXPECT_EQ(along, quarter);
   K7GrtCirc(1, 2, 1, 2).OrthoDist(K7ECEF(30, 20), cross, along);
   EXPECT_EQ(cross, quarter);
+  EXPECT_EQ(K7GrtCirc(0, 0, 0, 10).CrossTrack(K7ECEF(0, 0, 1)), -quarter);
+  EXPECT_EQ(K7GrtCirc(1, 2, 1, 2).CrossTrack(K7ECEF(30, 20)), quarter);
+}
+
+// The stated digits, beside the same vectors in wider arithmetic; near the circle and near its poles too.
+TEST(Navigation, CrossTrackKeepsItsDigits) {
+  using Wide = long double;
+  struct Vector {
+    Wide x, y, z;
+    explicit Vector(const K7ECEF& p) : Vector(p.X(), p.Y(), p.Z()) {}
+    Vector(Wide a, Wide b, Wide c) : x(a), y(b), z(c) {
+      const Wide length = std::sqrt(x * x + y * y + z * z);
+      x /= length, y /= length, z /= length;
+    }
+  };
+  const auto dot = [](const Vector& a, const Vector& b) { return a.x * b.x + a.y * b.y + a.z * b.z; };
+  Positions positions;
+  for (int i = 0; i < 30000; ++i) {
+    const K7ECEF from = positions.Next(), to = positions.Next();
+    const double sine = std::sin(from.Angle(to));
+    const Vector a(from), b(to);
+    const Vector normal(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x);
+    K7ECEF at = positions.Next();
+    if (i % 3 != 0) {
+      const double side = i % 3 == 1 ? positions.Uniform(-1e-3, 1e-3) : positions.Uniform(30, 1e6);
+      at =
+          K7ECEF(at.X() + side * static_cast<double>(normal.x), at.Y() + side * static_cast<double>(normal.y),
+                 at.Z() + side * static_cast<double>(normal.z));
+      at.Normalize();
+    }
+    const Vector p(at);
+    const Vector along(p.y * normal.z - p.z * normal.y, p.z * normal.x - p.x * normal.z,
+                       p.x * normal.y - p.y * normal.x);
+    const Wide cosine = p.x * (normal.y * along.z - normal.z * along.y) +
+                        p.y * (normal.z * along.x - normal.x * along.z) +
+                        p.z * (normal.x * along.y - normal.y * along.x);
+    const Wide exact = -std::atan2(dot(normal, p), cosine) * K7_EARTH_RADIUS_NM;
+    ASSERT_NEAR(K7GrtCirc(from, to).CrossTrack(at), static_cast<double>(exact), 5e-12 / sine);
+  }
 }
 
 TEST(Navigation, CoursesStayInRangeAndIdenticalPositionsHaveNone) {

@@ -10,6 +10,7 @@
 ///
 ///     K7GrtCirc leg(from, to);
 ///     leg.OrthoDist(here, cross, along);
+///     if (std::fabs(leg.CrossTrack(beacon)) < 5) ...
 class K7_API K7GrtCirc {
  public:
   /// Makes a segment whose numbers are all zero.
@@ -41,6 +42,12 @@ class K7_API K7GrtCirc {
   /// begin.
   void OrthoDist(const K7ECEF& p, double& cross, double& along) const;
   void OrthoDist(const K7LatLon& p, double& cross, double& along) const;
+  /// Answers `cross` alone, four times as fast: minus the latitude that `p` has when the normal is the pole.
+  /// Within 5e-12 NM, or 10 nanometres, of the exact distance from the circle; that divided by the sine of
+  /// the leg's arc, because the rounding of its ends turns a short leg's circle. A segment without a circle,
+  /// whose ends are equal, is a quarter turn away from everything, as for `OrthoDist`.
+  double CrossTrack(const K7ECEF& p) const;
+  double CrossTrack(const K7LatLon& p) const;
   /// @}
 
  private:
