@@ -27,7 +27,10 @@ int32_t Minus(int32_t a, int32_t b) {
 }
 
 // Down, and up only beyond a half: an exact half goes down.
-double RoundHalfDown(double v) { return v - std::floor(v) > 0.5 ? std::ceil(v) : std::floor(v); }
+double RoundHalfDown(double v) {
+  const double down = std::floor(v);
+  return down + (v - down > 0.5);
+}
 
 // Whether v lies outside the closed range of two ends, in either order.
 bool IsBeyond(int32_t end1, int32_t end2, double v) { return (end1 - v) * (end2 - v) > 0; }
@@ -121,9 +124,9 @@ bool K7DevLine::Intersect(const K7DevLine& other, K7DevPt* out) const {
   if (out) out->Init(x, y);
   // Rounded otherwise than the point, on purpose: callers depend on which of two neighbours owns a half.
   x = RoundHalfDown(x);
+  if (IsBeyond(x1, x2, x) || IsBeyond(other.x1, other.x2, x)) return false;
   y = RoundHalfDown(y);
-  return !IsBeyond(x1, x2, x) && !IsBeyond(y1, y2, y) && !IsBeyond(other.x1, other.x2, x) &&
-         !IsBeyond(other.y1, other.y2, y);
+  return !IsBeyond(y1, y2, y) && !IsBeyond(other.y1, other.y2, y);
 }
 
 namespace {
@@ -202,15 +205,11 @@ K7DevPolygon::K7DevPolygon(const K7DevPolygon* other) : K7DevPolygon() { Init(ot
 K7DevPolygon::K7DevPolygon(const K7DevPt* points, int count) : K7DevPolygon() { Init(points, count); }
 
 void K7DevPolygon::Init(const K7DevPolygon* other) {
-  for (int i = 0, count = other ? other->Count() : 0; i < count; i++) {
-    if (AddPoint(other->GetPoint(i)) != 0) return;
-  }
+  if (other) Init(other->GetPoint(0), other->Count());
 }
 
 void K7DevPolygon::Init(const K7DevPt* points, int count) {
-  for (int i = 0; points && i < count; i++) {
-    if (AddPoint(points + i) != 0) return;
-  }
+  if (points && count > 0) Insert(points, -1, count);
 }
 
 int K7DevPolygon::AddPoint(const K7DevPt* point) {
@@ -226,16 +225,19 @@ K7DevPt* K7DevPolygon::GetPoint(int index) const {
 bool K7DevPolygon::PointIn(const K7DevPt& p) const {
   if (Count() < 3) return false;
   bool inside = false;
-  const K7DevPt* prev = GetPoint(Count() - 1);
-  for (int i = 0; i < Count(); prev = GetPoint(i++)) {
-    const K7DevPt* const cur = GetPoint(i);
-    if ((prev->y < p.y) != (cur->y < p.y)) {
+  const K7DevPt* const points = GetPoint(0);
+  const K7DevPt* prev = points + Count() - 1;
+  bool wasAbove = prev->y < p.y;
+  for (const K7DevPt *cur = points, *const end = points + Count(); cur < end; prev = cur++) {
+    const bool isAbove = cur->y < p.y;
+    if (isAbove != wasAbove) {
+      wasAbove = isAbove;
       if (cur->x > p.x && prev->x > p.x) continue;
       const double fraction = static_cast<double>(Minus(p.y, cur->y)) * Minus(prev->x, cur->x);
       const double x = fraction / Minus(prev->y, cur->y) + cur->x;
       if (p.x == x) return true;
       if (p.x > x) inside = !inside;
-    } else if (prev->y == p.y && cur->y == p.y) {
+    } else if (cur->y == p.y && prev->y == p.y) {
       const auto [low, high] = std::minmax(prev->x, cur->x);
       if (low <= p.x && p.x <= high) return true;
     }
