@@ -198,5 +198,9 @@ TEST(K7MagVar, KeepsOneModelForTheProcess) {
   EXPECT_TRUE(model->Position(nullptr, 48, -123, 0, 0));
   K7MagVar::SetFilename(nullptr);
   EXPECT_FALSE(K7MagVar::GetMagVar()->Position(nullptr, 48, -123, 0, 0));
+  K7MagVar::SetFilename(MODEL);
+  EXPECT_TRUE(K7MagVar::GetMagVar()->Position(nullptr, 48, -123, 0, 0));
+  K7MagVar::DeleteMagVar();
+  EXPECT_FALSE(K7MagVar::GetMagVar()->Position(nullptr, 48, -123, 0, 0)) << "neither model nor name is left";
   K7MagVar::DeleteMagVar();
 }

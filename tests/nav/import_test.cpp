@@ -40,8 +40,12 @@ class ListSink : public NavSink {
         segments.push_back(static_cast<K7AirwaySeg&>(rec));
         break;
       case K7NAV_CTRL_AIRSPACE:
+        areas.push_back(static_cast<K7NavArea&>(rec));
+        classes += static_cast<K7CtrlAirspace&>(rec).airspaceClass;
+        break;
       case K7NAV_SPECIAL_USE_AIRSPACE:
         areas.push_back(static_cast<K7NavArea&>(rec));
+        floors.push_back(static_cast<K7SUAirspace&>(rec).floor);
         break;
       case K7NAV_AIRSPACE_SEG:
         pieces.push_back(static_cast<K7AirspaceSeg&>(rec));
@@ -62,6 +66,8 @@ class ListSink : public NavSink {
   std::vector<K7AirwayHeader> headers;
   std::vector<K7AirwaySeg> segments;
   std::vector<K7NavArea> areas;
+  std::string classes;
+  std::vector<K7Alt> floors;
   std::vector<K7AirspaceSeg> pieces;
 };
 
@@ -166,6 +172,7 @@ TEST_F(NavImport, RunwaysFromTheirEnds) {
   EXPECT_EQ(airport.longestRunway, 73);
   const K7Runway& east = m_sink.runways[0];
   EXPECT_STREQ(east.ident, "09");
+  EXPECT_STREQ(east.airportIdent, "XEQU");
   EXPECT_EQ(east.length, 7304);
   EXPECT_EQ(east.width, 150);
   EXPECT_EQ(east.trueBrg, 900);
@@ -248,7 +255,9 @@ TEST_F(NavImport, LimitsOfAirspaces) {
     EXPECT_EQ(
         Import(ImportAirspaces, std::string("AC R\nAL ") + c.text + "\nV X=10:00:00 N 010:00:00 E\nDC 5\n"),
         "");
-  ASSERT_EQ(m_sink.areas.size(), std::size(cases));
+  ASSERT_EQ(m_sink.floors.size(), std::size(cases));
+  for (size_t i = 0; i < std::size(cases); ++i)
+    EXPECT_EQ(m_sink.floors[i].Word(), cases[i].limit.Word()) << cases[i].text;
   EXPECT_EQ(m_log.Count(), 0);
   for (const char* bad : {"", "FL", "12 parsecs", "-5", "FL-3", "1e3", "ASK"})
     Import(ImportAirspaces, std::string("AC R\nAL ") + bad + "\n");
@@ -317,7 +326,7 @@ TEST_F(NavImport, PiecesOfBoundariesJoin) {
   ASSERT_EQ(
       Import(
           ImportAirspaces,
-          "* ring\nAC C\nAN SHELF\nV X=48:00:00 N 122:00:00 W\nDA 10,350,90\nV D=-\nDA 5,90,350\n"
+          "* ring\nAC D\nAN SHELF\nV X=48:00:00 N 122:00:00 W\nDA 10,350,90\nV D=-\nDA 5,90,350\n"
           "AC R\nAN R6714 YAKIMA\nV X=48:00:00 N 122:00:00 W\nDB 48:10:00 N 122:00:00 W, 48:00:00 N "
           "121:45:03 W\n"
           "DP 48:00:00 N 122:00:00 W\nDP 48:10:00 N 122:00:00 W\n"
@@ -330,6 +339,8 @@ TEST_F(NavImport, PiecesOfBoundariesJoin) {
   for (const K7AirspaceSeg& piece : m_sink.pieces) vias += piece.via;
   // The direction turns back at each airspace.
   EXPECT_EQ(vias, "RGLGRGG");
+  EXPECT_EQ(m_sink.classes, "D");
+  EXPECT_EQ(m_sink.areas[0].type, K7CtrlAirspace::CONTROL_AREA);
   EXPECT_EQ(m_sink.areas[1].firstSeg, 4u);
   EXPECT_EQ(m_sink.areas[1].segCount, 3u);
   EXPECT_EQ(m_sink.areas[1].type, K7SUAirspace::RESTRICTED);
