@@ -78,9 +78,13 @@ TEST_F(DevGeometry, Rectangles) {
     both.Intersect(a, b);
     bounds.Union(a, b);
     wide.Include(p);
-    EXPECT_EQ(both.PointIn(p) && !both.IsNull(), a.PointIn(p) && b.PointIn(p) && !both.IsNull());
-    EXPECT_TRUE(!(a.PointIn(p) || b.PointIn(p)) || bounds.PointIn(p));
-    EXPECT_TRUE(bounds.PointIn(a.left, b.bottom) && wide.PointIn(p) && wide.PointIn(a.right, a.top));
+    if (p != K7DevPt()) {  // which null holds
+      EXPECT_EQ(both.PointIn(p), a.PointIn(p) && b.PointIn(p));
+    }
+    EXPECT_EQ(bounds, K7DevRect(std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+                                std::max(a.bottom, b.bottom)));
+    EXPECT_EQ(wide, K7DevRect(std::min(a.left, p.x), std::min(a.top, p.y), std::max(a.right, p.x),
+                              std::max(a.bottom, p.y)));
     K7DevRect moved = a;
     moved.Offset(p.x, p.y);
     EXPECT_EQ(moved, K7DevRect(a.left + p.x, a.top + p.y, a.right + p.x, a.bottom + p.y));
@@ -157,7 +161,10 @@ TEST_F(DevGeometry, LinesMeet) {
   K7DevPt at;
   EXPECT_TRUE(K7DevLine(0, 0, 1, 1).Intersect(K7DevLine(0, 1, 1, 0), &at));
   EXPECT_EQ(at, K7DevPt(1, 1));
-  EXPECT_FALSE(K7DevLine(1, 1, 3, 3).Intersect(K7DevLine(-1, 2, 0, 1), &at));
+  // So it is of x alone, crossing (0.5, 0), and of y alone, crossing (0, 0.5).
+  const K7DevLine steep(0, -1, 1, 1), flat(-1, 0, 1, 1);
+  EXPECT_TRUE(K7DevLine(-2, 0, 0, 0).Intersect(steep) && K7DevLine(0, -2, 0, 0).Intersect(flat));
+  EXPECT_FALSE(K7DevLine(1, 0, 3, 0).Intersect(steep) || K7DevLine(0, 1, 0, 3).Intersect(flat));
 }
 
 TEST_F(DevGeometry, LinesCrossBorders) {
@@ -218,7 +225,7 @@ TEST_F(DevGeometry, PolygonsHoldTheirPoints) {
     for (int y = -7; y <= 7; y++) {
       for (int x = -7; x <= 7; x++) {
         // Crossings to the right, in whole numbers; the library counts those to the left.
-        bool onBorder = false;
+        bool onBorder = false, isOwned = false;
         int crossings = 0;
         for (size_t k = 0; k < points.size(); k++) {
           const K7DevPt a = points[k], b = points[(k + 1) % points.size()];
@@ -226,9 +233,13 @@ TEST_F(DevGeometry, PolygonsHoldTheirPoints) {
           const bool within = x >= std::min(a.x, b.x) && x <= std::max(a.x, b.x) && y >= std::min(a.y, b.y) &&
                               y <= std::max(a.y, b.y);
           onBorder |= side == 0 && within;
+          isOwned |=
+              side == 0 && within && (a.y == b.y || y > std::min(a.y, b.y));  // an edge has no upper end
           crossings += (a.y > y) != (b.y > y) && (side > 0) == (b.y > a.y) && side != 0;
         }
-        if (!onBorder) {
+        if (isOwned) {
+          EXPECT_TRUE(ring.PointIn({x, y})) << x << "," << y;
+        } else if (!onBorder) {
           EXPECT_EQ(ring.PointIn({x, y}), crossings % 2 == 1) << x << "," << y;
         }
       }
@@ -283,4 +294,6 @@ TEST_F(DevGeometry, CirclesMeetRectangles) {
     EXPECT_EQ(K7DevCircle(c.centre, c.radius).Intersect({0, 0, 10, 8}), c.meet)
         << c.centre.x << " " << c.radius;
   }
+  EXPECT_FALSE(K7DevCircle({11, 4}, 0.5).Intersect({0, 0, 11, 8})) << "half of 11 is 5";
+  EXPECT_TRUE(K7DevCircle({50005, 50004}, 50000).Intersect({0, 0, 10, 8})) << "squares wrap at 32 bits";
 }
