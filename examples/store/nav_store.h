@@ -5,10 +5,12 @@
 #include <k7/projection/chart_rect.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
 class StoreFile;
+struct K7AirwaySeg;
 
 /// Store over a database that `NavWriter` made: one table a record type, a column for every field and member.
 ///
@@ -76,6 +78,10 @@ class NavStore : public K7NavData {
   K7NavQueryResult* AirwayQuery(const char* ident) override;
   K7NavQueryResult* AirwaySegments(const K7NavKey& header) override;
   K7NavQueryResult* FixAirways(const K7NavKey& fix) override;
+  /// Calls `visit` with every segment of all airways in the order of type and key, filled only as far as a
+  /// network of them needs: key, the ends' positions, direction, minimum and maximum altitudes. Some four
+  /// times as fast as `AllQuery`. False when the store is closed or the database fails.
+  bool VisitAirwayNetwork(const std::function<void(const K7AirwaySeg&)>& visit);
   K7NavQueryResult* FixHoldings(const K7NavKey& fix) override;
   K7NavQueryResult* FixCrossingAlts(const K7NavKey& fix) override;
   K7NavQueryResult* SegmentRestrictions(const K7NavKey& segment) override;

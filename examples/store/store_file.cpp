@@ -47,7 +47,8 @@ std::unique_ptr<StoreFile> StoreFile::Open(const char* path, int& code) {
   auto file = std::make_unique<StoreFile>();
   file->m_counts.fill(-1);
   code = K7_ERR_FILE_IO;
-  if (!file->m_database.Open(path, SQLITE_OPEN_READONLY)) return nullptr;
+  // A store is used by one thread at a time, and a lock a value takes longer than the value.
+  if (!file->m_database.Open(path, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX)) return nullptr;
   file->m_database.Run("PRAGMA cache_size=-32768; PRAGMA cell_size_check=ON; PRAGMA query_only=ON");
   // One transaction as long as the file is open: it never changes in place, and locking it for every record
   // takes longer than reading it.

@@ -88,6 +88,7 @@ void LookAtEverything(NavStore& store) {
     Look(store.AirspacesAt(K7NAV_FIR, K7LatLon(i + 1, i + 1)));
     store.OppositeRunway(K7NavKey(i, K7NAV_RUNWAY));
   }
+  store.VisitAirwayNetwork([](const K7AirwaySeg&) {});
   K7String text;
   store.GetSource(text);
   store.GetExtent();

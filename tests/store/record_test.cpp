@@ -7,6 +7,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "store/columns.h"
@@ -81,4 +82,15 @@ TEST(Store, EveryMemberOfEveryTypeComesBack) {
     }
     EXPECT_EQ(lost, LOST.contains(type) ? LOST.at(type) : 0);
   }
+  int segments = 0;
+  EXPECT_TRUE(store.VisitAirwayNetwork([&](const K7AirwaySeg& segment) {
+    const auto& whole = static_cast<const K7AirwaySeg&>(*store.GetRec(segment.key));
+    const auto filled = [](const K7AirwaySeg& s) {
+      return std::tuple(s.fromLat, s.fromLon, s.toLat, s.toLon, s.mea.Word(), s.meaOpposite.Word(),
+                        s.maa.Word(), s.direction);
+    };
+    EXPECT_EQ(filled(segment), filled(whole));
+    ++segments;
+  }));
+  EXPECT_EQ(segments, 4);
 }
