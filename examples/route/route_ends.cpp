@@ -1,0 +1,147 @@
+#include "route/route_ends.h"
+
+#include <k7/foundation/string.h>
+#include <k7/navdata/airport.h>
+#include <k7/navdata/navaid.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "store/nav_store.h"
+#include "store/spelling.h"
+#include "store/text_1252.h"
+
+namespace {
+
+constexpr struct {
+  K7NavType type;
+  const char* word;
+} KINDS[] = {{K7NAV_AIRPORT, "airport"},  {K7NAV_VOR, "VOR"},         {K7NAV_ENROUTE_NDB, "NDB"},
+             {K7NAV_TERMINAL_NDB, "NDB"}, {K7NAV_ENROUTE_FIX, "fix"}, {K7NAV_TERMINAL_FIX, "fix"}};
+
+// Of an identifier that more places have, a route to any is hardly meant.
+constexpr size_t MOST_PLACES = 1000;
+// A beacon beside its VOR is the same place to whoever flies there.
+constexpr double SAME_PLACE_NM = 1;
+
+template <class Record>
+const char* NameOf(const K7NavRec& rec) {
+  return static_cast<const Record&>(rec).name;
+}
+
+std::string NameOf(const K7NavRec& rec) {
+  const char* name = nullptr;
+  switch (rec.Type()) {
+    case K7NAV_AIRPORT:
+      name = NameOf<K7Airport>(rec);
+      break;
+    case K7NAV_VOR:
+      name = NameOf<K7VHFNavaid>(rec);
+      break;
+    case K7NAV_ENROUTE_NDB:
+    case K7NAV_TERMINAL_NDB:
+      name = NameOf<K7NDB>(rec);
+      break;
+    default:
+      name = NameOf<K7Waypoint>(rec);
+  }
+  return name ? Utf8Of1252(name) : std::string();
+}
+
+std::vector<RouteEnd> PlacesOf(NavStore& store, const std::string& ident) {
+  std::vector<RouteEnd> places;
+  for (const auto& [type, word] : KINDS) {
+    const std::unique_ptr<K7NavQueryResult> result(store.IdentQuery(type, Text1252(ident).c_str()));
+    while (const K7NavRec* const rec = result && places.size() < MOST_PLACES ? result->Next() : nullptr) {
+      const auto& fix = static_cast<const K7NavFix&>(*rec);
+      RouteEnd end;
+      end.ident = Utf8Of1252(std::string(fix.ident, strnlen(fix.ident, sizeof fix.ident)));
+      const std::string name = NameOf(fix);
+      end.what = word + (name.empty() || name == end.ident ? "" : " " + name);
+      end.key = fix.key;
+      end.place = {K7NavData::FixPt2DecDeg(fix.lat), K7NavData::FixPt2DecDeg(fix.lon)};
+      if (std::fabs(end.place.Lat()) <= 90 && std::fabs(end.place.Lon()) <= 180) places.push_back(end);
+    }
+  }
+  return places;
+}
+
+std::string NotThere(NavStore& store, const std::string& ident) {
+  std::vector<std::string> similar;
+  for (const auto& [type, word] : KINDS) {
+    static constexpr int ASKED = 2;
+    const std::unique_ptr<K7NavQueryResult> result(
+        store.SimilarIdentQuery(type, Text1252(ident).c_str(), ASKED));
+    while (const K7NavRec* const rec = result ? result->Next() : nullptr) {
+      const auto& fix = static_cast<const K7NavFix&>(*rec);
+      std::string found = Utf8Of1252(std::string(fix.ident, strnlen(fix.ident, sizeof fix.ident)));
+      if (std::find(similar.begin(), similar.end(), found) == similar.end()) similar.push_back(found);
+    }
+  }
+  std::string wanted = ident;
+  for (char& c : wanted) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  static constexpr int MOST_DIFFERENT = 3;
+  std::stable_sort(similar.begin(), similar.end(), [&](const std::string& a, const std::string& b) {
+    return SpellingDistance(wanted, a, MOST_DIFFERENT) < SpellingDistance(wanted, b, MOST_DIFFERENT);
+  });
+  std::string text = "there is no airport, navaid or fix '" + ident + "'";
+  for (const std::string& found : similar)
+    text += (&found == &similar[0] ? "; spelled like it are " : ", ") + found;
+  return text;
+}
+
+std::string PositionText(const K7LatLon& place) {
+  K7String lat, lon;
+  place.FormatLat("%H%02d %04.1M", lat);
+  place.FormatLon("%H%03d %04.1M", lon);
+  return std::string(lat) + " " + std::string(lon);
+}
+
+std::string Rounded(double nm) {
+  K7String text;
+  text.Format("%.0f NM", nm);
+  return std::string(text);
+}
+
+std::string NoteOn(const RouteEnd& chosen, const std::vector<RouteEnd>& places, const RouteEnd& other) {
+  const RouteEnd* next = nullptr;
+  size_t others = 0;
+  for (const RouteEnd& place : places) {
+    if (place.place.Distance(chosen.place) <= SAME_PLACE_NM) continue;
+    ++others;
+    if (!next || place.place.Distance(other.place) < next->place.Distance(other.place)) next = &place;
+  }
+  if (!next) return {};
+  return chosen.ident + " is also " +
+         (others > 1 ? std::to_string(others) + " other places" : "another place") +
+         ": taken is the one nearest to " + other.ident + ", " + chosen.what + " at " +
+         PositionText(chosen.place) + ", " + Rounded(chosen.place.Distance(other.place)) + "; the next is " +
+         next->what + " at " + PositionText(next->place) + ", " + Rounded(next->place.Distance(other.place));
+}
+
+}  // namespace
+
+std::string FindEnds(NavStore& store, const std::string& from, const std::string& to, RouteEnd& first,
+                     RouteEnd& second) {
+  const std::vector<RouteEnd> starts = PlacesOf(store, from), ends = PlacesOf(store, to);
+  if (starts.empty()) return NotThere(store, from);
+  if (ends.empty()) return NotThere(store, to);
+  double nearest = INFINITY;
+  for (const RouteEnd& start : starts)
+    for (const RouteEnd& end : ends) {
+      const double distance = start.place.Distance(end.place);
+      // The same place twice is no route.
+      if (distance >= nearest || start.key == end.key || start.place.InitCourse(end.place) < 0) continue;
+      nearest = distance;
+      first = start;
+      second = end;
+    }
+  if (!std::isfinite(nearest)) return from + " and " + to + " are the same place";
+  first.note = NoteOn(first, starts, second);
+  second.note = NoteOn(second, ends, first);
+  return {};
+}
