@@ -148,6 +148,22 @@ for set in LAND coarse/ne_110m_land; do
 done
 "$chart" "${small[@]}" --layer other.shp --output file.png && ! cmp -s named.png file.png || fail "other.shp is no land"
 
+# Routes: the table's legs are airways of the sample that are flown at the level (hundreds of feet), and add up.
+"$chart" route KSEA CYVR >route.txt && test -s route.png || fail "a route"
+for level in 0 200 90; do
+  [ $level = 0 ] || "$chart" route ksea cyvr --table --level ${level}00 --direct 40 >route.txt || fail "a route at $level"
+  awk -v level=$level '
+    FNR == NR { n = split($10, names, "-"); for (i = 1; i <= n; i++) { base[$1 $4 names[i]] = base[$4 $1 names[i]] = $8 + 0
+                top[$1 $4 names[i]] = top[$4 $1 names[i]] = $9 + 0 } next }
+    /^fix/ { rows = 1; next }
+    !rows { next }
+    { leg = before $1 $2; before = $1; total += $4; legs += NF > 1 }
+    NF > 1 && $2 != "direct" && (!(leg in base) || level && (base[leg] > level || top[leg] < level)) { bad = 1 }
+    NF > 1 && ($5 - total)^2 > (0.06 * legs)^2 { bad = 1 }
+    END { exit bad || before != "CYVR" || legs < 3 }' "$sample/navdata/awy.dat" route.txt ||
+    fail "the route at $level: $(cat route.txt)"
+done
+
 # Wrong words, files and values: one line that names the culprit, not zero, and no picture, whole or half.
 refuses() {  # what the line must hold, then arguments
   local expected=$1 said status
@@ -199,6 +215,13 @@ refuses "pick needs at least one pixel" pick
 refuses "not '3'" pick 3
 refuses "not '3,x'" pick 3,x
 refuses "not 'x,3'" pick x,3
+refuses "a route needs two identifiers" route KSEA
+refuses "unexpected argument 'KPAE'" route KSEA CYVR KPAE
+refuses "there is no airport, navaid or fix 'KSAE'; spelled like it are KPAE, KSEA" route KSAE CYVR
+refuses "no route from KSEA to CYVR: no airway lies within 0.0 NM of KSEA; the nearest passes SEA, 0.9 NM" route KSEA CYVR --direct 0
+refuses "no route from KSEA to CYVR: there is no airway flown at 70000 ft" route KSEA CYVR --level FL700
+refuses "not 'FL'" route KSEA CYVR --level FL
+refuses "not '-1'" route KSEA CYVR --direct=-1
 refuses "unexpected argument '-5'" draw -5
 refuses "unexpected argument ''" draw ""
 refuses "no verb ''" ""

@@ -60,7 +60,7 @@ ChartBox WholeSheet(const SheetOptions& sheet) {
 
 std::string DrawSheet(const LayerOptions& options, const DataScale& scale, const SheetOptions& sheet,
                       const LookOptions& look, int charts,
-                      const std::function<std::string(cairo_t*, Chart&)>& draw) {
+                      const std::function<std::string(cairo_t*, Chart&)>& draw, Layer* top) {
   ProgressLine progress;
   LayerStack stack;
   if (std::string problem = stack.Load(options, scale, look.graticule, progress); !problem.empty())
@@ -72,8 +72,10 @@ std::string DrawSheet(const LayerOptions& options, const DataScale& scale, const
   SetColor(page.Cairo(), look.theme[ThemeItem::Paper].fill);
   cairo_paint(page.Cairo());
   // In each chart every layer is drawn twice, areas and lines; then the picture is written.
-  progress.Expect(2 * charts * static_cast<int>(stack.Layers().size()) + 1);
-  Chart chart(stack.Layers(), look.theme, progress);
+  std::vector<Layer*> layers = stack.Layers();
+  if (top) layers.push_back(top);
+  progress.Expect(2 * charts * static_cast<int>(layers.size()) + 1);
+  Chart chart(std::move(layers), look.theme, progress);
   chart.UseLegend(look.legend);
   if (std::string problem = draw(page.Cairo(), chart); !problem.empty()) return problem;
   return page.Save(sheet.output, progress);

@@ -34,7 +34,7 @@ const DataScale& DataScaleOf(const ChartRequest& request);
 ChartBox WholeSheet(const SheetOptions& sheet);
 
 /// Loads the layers of a chart of that scale, has `draw` fill the sheet in `charts` charts, and writes it.
-/// Empty, or what went wrong.
+/// `top`, where there is one, lies over them. Empty, or what went wrong.
 std::string DrawSheet(const LayerOptions& options, const DataScale& scale, const SheetOptions& sheet,
                       const LookOptions& look, int charts,
-                      const std::function<std::string(cairo_t*, Chart&)>& draw);
+                      const std::function<std::string(cairo_t*, Chart&)>& draw, Layer* top = nullptr);

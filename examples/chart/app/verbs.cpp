@@ -4,6 +4,7 @@
 std::unique_ptr<Verb> MakeDraw();
 std::unique_ptr<Verb> MakeGallery();
 std::unique_ptr<Verb> MakePick();
+std::unique_ptr<Verb> MakeRoute();
 std::unique_ptr<Verb> MakeLayers();
 std::unique_ptr<Verb> MakeProjections();
 
@@ -14,6 +15,8 @@ constexpr VerbRow VERBS[] = {
     {"gallery", "[OPTION]...", "Draws all nine projections on one sheet.", MakeGallery},
     {"pick", "X,Y [OPTION]...", "Says what lies under pixels of a chart drawn with the same options.",
      MakePick},
+    {"route", "FROM TO [OPTION]...", "Finds a route over the airways, draws it and prints it as a table.",
+     MakeRoute},
     {"layers", "[OPTION]...", "Lists the layers and which of them the data folder has.", MakeLayers},
     {"projections", "", "Lists the projections with their parameters.", MakeProjections},
     HELP_VERB,

@@ -109,6 +109,12 @@ bool LabelPlan::OfferWithin(const PixelBox& part, const Label& label) {
   return true;
 }
 
+bool LabelPlan::IsNamed(const std::string& text, const PixelBox& place) const {
+  return std::any_of(m_named.begin(), m_named.end(), [&](const Named& named) {
+    return named.text == text && place.Holds({named.x, named.y, named.x, named.y});
+  });
+}
+
 void LabelPlan::DrawBox(const Theme& theme, const Label& label, double scale) const {
   const ThemeEntry& entry = theme[label.lettering.item];
   const PixelBox box = BoxOf(label);

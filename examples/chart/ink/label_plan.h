@@ -62,6 +62,9 @@ class LabelPlan {
   bool OfferWithin(const PixelBox& part, const Label& label);
   /// Keeps a place clear of labels, for a symbol.
   void Keep(const TurnedBox& box);
+  /// Says that what stands at a point has this text beside it: nobody else need write it there.
+  void SetNamed(const std::string& text, double x, double y) { m_named.push_back({text, x, y}); }
+  bool IsNamed(const std::string& text, const PixelBox& place) const;
   void AddTick(double x1, double y1, double x2, double y2) { m_ticks.push_back({x1, y1, x2, y2}); }
 
   /// A short line at the frame.
@@ -74,6 +77,10 @@ class LabelPlan {
   void Draw(const Theme& theme, double scale) const;
 
  private:
+  struct Named {
+    std::string text;
+    double x, y;
+  };
   struct CellRange {
     int left, top, right, bottom;
   };
@@ -89,5 +96,6 @@ class LabelPlan {
   std::vector<TurnedBox> m_taken;
   std::vector<std::vector<int>> m_cells;  // what is taken of each square of the sheet
   std::vector<Label> m_labels;
+  std::vector<Named> m_named;
   std::vector<Tick> m_ticks;
 };

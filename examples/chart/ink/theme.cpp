@@ -48,6 +48,7 @@ constexpr Row ROWS[] = {
     {"CompassRoses", STROKE | SCALES, {{}, {28, 84, 140, 153}, 0.8, {}, 0, 0.3}},
     {"Navaids", FILL | STROKE | SCALES, {{253, 252, 250, 255}, {28, 84, 140, 255}, 1.2, {}, 0, 3}},
     {"Airports", FILL | STROKE | SCALES, {{253, 252, 250, 255}, {98, 44, 122, 255}, 1.2}},
+    {"Route", FILL | STROKE, {{253, 252, 250, 230}, {196, 0, 122, 255}, 2.6}},
     {"Limb", STROKE, {{}, {89, 122, 148, 255}, 1.2}},
     {"Frame", STROKE, {{}, INK, 2.5}},
     {"Neatline", STROKE, {{}, INK, 1}},

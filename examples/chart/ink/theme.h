@@ -32,6 +32,7 @@ enum class ThemeItem {
   CompassRoses,
   Navaids,
   Airports,
+  Route,  ///< fill: around its line
   Limb,
   Frame,
   Neatline,  ///< the inner line of the frame

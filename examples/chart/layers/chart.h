@@ -17,6 +17,7 @@ struct ChartRequest {
   K7LatLon center{48.5, -123.5};
   double rangeNM = 0;  // from the centre to the nearer edge; 0: all that the projection can show
   ProjectionParams params;
+  std::string title{};  // in the margin, where there is one
 };
 
 /// Keeps its view from one drawing to the next and draws into any graphics context; layers and theme stay

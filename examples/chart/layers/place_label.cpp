@@ -45,6 +45,8 @@ Block Measure(const LabelPlan& plan, std::vector<Label>& lines) {
 bool OfferBeside(const LayerContext& context, const PixelBox& symbol, const std::vector<Label>& lines,
                  LabelPlan& plan) {
   std::vector<Label> placed = lines;
+  if (!lines.empty() && plan.IsNamed(lines[0].text, symbol)) placed.erase(placed.begin());
+  if (placed.empty()) return true;
   const Block block = Measure(plan, placed);
   const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
   for (const double gap : GAPS)

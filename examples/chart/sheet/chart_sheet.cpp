@@ -101,6 +101,8 @@ void DrawMargin(cairo_t* cairo, const Theme& theme, const ChartWindow& window, d
   const double top = window.height + size * MARGIN_TOP;
   plan.Offer({projection.Name(), 0, top, {.size = size * 1.25, .bold = true}});
   if (!view.IsTilted()) DrawScaleBar(cairo, theme, view, window.width, top, size, plan);
+  const Lettering title = {.size = size * 1.25, .align = Align::Centre, .bold = true};
+  if (!request.title.empty()) plan.Offer({request.title, window.width / 2.0, top, title});
   const std::string center = CenterText(view, request);
   const std::string data = DataText(chart, view);
   const Lettering small = {.size = size * 0.85};

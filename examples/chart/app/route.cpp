@@ -1,0 +1,121 @@
+// k7chart route: a way over the airways, as a table and on a chart about it.
+
+#include "app/chart_options.h"
+#include "app/drawing.h"
+#include "app_common/verb.h"
+#include "layers/route_frame.h"
+#include "layers/route_layer.h"
+#include "route/airway_graph.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace {
+
+constexpr double MOST_DIRECT_NM = 1000;
+constexpr int MOST_FEET = 100000;
+
+std::string SetDirect(const char* text, RouteRequest& request) {
+  if (ReadNumber(text, request.directNM) && request.directNM >= 0 && request.directNM <= MOST_DIRECT_NM)
+    return {};
+  return "a direct leg is 0 to 1000 nautical miles long, not " + Quoted(text);
+}
+
+std::string SetLevel(const char* text, RouteRequest& request) {
+  const std::string level = text;
+  const bool flight = level.size() > 2 && K7String::IComp(level.substr(0, 2).c_str(), "FL") == 0;
+  double feet = 0;
+  if (ReadNumber(text + (flight ? 2 : 0), feet) && feet >= 0 && feet * (flight ? 100 : 1) <= MOST_FEET) {
+    request.feet = static_cast<int>(std::lround(feet * (flight ? 100 : 1)));
+    return {};
+  }
+  return "a level is FL350 or 35000 feet, up to FL1000, not " + Quoted(text);
+}
+
+constexpr OptionRow<RouteRequest> ROUTE_OPTIONS[] = {
+    {"--direct", "NM",
+     "nautical miles that the direct leg to the airways may have, and that from them, 0 to 1000 (default 25)",
+     SetDirect},
+    {"--level", "LEVEL",
+     "a cruise level, as FL350 or 12000 feet: only airways that are flown at it are taken, by the minimum "
+     "and "
+     "maximum altitudes that the data have for each direction; where they have none, low airways end and "
+     "high "
+     "ones begin at FL180. Without it any airway is",
+     SetLevel},
+};
+
+struct TableOption {
+  bool only = false;
+};
+constexpr OptionRow<TableOption> TABLE_OPTIONS[] = {
+    {"--table", nullptr, "prints the table and draws no chart",
+     [](const char*, TableOption& table) {
+       table.only = true;
+       return std::string();
+     }},
+};
+
+class RouteVerb : public Verb {
+ public:
+  void AddOptions(OptionTable& table) override {
+    table.Add(ROUTE_OPTIONS, m_route);
+    table.Add(TABLE_OPTIONS, m_table);
+    AddProjectionOptions(table, m_request);
+    AddLayerOptions(table, m_layers);
+    AddDataOptions(table, m_layers);
+    AddLookOptions(table, m_look);
+    AddSheetOptions(table, m_sheet);
+  }
+
+  std::string TakeArgument(const std::string& argument) override {
+    if (argument.empty()) return "an identifier has letters";
+    std::string& end = m_route.from.empty() ? m_route.from : m_route.to;
+    if (!end.empty()) return Verb::TakeArgument(argument);
+    end = argument;
+    return {};
+  }
+
+  std::string Run() override {
+    if (m_route.to.empty()) return "a route needs two identifiers, as KSEA CYVR";
+    Route route;
+    if (std::string problem = Find(route); !problem.empty()) return problem;
+    std::fputs(RouteTable(route).c_str(), stdout);
+    return m_table.only ? std::string() : Draw(route);
+  }
+
+ private:
+  std::string Find(Route& route) const {
+    NavStore store;
+    if (std::string problem = WhyNoStore(m_layers.nav, store); !problem.empty()) return problem;
+    if (std::string problem = WhyNoMagneticModel(m_layers.magnetic); !problem.empty()) return problem;
+    AirwayGraph graph;
+    if (!graph.Read(store)) return "cannot read the airways of " + Quoted(m_layers.nav);
+    return FindRoute(store, graph, m_route, route);
+  }
+
+  std::string Draw(const Route& route) {
+    const ChartBox box = WholeSheet(m_sheet);
+    const ChartWindow window = WindowOf(box);
+    FrameRoute(route, window.width, window.height, m_request);
+    K7String miles;
+    miles.Format("   %.0f NM", route.distance);
+    m_request.title = route.fixes.front().ident + " \u2013 " + route.fixes.back().ident + std::string(miles);
+    RouteLayer layer(route);
+    return DrawSheet(
+        m_layers, DataScaleOf(m_request), m_sheet, m_look, 1,
+        [&](cairo_t* cairo, Chart& chart) { return DrawChart(cairo, box, m_request, m_look.theme, chart); },
+        &layer);
+  }
+
+  RouteRequest m_route;
+  TableOption m_table;
+  ChartRequest m_request;
+  LookOptions m_look;
+  LayerOptions m_layers;
+  SheetOptions m_sheet{.output = "route.png"};
+};
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeRoute() { return std::make_unique<RouteVerb>(); }
