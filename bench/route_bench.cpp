@@ -135,7 +135,7 @@ SearchRequest RequestOf(const Trip& trip) {
   Route route;
   FindRoute(store, graph, {trip.from, trip.to}, route);
   if (route.fixes.empty()) return {};
-  return {route.fixes.front().place, route.fixes.back().place, 20, {}};
+  return {route.fixes.front().place, route.fixes.back().place, RouteRequest().directNM, {}};
 }
 
 void SearchAlone(benchmark::State& state) {

@@ -29,9 +29,9 @@ bool LeadsThere(const K7AirwaySeg& segment, bool forth);
 
 /// Read once, searched as often as wanted, by several threads too.
 ///
-/// A node is a place: segments meet where their ends have the same position to the last bit (180 east and west
-/// is one, and so is each pole), whatever fix, airway or level they belong to. Segments without length, and
-/// such off the globe, are left out.
+/// A node is a place: segments meet where their ends have the same position to the last bit (180 east and
+/// west is one, and so is each pole), whatever fix, airway or level they belong to. Segments without length,
+/// and such off the globe, are left out.
 class AirwayGraph {
  public:
   struct Node {

@@ -51,9 +51,7 @@ class RouteMaker {
   const K7AirwaySeg* Segment(uint32_t segment) const {
     return static_cast<const K7AirwaySeg*>(m_store.GetRec(m_graph.SegmentKey(segment)));
   }
-  bool IsAt(uint32_t node, int32_t lat, int32_t lon) const {
-    return m_graph.Find(lat, lon) == node;
-  }
+  bool IsAt(uint32_t node, int32_t lat, int32_t lon) const { return m_graph.Find(lat, lon) == node; }
   RouteFix FixAt(uint32_t node) const;
   void PutOnAirways(RouteEnd& end) const;
   std::vector<Flown> FlownBetween(uint32_t from, uint32_t to) const;

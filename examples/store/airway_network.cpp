@@ -1,56 +1,74 @@
-// All airways at once: of their wide rows only what a network needs is taken, a value at a time.
-#include <k7/navdata/airway.h>
+#include "store/airway_network.h"
 
-#include <algorithm>
-#include <cmath>
+#include <cstring>
+#include <memory>
 
 #include "store/nav_store.h"
 #include "store/store_file.h"
 
 namespace {
 
-constexpr char COLUMNS[] =
-    "idx,from_lat,from_lon,to_lat,to_lon,mea_primary_alt,mea_primary_alt_flag,mea_opposite,mea_opposite_flag,"
-    "maa,maa_flag,direction";
+// As it lies in the file.
+struct Packed {
+  uint32_t idx;
+  int32_t fromLat, fromLon, toLat, toLon;
+  uint32_t mea, meaOpposite, maa;  // words of K7Alt
+  uint32_t direction;
+};
+static_assert(sizeof(Packed) == 36);
 
-int32_t FixedDegrees(const Query& row, int column) {
-  constexpr double UNITS = 1 << 23, LEAST = INT32_MIN, MOST = INT32_MAX;
-  return static_cast<int32_t>(
-      std::clamp(std::rint(sqlite3_column_double(row.Row(), column) * UNITS), LEAST, MOST));
-}
-
-K7Alt Altitude(const Query& row, int column) {
-  constexpr int64_t MOST = 0xFFFFFF, MOST_FLAGS = 0xFF;
-  const int64_t value = sqlite3_column_int64(row.Row(), column),
-                flags = sqlite3_column_int64(row.Row(), column + 1);
-  return K7Alt(static_cast<uint32_t>(std::clamp<int64_t>(value, 0, MOST)),
-               static_cast<uint32_t>(std::clamp<int64_t>(flags, 0, MOST_FLAGS)));
-}
-
-char Direction(const Query& row, int column) {
-  const unsigned char* const text = sqlite3_column_text(row.Row(), column);
-  return text && *text ? static_cast<char>(*text) : K7AirwaySeg::BOTH_WAYS;
-}
+K7Alt Altitude(uint32_t word) { return K7Alt(word & 0xFFFFFF, word >> 24); }
 
 }  // namespace
 
+void AppendToNetwork(const K7AirwaySeg& s, std::string& network) {
+  const Packed packed = {s.key.Idx(),
+                         s.fromLat,
+                         s.fromLon,
+                         s.toLat,
+                         s.toLon,
+                         s.mea.Word(),
+                         s.meaOpposite.Word(),
+                         s.maa.Word(),
+                         static_cast<unsigned char>(s.direction)};
+  network.append(reinterpret_cast<const char*>(&packed), sizeof packed);
+}
+
+bool TakeFromNetwork(std::string_view& network, K7AirwaySeg& s) {
+  Packed packed;
+  if (network.size() < sizeof packed) return false;
+  std::memcpy(&packed, network.data(), sizeof packed);
+  network.remove_prefix(sizeof packed);
+  s.key = K7NavKey(packed.idx, s.Type());
+  s.fromLat = packed.fromLat;
+  s.fromLon = packed.fromLon;
+  s.toLat = packed.toLat;
+  s.toLon = packed.toLon;
+  s.mea = Altitude(packed.mea);
+  s.meaOpposite = Altitude(packed.meaOpposite);
+  s.maa = Altitude(packed.maa);
+  s.direction = static_cast<char>(packed.direction);
+  return true;
+}
+
 bool NavStore::VisitAirwayNetwork(const std::function<void(const K7AirwaySeg&)>& visit) {
   if (!m_file) return false;
-  K7AirwaySeg segment;
   for (const K7NavType type : AIRWAY_TYPES) {
-    const bool good = m_file->Scan(type, COLUMNS, [&](const Query& row) {
-      segment.key = K7NavKey(static_cast<uint32_t>(row.Integer(0)), type);
-      segment.fromLat = FixedDegrees(row, 1);
-      segment.fromLon = FixedDegrees(row, 2);
-      segment.toLat = FixedDegrees(row, 3);
-      segment.toLon = FixedDegrees(row, 4);
-      segment.mea = Altitude(row, 5);
-      segment.meaOpposite = Altitude(row, 7);
-      segment.maa = Altitude(row, 9);
-      segment.direction = Direction(row, 11);
-      visit(segment);
-    });
-    if (!good) return false;
+    if (!m_file->Has(type)) continue;
+    Query query(m_file->Connection().Prepare("SELECT segments FROM airway_network WHERE type=?"));
+    if (query.IsGood() && query.Bind(int64_t{type}).Next()) {
+      const void* const bytes = sqlite3_column_blob(query.Row(), 0);
+      const auto size = static_cast<size_t>(sqlite3_column_bytes(query.Row(), 0));
+      std::string_view network(static_cast<const char*>(bytes), bytes ? size : 0);
+      K7AirwaySeg segment;
+      segment.key = K7NavKey(0, type);
+      while (TakeFromNetwork(network, segment)) visit(segment);
+      continue;
+    }
+    // A database of before there was one.
+    const std::unique_ptr<K7NavQueryResult> all(AllQuery(type));
+    if (!all) return false;
+    while (const K7NavRec* const rec = all->Next()) visit(static_cast<const K7AirwaySeg&>(*rec));
   }
   return true;
 }

@@ -79,8 +79,9 @@ class NavStore : public K7NavData {
   K7NavQueryResult* AirwaySegments(const K7NavKey& header) override;
   K7NavQueryResult* FixAirways(const K7NavKey& fix) override;
   /// Calls `visit` with every segment of all airways in the order of type and key, filled only as far as a
-  /// network of them needs: key, the ends' positions, direction, minimum and maximum altitudes. Some four
-  /// times as fast as `AllQuery`. False when the store is closed or the database fails.
+  /// network of them needs: key, the ends' positions, direction, minimum and maximum altitudes. Many times
+  /// as fast as `AllQuery`, save in a database that an older writer made. False when the store is closed or
+  /// the database fails.
   bool VisitAirwayNetwork(const std::function<void(const K7AirwaySeg&)>& visit);
   K7NavQueryResult* FixHoldings(const K7NavKey& fix) override;
   K7NavQueryResult* FixCrossingAlts(const K7NavKey& fix) override;

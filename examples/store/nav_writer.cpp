@@ -1,9 +1,12 @@
 #include "store/nav_writer.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 
+#include "store/airway_network.h"
 #include "store/database.h"
 #include "store/place.h"
 #include "store/relations.h"
@@ -64,6 +67,7 @@ struct NavWriter::State {
   bool Begin();
   bool Write(const TypeTable& table, const K7NavRec& rec);
   bool AddPlaces(const TypeTable& table);
+  bool AddNetwork(const TypeTable& table, const std::string& network);
   bool AddIndexes(const TypeTable& table);
   bool AddFacts();
   bool IsInPlace();
@@ -111,12 +115,16 @@ bool NavWriter::State::AddPlaces(const TypeTable& table) {
     query.Next();
     return query.IsGood() || Fail(part + ": " + database.Message());
   };
+  const bool isAirway = std::ranges::find(AIRWAY_TYPES, table.type) != std::end(AIRWAY_TYPES);
+  std::string network;
   Arena arena;
   Query rows(select);
   while (rows.Next()) {
     arena.Clear();
     const int64_t id = rows.Integer(0);
-    const auto box = BoundsOf(table, *ReadRow(table, static_cast<uint32_t>(id), select, 1, arena));
+    const K7NavRec& rec = *ReadRow(table, static_cast<uint32_t>(id), select, 1, arena);
+    if (isAirway) AppendToNetwork(static_cast<const K7AirwaySeg&>(rec), network);
+    const auto box = BoundsOf(table, rec);
     if (!box) continue;
     extent.BoundingUnion(extent, box->Degrees());
     constexpr int32_t HALF_TURN = 180 * (1 << 23);
@@ -124,7 +132,19 @@ bool NavWriter::State::AddPlaces(const TypeTable& table) {
     if (box->east < box->west) first.east = HALF_TURN, second.west = -HALF_TURN;
     if (!add(id, first) || (box->east < box->west && !add(id + SECOND_HALF, second))) return false;
   }
-  return rows.IsGood() || Fail(part + ": " + database.Message());
+  if (!rows.IsGood()) return Fail(part + ": " + database.Message());
+  return !isAirway || AddNetwork(table, network);
+}
+
+bool NavWriter::State::AddNetwork(const TypeTable& table, const std::string& network) {
+  if (!Run("CREATE TABLE IF NOT EXISTS airway_network(type INTEGER PRIMARY KEY,segments BLOB)")) return false;
+  sqlite3_stmt* insert = database.Prepare("INSERT INTO airway_network VALUES(?,?)");
+  if (!insert) return Fail(part + ": " + database.Message());
+  Query query(insert);
+  query.Bind(int64_t{table.type});
+  const int bound = sqlite3_bind_blob64(insert, 2, network.data(), network.size(), SQLITE_STATIC);
+  query.Next();
+  return (bound == SQLITE_OK && query.IsGood()) || Fail(part + ": " + database.Message());
 }
 
 bool NavWriter::State::AddIndexes(const TypeTable& table) {

@@ -235,7 +235,8 @@ TEST_F(RouteTest, NearlyNoLengthAndOnePlaceWrittenTwiceEnd) {
   for (const auto& [lat, lon] : std::vector<std::pair<double, double>>{
            {90, 10}, {90, 130}, {90 - least, 10}, {90 - least, 10 + least}, {80, 180}, {80, -180}, {60, 1}})
     AddFix("P" + std::to_string(places.size()), lat, lon);
-  for (const auto& [from, to] : std::vector<std::pair<size_t, size_t>>{{0, 1}, {0, 2}, {1, 3}, {2, 3}, {3, 4}})
+  for (const auto& [from, to] :
+       std::vector<std::pair<size_t, size_t>>{{0, 1}, {0, 2}, {1, 3}, {2, 3}, {3, 4}})
     AddBothWays(from, to, "V1");
   AddBothWays(5, 0, "V2");
   AddFix("AWAY", -60, 1);
