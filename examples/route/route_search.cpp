@@ -36,6 +36,7 @@ class RouteNode : public K7PathNode {
     return std::max(Distance(static_cast<const RouteNode&>(other)), LEAST_COST);
   }
   double Heuristic() const override;
+  double HeapRank() const override { return ActualCost(); }
   bool Show() override;
 
  private:
