@@ -1,5 +1,5 @@
-// All airways of a type in one piece, beside their records: whoever looks for a way over them needs a little of
-// each, and reading seventy thousand wide rows takes far longer than the search.
+// All airways of a type in one piece, beside their records: whoever looks for a way over them needs a little
+// of each, and reading seventy thousand wide rows takes far longer than the search.
 #pragma once
 
 #include <k7/navdata/airway.h>

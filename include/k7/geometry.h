@@ -1,8 +1,9 @@
-// Geometry: shapes of whole pixels, cheapest paths, shapefile sets, features in tiles.
+// Geometry: shapes of whole pixels, cheapest paths, shapefile sets, features in tiles, triangles.
 #pragma once
 
 #include <k7/geometry/dev_geometry.h>
 #include <k7/geometry/path_node.h>
+#include <k7/geometry/poly_bifurcator.h>
 #include <k7/geometry/shape_tile.h>
 #include <k7/geometry/shp_dbf.h>
 #include <k7/geometry/shp_file.h>
