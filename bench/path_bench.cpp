@@ -1,8 +1,6 @@
-// Cheapest paths beside Boost's A*, over the same graphs with the same costs and estimates; ranking a line
-// beside GEOS's simplification for one tolerance.
+// Cheapest paths beside Boost's A*, over the same graphs with the same costs and estimates.
 
 #include <benchmark/benchmark.h>
-#include <k7/geodesy/cromley.h>
 #include <k7/geometry/path_node.h>
 
 #include <boost/graph/astar_search.hpp>

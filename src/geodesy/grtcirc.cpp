@@ -80,14 +80,10 @@ bool K7GrtCirc::Intersect(const K7GrtCirc& other, K7LatLon& at, double tolerance
   return true;
 }
 
-// The foot of the perpendicular is normal x (p x normal): `p` without its part along the normal, of length 1.
 // Both angles are taken as every distance is, by the cosine or by the sine, so that legs, routes and tiles
 // measure alike to the last bit.
 void K7GrtCirc::OrthoDist(const K7ECEF& p, double& cross, double& along) const {
-  K7ECEF pole;
-  pole.UnitNormal(p, m_normal);
-  K7ECEF foot;
-  foot.CrossProduct(m_normal, pole);
+  const K7ECEF foot = k7geo::Foot(p, m_normal);
   along = k7geo::Distance(m_begin, foot);
   if (m_tangent.DotProduct(foot) < 0) along = -along;
   cross = k7geo::Distance(p, foot);

@@ -36,6 +36,15 @@ inline double Angle(const K7ECEF& p, const K7ECEF& q) {
 
 inline double Distance(const K7ECEF& p, const K7ECEF& q) { return Angle(p, q) * K7_EARTH_RADIUS_NM; }
 
+/// The point of a great circle, given by its unit normal, that is nearest to `p`: normal x (p x normal), `p`
+/// without its part along the normal, of length 1.
+inline K7ECEF Foot(const K7ECEF& p, const K7ECEF& normal) {
+  K7ECEF pole, foot;
+  pole.UnitNormal(p, normal);
+  foot.CrossProduct(normal, pole);
+  return foot;
+}
+
 /// Two names of one position: 180 east and west, any two longitudes of a pole. Rounding would leave a course
 /// of noise between some of them.
 inline bool Identical(const K7ECEF& p, const K7ECEF& q) {

@@ -79,7 +79,7 @@ TEST_F(Cromley, RanksAsDefined) {
     RankAll(line, 0, last, ranks);
     K7CromleyNode tree;
     ASSERT_EQ(tree.Generate(0, last, line.data()), 0);
-    for (const double tolerance : {-1.0, 0.0, 1e-3, 1.0, 60.0}) {
+    for (const double tolerance : {-1.0, 0.0, 1e-3, 1.0, 60.0, ranks[line.size() / 2]}) {
       std::vector<int> expected;
       for (int k = 1; k < last; k++) {
         if (ranks[k] >= tolerance) expected.push_back(k);

@@ -50,6 +50,10 @@ class K7_API K7CromleyNode {
   const K7CromleyNode* Right() const { return m_right; }
 
  private:
+  class Ranking;
+
+  void DropChildren();
+
   int32_t m_index = -1;
   double m_distance = 0;
   K7CromleyNode* m_left = nullptr;
