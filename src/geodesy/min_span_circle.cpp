@@ -1,9 +1,13 @@
+#include "geodesy/sphere_hull.h"
+
 #include <k7/foundation/error_string.h>
+#include <k7/geodesy/constants.h>
 #include <k7/geodesy/cromley.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <new>
 
@@ -11,6 +15,9 @@ namespace {
 
 K7ECEF Sum(const K7ECEF& a, const K7ECEF& b) { return {a.X() + b.X(), a.Y() + b.Y(), a.Z() + b.Z()}; }
 K7ECEF Difference(const K7ECEF& a, const K7ECEF& b) { return {a.X() - b.X(), a.Y() - b.Y(), a.Z() - b.Z()}; }
+
+// But for rounding.
+constexpr double HEMISPHERE = K7_PI / 2 * K7_EARTH_RADIUS_NM * (1 - 1e-9);
 
 // A circle as the plane that cuts it from the sphere: the points p with p . axis >= cosine are inside.
 struct Cap {
@@ -66,6 +73,22 @@ class Points {
   bool IsValid() const { return m_order != nullptr; }
   int Count() const { return m_count; }
   const K7ECEF& operator[](int i) const { return m_order.get()[i]; }
+  const K7ECEF* Data() const { return m_order.get(); }
+  double Radius(const K7ECEF& centre) const {
+    double radius = 0;
+    for (int i = 0; i < m_count; i++) radius = std::max(radius, centre.Distance(m_order.get()[i]));
+    return radius;
+  }
+  // Whether all are unit vectors; coordinates too small for exact products become 0.
+  bool ReadyForHull() {
+    for (int i = 0; i < m_count; i++) {
+      K7ECEF& p = m_order.get()[i];
+      if (!(std::fabs(p.DotProduct(p) - 1) < 1e-9)) return false;
+      const auto near0 = [](double v) { return std::fabs(v) < 1e-60 ? 0 : v; };
+      p = K7ECEF(near0(p.X()), near0(p.Y()), near0(p.Z()));
+    }
+    return true;
+  }
   void ToFront(int i) { std::rotate(m_order.get(), m_order.get() + i, m_order.get() + i + 1); }
 
  private:
@@ -73,24 +96,48 @@ class Points {
   std::unique_ptr<K7ECEF[]> m_order;
 };
 
-// The smallest circle of the first `count` points with two given ones on its rim.
-Cap WithRim(const Points& points, int count, const K7ECEF& a, const K7ECEF& b) {
-  Cap cap = Around(a, b);
-  for (int i = 0; i < count; i++) {
-    if (cap.Holds(points[i])) continue;
-    // A point that is one of the two but for rounding spans no plane with them.
-    if (const Cap wider = Around(a, b, points[i]); wider.cosine <= 1) cap = wider;
-  }
-  return cap;
-}
+// Welzl's way, which counts its tests: ten a point are expected, and without end when no hemisphere holds the
+// points.
+class Smallest {
+ public:
+  Smallest(Points& points, int64_t tests) : m_points(points), m_tests(tests) {}
 
-Cap WithRim(const Points& points, int count, const K7ECEF& a) {
-  Cap cap = Around(a);
-  for (int i = 0; i < count; i++) {
-    if (!cap.Holds(points[i])) cap = WithRim(points, i, a, points[i]);
+  // False when the tests did not do.
+  bool Find(Cap& cap) {
+    cap = Around(m_points[0]);
+    m_tests -= m_points.Count();
+    for (int i = 1; i < m_points.Count() && m_tests >= 0; i++) {
+      if (cap.Holds(m_points[i])) continue;
+      cap = WithRim(i, m_points[i]);
+      m_points.ToFront(i);
+    }
+    return m_tests >= 0;
   }
-  return cap;
-}
+
+ private:
+  // The smallest circle of the first `count` points with two given ones on its rim; with one.
+  Cap WithRim(int count, const K7ECEF& a, const K7ECEF& b) {
+    Cap cap = Around(a, b);
+    m_tests -= count;
+    for (int i = 0; i < count; i++) {
+      if (cap.Holds(m_points[i])) continue;
+      // A point that is one of the two but for rounding spans no plane with them.
+      if (const Cap wider = Around(a, b, m_points[i]); wider.cosine <= 1) cap = wider;
+    }
+    return cap;
+  }
+  Cap WithRim(int count, const K7ECEF& a) {
+    Cap cap = Around(a);
+    m_tests -= count;
+    for (int i = 0; i < count && m_tests >= 0; i++) {
+      if (!cap.Holds(m_points[i])) cap = WithRim(i, a, m_points[i]);
+    }
+    return cap;
+  }
+
+  Points& m_points;
+  int64_t m_tests;
+};
 
 }  // namespace
 
@@ -98,14 +145,27 @@ int GenMinSpanCircle(K7Array& points, K7ECEF& centre, double& radius) {
   if (points.Count() < 1) return 0;
   Points order(points);
   if (!order.IsValid()) return K7_ERR_MEMORY;
-  Cap cap = Around(order[0]);
-  for (int i = 1; i < order.Count(); i++) {
-    if (cap.Holds(order[i])) continue;
-    cap = WithRim(order, i, order[i]);
-    order.ToFront(i);
+  Cap cap;
+  const bool isFound = Smallest(order, int64_t{64} * order.Count() + 1000).Find(cap);
+  double least = order.Radius(cap.axis);
+  if (!(isFound && least < HEMISPHERE) && order.ReadyForHull()) {
+    // Around the earth's centre the smallest ball cuts no circle. What the points leave free of the sphere
+    // then does: the largest circle without any of them, its other side.
+    K7ECEF normal;
+    const int faces = k7geo::NearestFace(order.Data(), order.Count(), normal);
+    if (faces < 0) return faces;
+    normal *= -1;
+    const double free = faces ? order.Radius(normal) : least;
+    if (free < HEMISPHERE && !isFound) {
+      Smallest(order, std::numeric_limits<int64_t>::max()).Find(cap);
+      least = order.Radius(cap.axis);
+    }
+    if (free < least) {
+      cap.axis = normal;
+      least = free;
+    }
   }
   centre = cap.axis;
-  radius = 0;
-  for (int i = 0; i < order.Count(); i++) radius = std::max(radius, centre.Distance(order[i]));
+  radius = least;
   return 0;
 }

@@ -148,19 +148,33 @@ TEST_F(Cromley, SmallestCircles) {
               K7ECEF(10, 170).Distance(K7ECEF(20, -170)) / 2, 1e-9);
   EXPECT_NEAR(circle({K7ECEF(90, 0), K7ECEF(-90, 0)}, centre), K7_PI / 2 * K7_EARTH_RADIUS_NM, 1e-6);
 
-  // Within a hemisphere, against the best of the circles on all pairs and triples that hold every point.
-  for (int i = 0; i < 400; i++) {
+  // Against the best of the circles on all pairs and triples: within a cap of any size, over the whole world,
+  // on a lattice (the corners of a cube and its sides' middles among them, antipodes, places again), on
+  // parallels.
+  for (int i = 0; i < 600; i++) {
     Line points;
     const K7ECEF around(Uniform(-90, 90), Uniform(-180, 180));
     const double size = std::pow(10, Uniform(-3, 3.7));
-    for (int k = 0; k < 3 + i % 10; k++) points.emplace_back(around, Uniform(0, 360), Uniform(0, size));
+    const int kind = i % 4;
+    for (int k = 0; k < 3 + i % 17; k++) {
+      if (kind == 0) points.emplace_back(around, Uniform(0, 360), Uniform(0, size));
+      if (kind == 1) points.emplace_back(std::asin(Uniform(-1, 1)) * K7_RAD_TO_DEG, Uniform(-180, 180));
+      if (kind == 2) {
+        const auto step = [&] { return static_cast<double>(m_random() % 3) - 1; };
+        points.emplace_back(step(), step(), step());
+        if (!points.back().Normalize()) points.pop_back();
+      }
+      if (kind == 3) points.emplace_back(i % 8 < 4 ? 30 - 60.0 * (k % 2) : k == 0 ? -90.0 : 30.0, 20.0 * k);
+    }
     if (i % 5 == 0) points.push_back(points[0]);
     double best = 1e9;
     const auto offer = [&](K7ECEF c) {
       if (!c.Normalize()) return;
-      double radius = 0;
-      for (const K7ECEF& p : points) radius = std::max(radius, c.Distance(p));
-      best = std::min(best, radius);
+      for (int side = 0; side < 2; side++, c *= -1) {
+        double radius = 0;
+        for (const K7ECEF& p : points) radius = std::max(radius, c.Distance(p));
+        best = std::min(best, radius);
+      }
     };
     for (const K7ECEF& a : points) {
       for (const K7ECEF& b : points) {
@@ -175,4 +189,16 @@ TEST_F(Cromley, SmallestCircles) {
     }
     EXPECT_NEAR(circle(points, centre), best, 1e-7 * std::max(1.0, best)) << i << " size " << size;
   }
+  // Many, whose largest gap is known: a lattice in degrees with a cap of 20 taken out; a parallel and the far
+  // pole.
+  Line lattice, ring = {K7ECEF(-90, 0)};
+  const K7ECEF gap(10, 40);
+  for (int k = 0; k < 64800; k++) {
+    lattice.emplace_back(k / 360 - 89.5, k % 360 - 179.5);
+    if (lattice.back().Distance(gap) < 1200) lattice.pop_back();
+    ring.emplace_back(30, k / 180.0);
+  }
+  for (int k = 0; k < 12; k++) lattice.emplace_back(gap, 30 * k, 1200);
+  EXPECT_NEAR(circle(lattice, centre), K7_PI * K7_EARTH_RADIUS_NM - 1200, 1e-6);
+  EXPECT_NEAR(circle(ring, centre), 120 * 60, 0.02);
 }

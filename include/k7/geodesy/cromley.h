@@ -61,9 +61,10 @@ class K7_API K7CromleyNode {
 };
 
 /// The smallest circle on the sphere around points, an array of K7ECEF: its centre and its radius in NM. 0;
-/// without points the outputs stay. K7_ERR_MEMORY.
+/// without points the outputs stay. Or K7_ERR_MEMORY, and they stay.
 ///
-/// Points that no hemisphere holds get a circle that holds them, not always the smallest. Others have the
-/// circle that the smallest ball around them cuts from the sphere (Welzl, "Smallest enclosing disks", 1991,
-/// in its form that moves to the front), in linear expected time.
+/// Points within a hemisphere have the circle that the smallest ball around them cuts from the sphere (Welzl,
+/// "Smallest enclosing disks", 1991, in its form that moves to the front), in linear expected time. For
+/// others it is what the largest circle without points leaves, the one about their convex hull's nearest
+/// face, in n log n expected. Where several circles are the smallest, it is one of them.
 K7_API int GenMinSpanCircle(K7Array& points, K7ECEF& centre, double& radius);
