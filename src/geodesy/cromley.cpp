@@ -24,12 +24,15 @@ class Departures {
     m_scale = std::fabs(m_axis.X()) + std::fabs(m_axis.Y()) + std::fabs(m_axis.Z());
   }
 
-  // As K7GrtCirc::OrthoDist measures it, to the last bit.
-  double Of(const K7ECEF& p) const {
-    if (m_isRing) return k7geo::Distance(*m_from, p);
+  // The chord's, or for a ring not used.
+  K7ECEF Normal() const {
     K7ECEF normal;
-    normal.UnitNormal(*m_from, *m_to);
-    return k7geo::Distance(p, k7geo::Foot(p, normal));
+    if (!m_isRing) normal.UnitNormal(*m_from, *m_to);
+    return normal;
+  }
+  // As K7GrtCirc::OrthoDist measures it, to the last bit.
+  double Of(const K7ECEF& p, const K7ECEF& normal) const {
+    return k7geo::Distance(p, m_isRing ? *m_from : k7geo::Foot(p, normal));
   }
 
   // A number that grows with the departure: the sine of the distance from the great circle, times the length
@@ -75,7 +78,9 @@ class Search {
   }
   void RaiseFloor(double rank) { m_floor = std::max(m_floor, rank - m_departures.Rounding()); }
   void Measure(int i) {
-    const double measured = m_departures.Of(m_points[i]);
+    if (!m_hasNormal) m_normal = m_departures.Normal();
+    m_hasNormal = true;
+    const double measured = m_departures.Of(m_points[i], m_normal);
     if (measured > m_distance || (measured == m_distance && i > m_index)) {
       m_distance = measured;
       m_index = i;
@@ -119,6 +124,8 @@ class Search {
   int m_count = 0;
   int m_index = -1;
   double m_distance = -1.0;
+  K7ECEF m_normal;
+  bool m_hasNormal = false;
   Near m_near[ROOM];
 };
 
@@ -263,7 +270,8 @@ class K7CromleyNode::Ranking {
   void Measure() {
     for (int i = 0; i < m_count; i++) {
       K7CromleyNode& node = *m_waiting[i].node;
-      node.m_distance = m_waiting[i].departures.Of(m_points[node.m_index]);
+      const Departures& departures = m_waiting[i].departures;
+      node.m_distance = departures.Of(m_points[node.m_index], departures.Normal());
     }
     m_count = 0;
   }
@@ -297,6 +305,7 @@ int K7CromleyNode::Generate(int first, int last, const K7ECEF* points) {
   // One node a point.
   auto* next = static_cast<K7CromleyNode*>(std::malloc(below * sizeof(K7CromleyNode)));
   if (!next) return K7_ERR_MEMORY;
+  (m_index > first + 1 ? m_left : m_right) = next;  // for DropChildren, from now on
 
   struct Span {
     K7CromleyNode* node;

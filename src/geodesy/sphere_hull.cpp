@@ -137,9 +137,10 @@ class Hull {
   int m_faceCount = 0;
   int m_room = 0;
   int m_free = NONE;               // faces to use again, by their first corner
-  std::unique_ptr<int[]> m_next;   // the next point that waits at the same face
-  std::unique_ptr<int[]> m_home;   // the face at which a point waits
-  std::unique_ptr<int[]> m_start;  // the new face whose edge on the rim starts at a point
+  std::unique_ptr<int[]> m_block;  // these three, a number a point:
+  int* m_next = nullptr;           // the next point that waits at the same face
+  int* m_home = nullptr;           // the face at which a point waits
+  int* m_start = nullptr;          // the new face whose edge on the rim starts at a point
 };
 
 // Far from one another, so that the first hull is no sliver.
@@ -257,11 +258,11 @@ bool Hull::Add(int point) {
 int Hull::Build() {
   int four[4];
   if (!FindFirstFour(four)) return 0;
-  const auto room = static_cast<size_t>(m_count);
-  m_next.reset(new (std::nothrow) int[room]);
-  m_home.reset(new (std::nothrow) int[room]);
-  m_start.reset(new (std::nothrow) int[room]);
-  if (!m_next || !m_home || !m_start || !Reserve(4)) return K7_ERR_MEMORY;
+  m_block.reset(new (std::nothrow) int[3 * static_cast<size_t>(m_count)]);
+  if (!m_block || !Reserve(4)) return K7_ERR_MEMORY;
+  m_next = m_block.get();
+  m_home = m_next + m_count;
+  m_start = m_home + m_count;
   const auto [a, b, c, d] = four;
   AddFace(a, b, c);
   AddFace(a, d, b);

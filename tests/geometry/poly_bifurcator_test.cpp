@@ -279,7 +279,8 @@ TEST_F(PolyBifurcator, CombsSpiralsAndRunsOnOneLine) {
 // Some of its holes lie outside the ring that they belong to.
 TEST_F(PolyBifurcator, LandKeepsItsArea) {
   K7ShpFile file;
-  ASSERT_EQ(file.Read(K7_SAMPLE_DATA "/ne_50m_land.shp", K7IO::Inst()), 0);
+  K7IOK7 io;
+  ASSERT_EQ(file.Read(K7_SAMPLE_DATA "/ne_50m_land.shp", &io), 0);
   for (int i = 0; i < file.StoredCount(); i++) {
     const K7ShpObj& shape = *file.GetRecord(i)->Obj();
     Rings rings;
