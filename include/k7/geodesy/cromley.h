@@ -34,7 +34,8 @@ class K7_API K7CromleyNode {
   /// tree.
   ///
   /// Points are looked at in groups by their bounds, so that long lines, spirals and stacks of equal points
-  /// cost n log n or little more.
+  /// cost n log n or little more; not so points that tie to the last bit span after span, as along the
+  /// equator.
   int Generate(int first, int last, const K7ECEF* points);
   /// Appends the indexes of all points of the tree whose departure is at least `tolerance` NM, in increasing
   /// order. The ends of the line are never among them. A point stands for itself: one below the tolerance
