@@ -1,13 +1,10 @@
-#include <k7/foundation/log.h>
-#include <k7/io/io_native.h>
+#include <k7/core.h>
 
+#include "support/disk_file.h"
 #include "support/mem_io.h"
-#include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
-#include <csignal>
 #include <ctime>
 
 namespace {
@@ -65,7 +62,6 @@ TEST(Log, LinesAreExact) {
 
 TEST(Log, FailuresAnswerFalse) {
   const TempDir temp;
-  const std::string path = temp / "log";
   MemIO io;
   io.room = 30;
   K7IOK7 native;
@@ -76,19 +72,12 @@ TEST(Log, FailuresAnswerFalse) {
     EXPECT_TRUE(K7Log::CreateLogFile(none, &native));
     EXPECT_FALSE(K7Log::LogMessage(K7_LOG_CRITICAL, "no file"));
   }
-  // Files may grow to a few bytes only: a disk that fills up in the middle of a line.
-  rlimit before;
-  getrlimit(RLIMIT_FSIZE, &before);
-  const rlimit limit{59, before.rlim_max};
-  std::signal(SIGXFSZ, SIG_IGN);
-  EXPECT_TRUE(K7Log::CreateLogFile(path.c_str(), &native));
-  setrlimit(RLIMIT_FSIZE, &limit);
+  const SmallDisk disk(59);
+  EXPECT_TRUE(K7Log::CreateLogFile((temp / "log").c_str(), &native));
   EXPECT_TRUE(K7Log::LogMessage(K7_LOG_INFO, "%s", "fits, 100%% and %%d"));
   for (int i = 0; i < 3; ++i)
     EXPECT_FALSE(K7Log::LogMessage(K7_LOG_INFO, "%s", "full to 100 %")) << i;  // by a byte
   K7Log::CloseLogFile();
-  setrlimit(RLIMIT_FSIZE, &before);
-  std::signal(SIGXFSZ, SIG_DFL);
 }
 
 }  // namespace

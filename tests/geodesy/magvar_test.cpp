@@ -1,4 +1,4 @@
-#include "support/temp_dir.h"
+#include "support/disk_file.h"
 
 #include <k7/geodesy/magvar.h>
 
@@ -24,12 +24,6 @@ struct Field {
 
 bool Compute(const MagVarWMM& model, double lat, double lon, double alt, double year, Field& o) {
   return model.ComputeField(lat, lon, alt, year, o.x, o.y, o.z, o.h, o.f, o.declination, o.inclination);
-}
-
-std::string Contents(const char* path) {
-  std::ostringstream text;
-  text << std::ifstream(path).rdbuf();
-  return text.str();
 }
 
 }  // namespace
@@ -85,10 +79,10 @@ TEST(MagVarWMM, PolesAndDatesBeyondTheModelAreFinite) {
 // What a thread keeps from one date or model serves no other.
 TEST(MagVarWMM, DatesModelsAndThreadsDoNotMix) {
   TempDir dir;
-  std::string halved = Contents(MODEL);
+  std::string halved = GetFile(MODEL);
   halved.replace(halved.find("-29351.8"), 8, "-14351.8");
   const std::string path = dir / "other.cof";
-  std::ofstream(path) << halved;
+  PutFile(path, halved);
   MagVarWMM model(MODEL);
   const MagVarWMM other(path.c_str());
   Field first, second, field;
@@ -131,24 +125,24 @@ TEST(MagVarWMM, ReadsWhatIsAModelOnly) {
                {"2025.0 WMM\n1 0 1e999 0 0 0\n", false},
                {"2025.0 WMM\n99999999999999999999 0 1 0 0 0\n1 0 -29351.8 0 12 0\n", false}};
   for (const auto& [text, isModel] : cases) {
-    std::ofstream(path, std::ios::binary) << text;
+    PutFile(path, text);
     MagVarWMM model(MODEL);
     EXPECT_EQ(model.ReadWMMTable(path.c_str()), isModel) << text;
     EXPECT_EQ(model.IsLoaded(), isModel) << "nothing is left of the model before";
     EXPECT_EQ(model.Position(48, -123, 0, 0, 77.0) == 77.0, !isModel) << text;
   }
-  std::ofstream(path) << std::string(256, ' ') << "2025.0 WMM\n" << record;
+  PutFile(path, std::string(256, ' ') + "2025.0 WMM\n" + record);
   EXPECT_FALSE(MagVarWMM(path.c_str()).IsLoaded()) << "a header behind the first 255 characters";
-  std::ofstream(path) << "2025.0 " << std::string(200, 'n') << "\n" << record;
+  PutFile(path, "2025.0 " + std::string(200, 'n') + "\n" + record);
   EXPECT_EQ(std::string(MagVarWMM(path.c_str()).ModelName()), std::string(127, 'n'));
   EXPECT_FALSE(MagVarWMM((dir / "missing").c_str()).IsLoaded());
   EXPECT_FALSE(MagVarWMM(dir.Path().c_str()).IsLoaded());
   EXPECT_FALSE(MagVarWMM(nullptr).IsLoaded());
 
   // Cut anywhere, the coefficients that are whole stay.
-  const std::string whole = Contents(MODEL);
+  const std::string whole = GetFile(MODEL);
   for (size_t size = 0; size < whole.size(); size += 37) {
-    std::ofstream(path, std::ios::binary) << whole.substr(0, size);
+    PutFile(path, whole.substr(0, size));
     const MagVarWMM model(path.c_str());
     EXPECT_EQ(model.IsLoaded(), size > whole.find("12.0 ") + 12) << size;
   }

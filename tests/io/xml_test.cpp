@@ -1,17 +1,12 @@
-#include <k7/foundation/error_string.h>
-#include <k7/foundation/log.h>
-#include <k7/io/io_native.h>
-#include <k7/io/xml_elem.h>
+#include <k7/core.h>
 
 #include "support/disk_file.h"
 #include "support/mem_io.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <csignal>
 #include <filesystem>
 #include <memory>
 #include <thread>
@@ -227,22 +222,6 @@ TEST(Xml, FilesCutAtEveryByteGiveACodeAndALogLine) {
             std::string::npos);
 }
 
-// A file whose `Read` answers `result` whatever was asked, with as much of `text` as that says.
-class AnsweringIO : public MemIO {
- public:
-  K7File* CreateFileX(const char* path, const char* mode) override {
-    struct File : MemFile {
-      using MemFile::MemFile;
-      int Read(void* buf, int n) override { return MemFile::Read(buf, std::min(result, n)), result; }
-      int result = 0;
-    };
-    auto* const file = new File(files.at(path), mode);
-    file->result = result;
-    return file;
-  }
-  int result = 0;
-};
-
 // Text may come with fewer bytes than the file has, as where line ends are translated.
 TEST(Xml, FilesAreWhatTheHostReadsOfThem) {
   AnsweringIO io;
@@ -362,19 +341,13 @@ TEST_F(XmlFile, ClosedFoldersAndProtectedFiles) {
   EXPECT_EQ(Names(), 1);
 }
 
-// Files may grow to a few bytes only: as full as a disk that fills up in the middle.
 TEST_F(XmlFile, FullDiskLeavesTheOldFile) {
   PutFile(m_dir / "o.xml", "old");
-  rlimit before{};
-  getrlimit(RLIMIT_FSIZE, &before);
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit limit{m_text.size() - 1, before.rlim_max};
-  const int limited = setrlimit(RLIMIT_FSIZE, &limit);
-  const int err = Write(m_dir / "o.xml");
-  setrlimit(RLIMIT_FSIZE, &before);
-  std::signal(SIGXFSZ, handler);
-  EXPECT_EQ(limited, 0);
-  EXPECT_EQ(err, K7_ERR_FILE_IO);
+  const auto write = [this] {
+    const SmallDisk disk(m_text.size() - 1);
+    return Write(m_dir / "o.xml");
+  };
+  EXPECT_EQ(write(), K7_ERR_FILE_IO);
   EXPECT_EQ(GetFile(m_dir / "o.xml"), "old");
   EXPECT_EQ(Names(), 1);
 }

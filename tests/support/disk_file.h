@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <unistd.h>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -19,6 +21,26 @@ inline std::string GetFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), {}};
 }
+
+/// Files of the process grow to so many bytes only: a disk that fills up in the middle of a text.
+class SmallDisk {
+ public:
+  explicit SmallDisk(rlim_t bytes) {
+    getrlimit(RLIMIT_FSIZE, &m_before);
+    const rlimit limit{bytes, m_before.rlim_max};
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+  }
+  ~SmallDisk() {
+    setrlimit(RLIMIT_FSIZE, &m_before);
+    std::signal(SIGXFSZ, m_handler);
+  }
+  SmallDisk(const SmallDisk&) = delete;
+  SmallDisk& operator=(const SmallDisk&) = delete;
+
+ private:
+  rlimit m_before{};
+  void (*const m_handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
 
 /// Root may read and write everything: for a while this process is somebody else, who may reach `dir`.
 class Nobody {

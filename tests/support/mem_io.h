@@ -115,6 +115,20 @@ class MemIO : public K7IO {
   }
 };
 
+/// Reading its files answers `result`, whatever was asked for, and brings as many bytes as that says.
+class AnsweringIO : public MemIO {
+ public:
+  K7File* CreateFileX(const char* path, const char* mode) override {
+    struct File : MemFile {
+      File(std::shared_ptr<Bytes> bytes, const char* mode, int n) : MemFile(bytes, mode), answer(n) {}
+      int Read(void* buf, int n) override { return MemFile::Read(buf, std::min(answer, n)), answer; }
+      const int answer;
+    };
+    return new File(Find(path, mode), mode, result);
+  }
+  int result = 0;
+};
+
 /// Installs a file system for the length of a scope and leaves the library without one.
 class ScopedIO {
  public:
