@@ -1,5 +1,4 @@
-#include <k7/foundation/error_string.h>
-#include <k7/foundation/heap.h>
+#include <k7/foundation.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,4 @@
-#include <k7/foundation/error_string.h>
-#include <k7/foundation/options.h>
+#include <k7/foundation.h>
 
 #include "support/leaks.h"
 #include "support/mem_io.h"

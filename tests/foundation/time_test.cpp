@@ -1,5 +1,4 @@
-#include <k7/foundation/time.h>
-#include <k7/foundation/validate.h>
+#include <k7/foundation.h>
 
 #include <gtest/gtest.h>
 

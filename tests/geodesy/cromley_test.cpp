@@ -1,7 +1,4 @@
-#include <k7/foundation/error_string.h>
-#include <k7/geodesy/constants.h>
-#include <k7/geodesy/cromley.h>
-#include <k7/geodesy/grtcirc.h>
+#include <k7/core.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
-#include <k7/foundation/error_string.h>
-#include <k7/geodesy.h>
+#include <k7/core.h>
 
 #include <cmath>
 #include <random>

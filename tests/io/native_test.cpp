@@ -25,14 +25,16 @@ std::unique_ptr<K7File> OpenFile(const std::string& path, const char* mode) {
 
 using Names = std::vector<std::string>;
 
-Names Texts(const K7StrArray& names) {
-  Names out;
-  for (int i = 0; i < names.Count(); ++i) out.emplace_back(names[i]);
-  return out;
-}
-
 class NativeIO : public testing::Test {
  protected:
+  template <class... Depth>
+  Names Found(void (K7IOK7::*find)(const char*, K7StrArray&, Depth...), const char* where, Depth... depth) {
+    K7StrArray names;
+    (io.*find)(where, names, depth...);
+    Names out;
+    for (int i = 0; i < names.Count(); ++i) out.emplace_back(names[i]);
+    return out;
+  }
   void TearDown() override { K7IO::Destroy(); }
   TempDir dir;
   K7IOK7 io;
@@ -145,17 +147,10 @@ TEST_F(NativeIO, PatternsMatchTheLastComponentWithoutRegardToCase) {
       {"**E*.?X?", {"beta.txt", "report.txt"}},
       {"PLAN[1]*", {"plan[1].dat"}},  // brackets stand for themselves
   };
-  for (const auto& [pattern, expected] : CASES) {
-    K7StrArray found;
-    io.FindFiles((dir / pattern).c_str(), found);
-    EXPECT_EQ(Texts(found), expected) << pattern;
-  }
-  K7StrArray dirs;
-  io.FindDirs((dir.Path() + "\\*").c_str(), dirs);
-  EXPECT_EQ(Texts(dirs), (Names{"Link.txt", "Sub.txt"}));
-  K7StrArray ofRoot;
-  io.FindFiles("/proc*", ofRoot);
-  EXPECT_EQ(Texts(ofRoot), Names{"proc"});
+  for (const auto& [pattern, expected] : CASES)
+    EXPECT_EQ(Found(&K7IOK7::FindFiles, (dir / pattern).c_str()), expected) << pattern;
+  EXPECT_EQ(Found(&K7IOK7::FindDirs, (dir.Path() + "\\*").c_str()), (Names{"Link.txt", "Sub.txt"}));
+  EXPECT_EQ(Found(&K7IOK7::FindFiles, "/proc*"), Names{"proc"});
 
   EXPECT_TRUE(io.DeleteFileX((dir.Path() + "\\beta.txt").c_str()));
   EXPECT_FALSE(io.DeleteFileX((dir / "beta.txt").c_str()));
@@ -175,9 +170,7 @@ TEST_F(NativeIO, DirectoriesAreListedInPreOrderElevenLevelsDeep) {
   fs::create_directory_symlink(elsewhere.Path(), elsewhere / "x/y/real");  // above where it lies
   fs::create_directory_symlink("d1/a", dir / "a_too");                     // a neighbour
 
-  K7StrArray out;
   const std::string top = dir.Path() + "\\";
-  io.FindDirsRecur(top.c_str(), out, 0);
   Names expected;
   for (std::string path : {"a_too/", "a_too/up/", "d1/", "d1/a/", "d1/a/up/", "d1/b/", "d1/b/back/",
                            "d1/b/y/", "d1/b/y/real/"}) {
@@ -186,12 +179,9 @@ TEST_F(NativeIO, DirectoriesAreListedInPreOrderElevenLevelsDeep) {
   }
   std::string path = top + "d1\\";
   for (int level = 2; level <= 11; ++level) expected.push_back(path += "d" + std::to_string(level) + "\\");
-  EXPECT_EQ(Texts(out), expected);
-
-  K7StrArray none;
-  io.FindDirsRecur(top.c_str(), none, 11);
-  io.FindDirsRecur(nullptr, none, 0);
-  EXPECT_EQ(none.Count(), 0);
+  EXPECT_EQ(Found(&K7IOK7::FindDirsRecur, top.c_str(), 0), expected);
+  EXPECT_EQ(Found(&K7IOK7::FindDirsRecur, top.c_str(), 11), Names());
+  EXPECT_EQ(Found(&K7IOK7::FindDirsRecur, nullptr, 0), Names());
 }
 
 // Relative paths end at the working folder: what leads to it or above it is not followed.
@@ -202,9 +192,8 @@ TEST_F(NativeIO, RelativeDirectoriesAreListed) {
   fs::create_directory_symlink(dir / "work/i", dir / "work/in/side/to_i");  // no part of "in"
   const fs::path before = fs::current_path();
   fs::current_path(dir / "work");
-  K7StrArray out;
-  io.FindDirsRecur("in/", out, 0);
-  EXPECT_EQ(Texts(out), (Names{"in/above\\", "in/side\\", "in/side\\to_i\\", "in/side\\to_i\\below\\"}));
+  EXPECT_EQ(Found(&K7IOK7::FindDirsRecur, "in/", 0),
+            (Names{"in/above\\", "in/side\\", "in/side\\to_i\\", "in/side\\to_i\\below\\"}));
   fs::current_path(before);
 }
 
