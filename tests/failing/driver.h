@@ -2,19 +2,14 @@
 #pragma once
 
 #include "failing/failing_files.h"
-#include "support/temp_dir.h"
+#include "support/disk_file.h"
 
 #include <k7/core.h>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <bit>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -71,10 +66,6 @@ inline K7IOK7& Native() {
   static K7IOK7 io;
   return io;
 }
-inline std::string Load(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 inline int Run(const Scenario& scenario, Digest& got) {
   namespace fs = std::filesystem;
@@ -86,7 +77,7 @@ inline int Run(const Scenario& scenario, Digest& got) {
   }
   for (const auto& [path, text] : scenario.files) {
     host.Put(path.c_str(), text);
-    if (scenario.onDisk) std::ofstream(OnDisk(path.c_str()), std::ios::binary) << text;
+    if (scenario.onDisk) PutFile(OnDisk(path.c_str()), text);
   }
   int err;
   {
@@ -98,7 +89,7 @@ inline int Run(const Scenario& scenario, Digest& got) {
   tzset();  // the C library gets back what it keeps of the zone
   if (err > 0 || !scenario.newEnd) return err;
   const auto& [path, old] = scenario.files.front();
-  const std::string now = scenario.onDisk ? Load(OnDisk(path.c_str())) : host.Text(path.c_str());
+  const std::string now = scenario.onDisk ? GetFile(OnDisk(path.c_str())) : host.Text(path.c_str());
   got.Add(now);
   if (scenario.onDisk && std::distance(fs::directory_iterator(Folder()), {}) != 1) return LITTERED;
   const bool isNew = now.ends_with(scenario.newEnd) && !(err && scenario.onDisk);

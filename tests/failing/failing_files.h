@@ -103,10 +103,6 @@ class FailingIO : public MemIO {
     const Quiet quiet;
     return !fails && MemIO::DeleteFileX(path);
   }
-  std::string Text(const char* path) const {
-    const Bytes bytes = Get(path);
-    return {bytes.begin(), bytes.end()};
-  }
 
  private:
   ScopedIO m_scope{this};
