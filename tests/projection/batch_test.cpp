@@ -1,6 +1,5 @@
 // The calls for many positions against the calls for one, which are held to other programs' figures.
-#include <k7/geodesy/constants.h>
-#include <k7/projection.h>
+#include <k7/core.h>
 
 #include <gtest/gtest.h>
 

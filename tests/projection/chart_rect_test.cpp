@@ -1,5 +1,4 @@
-#include <k7/foundation/error_string.h>
-#include <k7/projection/chart_rect.h>
+#include <k7/core.h>
 
 #include "support/mem_io.h"
 

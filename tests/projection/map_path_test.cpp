@@ -1,7 +1,5 @@
 // Paths against picking: a pixel is enclosed exactly when the position under it lies in the area, and every
 // point of a line lies on it, in each projection, about centres at the seam, the poles and between.
-#include <k7/geometry/shp_file.h>
-#include <k7/io/io.h>
 #include <k7/projection.h>
 
 #include <gtest/gtest.h>
@@ -239,62 +237,6 @@ TEST_P(DrawnMap, TheWholeMapIsWherePickingFindsOne) {
   EXPECT_LE(WrongPixels(drawn), GetParam().type == K7_PROJ_STEREOGRAPHIC ? 60 : 2);
 }
 
-class Land : public DrawnMap {
- protected:
-  static void SetUpTestSuite() {
-    K7ShpFile file;
-    file.KeepNullShapes(true);
-    ASSERT_EQ(file.Read(K7_SAMPLE_DATA "/ne_110m_land.shp", K7IO::Inst()), 0);
-    for (int i = 0; i < file.StoredCount(); ++i) {
-      const K7ShpObj& shape = *file.GetRecord(i)->Obj();
-      Ring points;
-      std::vector<int> sizes;
-      for (int k = 0; k < shape.GetPointCount(); ++k)
-        points.emplace_back(shape.Points()[k].y, shape.Points()[k].x);
-      for (int k = 0; k < shape.GetPolyCount(); ++k) sizes.push_back(shape.GetPolySize(k));
-      ASSERT_EQ(land.Add(K7_MAP_AREA, points.data(), sizes.data(), shape.GetPolyCount()), i);
-    }
-  }
-
-  static K7MapFeatures land;
-};
-K7MapFeatures Land::land;
-
-TEST_P(Land, IsLandAndSeaIsSea) {
-  K7MapPath path(*view);
-  for (int i = 0; i < land.Count(); ++i) path.Area(&recorder, land, i);
-  // Latitudes and longitudes of the middles of continents, and of oceans.
-  const std::vector<double> continents = {62, -110, 40, -100, -10, -55, 5,   20, 25,  5,   55, 40,
-                                          62, 100,  35, 95,   -25, 135, -80, 60, -85, 100, 75, -40};
-  const std::vector<double> oceans = {0,   -150, 0, 178, -40, -120, 30,   -40, -30, -15, -25, 80,  35,
-                                      170, 85,   0, 87,  179, -60,  -100, -60, 90,  45,  -40, -15, -110};
-  for (const auto& places : {continents, oceans})
-    for (size_t i = 0; i < places.size(); i += 2) {
-      const K7LatLon p(places[i], places[i + 1]);
-      double x, y;
-      if (!view->ToDevice(p.Lat(), p.Lon(), x, y) || Squeezed(x, y, p)) continue;
-      EXPECT_EQ(recorder.Encloses(x, y), places == continents) << p.Lat() << " " << p.Lon();
-    }
-}
-
-// A coast is drawn where the area's edge is, and not where the data were cut.
-TEST_P(Land, HasCoastsButNoSeams) {
-  K7MapPath path(*view);
-  for (int i = 0; i < land.Count(); ++i) path.Outline(&recorder, land, i);
-  const auto near = [&](double lat, double lon) {
-    double x, y;
-    const bool shows = view->ToDevice(lat, lon, x, y) && !Squeezed(x, y, {lat, lon});
-    return shows ? recorder.Distance(x, y) : NAN;
-  };
-  // Chukotka at 180, far from its shores at this scale, and the edge along the south pole.
-  if (GetParam().range > 0) {
-    EXPECT_FALSE(near(66.9, 180) < 2);
-  }
-  for (double lon = -170; lon < 180; lon += 40) EXPECT_FALSE(near(-89.5, lon) < 1) << lon;
-  const K7LatLon corner = land.Point(0, 0);
-  EXPECT_FALSE(near(corner.Lat(), corner.Lon()) > 0.5);
-}
-
 std::vector<Case> Cases() {
   std::vector<Case> cases;
   for (int type = K7_PROJ_LAMBERT; type <= K7_PROJ_GNOMONIC; ++type)
@@ -309,6 +251,5 @@ std::vector<Case> Cases() {
 }
 
 INSTANTIATE_TEST_SUITE_P(AllProjections, DrawnMap, testing::ValuesIn(Cases()));
-INSTANTIATE_TEST_SUITE_P(AllProjections, Land, testing::ValuesIn(Cases()));
 
 }  // namespace

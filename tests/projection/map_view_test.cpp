@@ -1,6 +1,5 @@
 // Views against brute force over their pixels and against distances on the sphere.
-#include <k7/foundation/error_string.h>
-#include <k7/projection.h>
+#include <k7/core.h>
 
 #include <gtest/gtest.h>
 
@@ -27,8 +26,7 @@ void ForAllProjections(double lat, double lon, double range, Check check) {
     for (const auto& [width, height] : {std::pair{401, 301}, {400, 300}, {301, 400}}) {
       SCOPED_TRACE(testing::Message() << "type " << type << " window " << width << "x" << height);
       const Owned projection = Make(type, lat, lon, range);
-      K7MapView view(projection.get(), width, height);
-      ASSERT_EQ(view.LookAt(lat, lon, range), 0);
+      Looking view(*projection, width, height, lat, lon, range);
       check(view);
     }
 }
@@ -39,8 +37,7 @@ TEST(MapView, TheWorldFitsTheWindow) {
        {K7_PROJ_ORTHOGRAPHIC, K7_PROJ_RECTANGULAR, K7_PROJ_MILLER, K7_PROJ_ALBERS, K7_PROJ_PERSPECTIVE})
     for (const auto& [width, height] : {std::pair{401, 101}, {400, 300}, {101, 400}}) {
       const Owned projection = Make(type, 10, 20, 0);
-      K7MapView view(projection.get(), width, height);
-      ASSERT_EQ(view.LookAt(10, 20, 0), 0);
+      Looking view(*projection, width, height, 10, 20, 0);
       PathRecorder recorder;
       K7MapPath(view).WholeMap(&recorder);
       EXPECT_EQ(recorder.Beyond(width, height), 0) << type;
@@ -84,8 +81,7 @@ TEST(MapView, APixelSpansItsMiles) {
     static const double HALF = 0.01;
     K7PerspectiveProjection eye(4);
     eye.ParamValue(0, feet);
-    K7MapView view(&eye, 400, 300);
-    ASSERT_EQ(view.LookAt(40, 20, 300), 0);
+    Looking view(eye, 400, 300, 40, 20, 300);
     double aLat = 0, aLon = 0, bLat = 0, bLon = 0;
     ASSERT_TRUE(view.FromDevice(200, 150 - HALF, aLat, aLon));
     ASSERT_TRUE(view.FromDevice(200, 150 + HALF, bLat, bLon));
@@ -164,8 +160,7 @@ TEST(MapView, TheExtentHoldsWhatIsSeenAndLittleMore) {
   for (K7Projection* cone : {lambert.get(), albers.get(), static_cast<K7Projection*>(&south)})
     for (const auto& [lat, lon] : {std::pair{48.0, 60.0}, {50.0, 85.0}, {-70.0, 89.9}, {86.0, -200.0}})
       for (const double range : {20.0, 700.0}) ExpectExtent(*cone, lat, lon, range);
-  K7MapView thin(lambert.get(), 1, 1761);
-  ASSERT_EQ(thin.LookAt(40, 0, 0), 0);
+  Looking thin(*lambert, 1, 1761, 40, 0, 0);
   EXPECT_EQ(thin.GetExtent(), K7ChartRect(90, -80, 180, -180));
 }
 
@@ -175,8 +170,7 @@ TEST(MapView, APoleBringsAllLongitudes) {
       for (const double range :
            {600, 302, 290}) {  // with the pole well within the edge, hardly, and hardly not
         const Owned projection = Make(type, side * 85, 30, 600);
-        K7MapView view(projection.get(), 200, 200);
-        ASSERT_EQ(view.LookAt(side * 85, 30, range), 0);
+        Looking view(*projection, 200, 200, side * 85, 30, range);
         const K7ChartRect extent = view.GetExtent();
         SCOPED_TRACE(testing::Message() << type << " " << side << " " << range);
         EXPECT_EQ((side > 0 ? extent.North() : -extent.South()) == 90, range > 300);
@@ -184,13 +178,11 @@ TEST(MapView, APoleBringsAllLongitudes) {
         EXPECT_NEAR(side > 0 ? extent.South() : -extent.North(), 85 - range / 60 * std::sqrt(2.0), 1.5);
       }
   const Owned globe = Make(K7_PROJ_ORTHOGRAPHIC, 40, 30, 0);
-  K7MapView round(globe.get(), 200, 200);
-  ASSERT_EQ(round.LookAt(40, 30, 0), 0);
+  Looking round(*globe, 200, 200, 40, 30, 0);
   EXPECT_EQ(round.GetExtent(), K7ChartRect(90, round.GetExtent().South(), 180, -180));
   EXPECT_NEAR(round.GetExtent().South(), -50, 1e-6);
   const Owned across = Make(K7_PROJ_MERCATOR, 0, 180, 600);
-  K7MapView view(across.get(), 200, 200);
-  ASSERT_EQ(view.LookAt(0, 180, 600), 0);
+  Looking view(*across, 200, 200, 0, 180, 600);
   EXPECT_NEAR(view.GetExtent().West(), 170, 0.2);
   EXPECT_NEAR(view.GetExtent().East(), -170, 0.2);
 }
@@ -217,8 +209,7 @@ TEST(MapView, ScaleAndNorthAreThoseOfThePixels) {
 
 TEST(MapView, ACylinderStretchesEastByTheSecant) {
   const Owned projection = Make(K7_PROJ_RECTANGULAR, 60, 10, 100);
-  K7MapView view(projection.get(), 300, 300);
-  ASSERT_EQ(view.LookAt(60, 10, 100), 0);
+  Looking view(*projection, 300, 300, 60, 10, 100);
   double north = 0, east = 0;
   ASSERT_TRUE(view.Scale(60, 10, north, east));
   EXPECT_NEAR(north / east, 2, 1e-6);
@@ -320,8 +311,7 @@ TEST(MapView, WhatGivesNoPictureIsRefusedAndShowsNothing) {
 // A cone has its point and its seam where its own meridian has them, wherever one looks.
 TEST(MapView, AConeIsCutAtItsOwnSeam) {
   const Owned projection(K7Projection::Create(K7_PROJ_LAMBERT, nullptr));  // about W90
-  K7MapView view(projection.get(), 400, 300);
-  ASSERT_EQ(view.LookAt(50, 60, 800), 0);
+  Looking view(*projection, 400, 300, 50, 60, 800);
   const K7LatLon across[] = {{50, 70}, {50, 80}, {50, 100}, {50, 110}};
   PathRecorder recorder;
   EXPECT_GT(K7MapPath(view).Line(&recorder, across, 4), 0);

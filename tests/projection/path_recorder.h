@@ -1,10 +1,22 @@
-// A graphics context that takes down the paths it is given, and knows what they enclose.
+// What maps are drawn with in tests: a view, and a graphics context that takes down the paths it is given,
+// and knows what they enclose.
 #pragma once
 
 #include <k7/projection/grfx.h>
+#include <k7/projection/map_view.h>
+
+#include <gtest/gtest.h>
 
 #include <cmath>
 #include <vector>
+
+/// A view that looks at a place.
+struct Looking : K7MapView {
+  Looking(K7Projection& projection, int width, int height, double lat, double lon, double range)
+      : K7MapView(&projection, width, height) {
+    EXPECT_EQ(LookAt(lat, lon, range), 0);
+  }
+};
 
 class PathRecorder : public K7GrfxK7 {
  public:

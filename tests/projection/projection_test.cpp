@@ -1,19 +1,18 @@
-#include <k7/projection.h>
+#include <k7/core.h>
 
-#include <k7/geodesy/constants.h>
-#include <k7/geodesy/latlon.h>
-
-#include "golden.h"
 #include "soft_grfx.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <fstream>
 #include <limits>
 #include <memory>
 #include <random>
+#include <sstream>
+#include <string>
 #include <vector>
 
 namespace {
@@ -22,6 +21,33 @@ constexpr int WIDTH = 1000;
 constexpr int HEIGHT = 600;
 
 using Projection = std::unique_ptr<K7Projection>;
+
+struct GoldenCase {
+  int kind = 0;  // K7ProjType
+  std::string name;
+  std::vector<double> parameters;
+  double tolerance = 0;
+  std::vector<std::array<double, 4>> rows;  // lat, lon and two coordinates
+};
+
+std::vector<GoldenCase> ReadGolden(const char* file) {
+  std::vector<GoldenCase> cases;
+  std::ifstream in(std::string(K7_TEST_DATA "/projection/") + file);
+  for (std::string line, word; std::getline(in, line);) {
+    std::istringstream fields(line);
+    if (line.starts_with("case ")) {
+      GoldenCase& next = cases.emplace_back();
+      fields >> word >> next.kind >> next.name;
+      for (double value; fields >> value;) next.parameters.push_back(value);
+      next.tolerance = next.parameters.back();
+      next.parameters.pop_back();
+    } else if (!line.empty() && line[0] != '#') {
+      auto& row = cases.back().rows.emplace_back();
+      for (double& value : row) fields >> value;
+    }
+  }
+  return cases;
+}
 
 Projection Make(int kind) { return Projection(K7Projection::Create(static_cast<K7ProjType>(kind), nullptr)); }
 

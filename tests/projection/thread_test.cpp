@@ -14,8 +14,7 @@ namespace {
 
 TEST(Threads, DrawAndPickThroughOneView) {
   const std::unique_ptr<K7Projection> projection(K7Projection::Create(K7_PROJ_ORTHOGRAPHIC, nullptr));
-  K7MapView view(projection.get(), 300, 200);
-  ASSERT_EQ(view.LookAt(40, 10, 3000), 0);
+  Looking view(*projection, 300, 200, 40, 10, 3000);
   K7MapFeatures features;
   for (const int n : {5, 60, 300}) {
     K7LatLon ring[300];
