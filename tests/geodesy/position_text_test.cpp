@@ -13,17 +13,13 @@
 
 namespace {
 
-std::string Lat(double lat, const char* fmt) {
+template <auto FORMAT>
+std::string Formatted(double degrees, const char* fmt) {
   K7String out("refused");
-  K7LatLon(lat, 0).FormatLat(fmt, out);
+  (K7LatLon(degrees, degrees).*FORMAT)(fmt, out);
   return static_cast<const char*>(out);
 }
-
-std::string Lon(double lon, const char* fmt) {
-  K7String out("refused");
-  K7LatLon(0, lon).FormatLon(fmt, out);
-  return static_cast<const char*>(out);
-}
+constexpr auto Lat = Formatted<&K7LatLon::FormatLat>, Lon = Formatted<&K7LatLon::FormatLon>;
 
 // The text between the outer quotes of a line, with \xNN as bytes.
 std::string Quoted(const std::string& line) {

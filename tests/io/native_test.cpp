@@ -80,9 +80,8 @@ TEST_F(NativeIO, StreamsReadSeekAndSwap) {
 TEST_F(NativeIO, LinesKeepCarriageReturnsAndPercentSigns) {
   const std::string path = dir / "lines.txt";
   const auto file = OpenFile(path, "wb");
-  EXPECT_TRUE(file->WriteLine("100%% sure\r\n"));
-  EXPECT_TRUE(file->WriteLine("%s and %d%n stay\n"));
-  EXPECT_TRUE(file->WriteLine("%%%"));
+  for (const char* const text : {"100%% sure\r\n", "%s and %d%n stay\n", "%%%"})
+    EXPECT_TRUE(file->WriteLine(text));
   EXPECT_EQ(GetFile(path), "");
   file->Flush();
   EXPECT_EQ(GetFile(path), "100% sure\r\n%s and %d%n stay\n%%");

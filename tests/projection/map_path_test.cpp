@@ -24,6 +24,7 @@ struct Case {
 };
 
 using Ring = std::vector<K7LatLon>;
+constexpr int BOX_SIZE = 9;
 
 class DrawnMap : public testing::TestWithParam<Case> {
  protected:
@@ -61,17 +62,13 @@ class DrawnMap : public testing::TestWithParam<Case> {
     return wrong;
   }
 
+  // Rings of boxes, one behind the other.
   template <class Inside>
-  void ExpectFilled(const std::vector<Ring>& rings, Inside inside) {
-    Ring points;
-    std::vector<int> sizes;
-    for (const Ring& ring : rings) {
-      points.insert(points.end(), ring.begin(), ring.end());
-      sizes.push_back(static_cast<int>(ring.size()));
-    }
+  void ExpectFilled(const Ring& points, Inside inside) {
+    static const int SIZES[] = {BOX_SIZE, BOX_SIZE};
     recorder.Clear();
-    const int count =
-        K7MapPath(*view).Area(&recorder, points.data(), sizes.data(), static_cast<int>(sizes.size()));
+    const int rings = static_cast<int>(points.size()) / BOX_SIZE;
+    const int count = K7MapPath(*view).Area(&recorder, points.data(), SIZES, rings);
     EXPECT_EQ(count, recorder.PointCount());
     EXPECT_LE(recorder.Beyond(WIDTH, HEIGHT), 64.001);
     for (const PathRecorder::Piece& piece : recorder.pieces) EXPECT_TRUE(piece.closed);
@@ -126,15 +123,17 @@ TEST_P(DrawnMap, AreasFillWhatPickingFindsInThem) {
   // along it.
   for (const auto& [south, north, west, east] :
        {std::array{20, 70, -170, -60}, {-50, 65, 120, 180}, {-50, 65, -180, -150}, {-90, -62, -180, 180}})
-    ExpectFilled({Box(south, north, west, east)}, box(south, north, west, east));
+    ExpectFilled(Box(south, north, west, east), box(south, north, west, east));
   // With a hole, which may hold all that shows; and with one ring or both the other way around.
-  Ring outer = Box(-80, 89, -179, 179), hole = Box(-40, 88, -175, 175);
+  Ring rings = Box(-80, 89, -179, 179);
+  const Ring hole = Box(-40, 88, -175, 175);
+  rings.insert(rings.end(), hole.begin(), hole.end());
   const auto frame = [&](double lat, double lon) {
     return box(-80, 89, -179, 179)(lat, lon) && !box(-40, 88, -175, 175)(lat, lon);
   };
-  for (Ring* turned : {&hole, &outer, &hole}) {
-    std::reverse(turned->begin(), turned->end());
-    ExpectFilled({outer, hole}, frame);
+  for (const int turned : {BOX_SIZE, 0, BOX_SIZE}) {
+    std::reverse(rings.begin() + turned, rings.begin() + turned + BOX_SIZE);
+    ExpectFilled(rings, frame);
   }
 }
 
@@ -143,7 +142,7 @@ TEST_P(DrawnMap, AreasFillWhatPickingFindsInThem) {
 TEST_P(DrawnMap, AnEdgeThroughTheCentreIsAnEdge) {
   const double south = std::min(GetParam().lat, 78.0);
   const double lon = std::remainder(GetParam().lon, 360);
-  ExpectFilled({Box(south, south + 12, lon - 10, lon + 10)}, [&](double pLat, double pLon) {
+  ExpectFilled(Box(south, south + 12, lon - 10, lon + 10), [&](double pLat, double pLon) {
     return pLat > south && pLat < south + 12 && std::fabs(std::remainder(pLon - lon, 360)) < 10;
   });
   double x, y;

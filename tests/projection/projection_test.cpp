@@ -70,6 +70,12 @@ void Show(const K7Projection& projection, SoftGrfx& g, double lat, double lon) {
   ASSERT_TRUE(projection.CenterOn(&g, lat, lon));
 }
 
+// Where a position is drawn; false behind a camera and off the map.
+bool Draw(const K7Projection& projection, const SoftGrfx& g, double lat, double lon, double& dx, double& dy) {
+  double x, y, z;
+  return projection.LatLon2World(lat, lon, x, y, z) && g.Project(x, y, z, dx, dy);
+}
+
 double Degrees(double lat1, double lon1, double lat2, double lon2) {
   return K7LatLon(lat1, lon1).Distance(K7LatLon(lat2, lon2)) / K7_EARTH_RADIUS_NM * K7_RAD_TO_DEG;
 }
@@ -104,9 +110,8 @@ TEST(Projection, CamerasAgreeWithProj) {
     Show(*projection, g, c.parameters[0], c.parameters[1]);
     for (const auto& [lat, lon, dx, dy] : c.rows) {
       SCOPED_TRACE(c.name + " " + std::to_string(lat) + " " + std::to_string(lon));
-      double x, y, z, px, py, backLat, backLon;
-      ASSERT_TRUE(projection->LatLon2World(lat, lon, x, y, z));
-      ASSERT_TRUE(g.Project(x, y, z, px, py));
+      double px, py, backLat, backLon;
+      ASSERT_TRUE(Draw(*projection, g, lat, lon, px, py));
       EXPECT_NEAR(px, dx, c.tolerance);
       EXPECT_NEAR(py, dy, c.tolerance);
       ASSERT_TRUE(projection->Device2LatLon(dx, dy, &g, WIDTH, HEIGHT, backLat, backLon));
@@ -141,9 +146,8 @@ TEST(Projection, PicksWhatItDraws) {
         // A cylinder is unrolled about its centre.
         const double drawn =
             projection->IsCylindrical() ? centreLon + std::remainder(lon - centreLon, 360.0) : lon;
-        double x, y, z, dx, dy, backLat = 0, backLon = 0;
-        ASSERT_TRUE(projection->LatLon2World(lat, drawn, x, y, z));
-        ASSERT_TRUE(g.Project(x, y, z, dx, dy));
+        double dx, dy, backLat = 0, backLon = 0;
+        ASSERT_TRUE(Draw(*projection, g, lat, drawn, dx, dy));
         ASSERT_TRUE(projection->Device2LatLon(dx, dy, &g, WIDTH, HEIGHT, backLat, backLon));
         EXPECT_LE(Degrees(lat, lon, backLat, backLon), 2e-6);
         EXPECT_LE(std::fabs(backLon), 180.0);
@@ -347,9 +351,8 @@ TEST(Projection, ConesHaveTheirPolesAndSides) {
   SoftGrfx g(WIDTH, HEIGHT, 0.8);
   Show(cone, g, -30, 135);
   for (int i = -87; i <= 60; ++i) {
-    double x, y, z, dx, dy, lat, lon;
-    cone.LatLon2World(i, -45, x, y, z);
-    ASSERT_TRUE(g.Project(x, y, z, dx, dy));
+    double dx, dy, lat, lon;
+    ASSERT_TRUE(Draw(cone, g, i, -45, dx, dy));
     EXPECT_TRUE(cone.Device2LatLon(dx, dy, &g, WIDTH, HEIGHT, lat, lon)) << i;
   }
 }
