@@ -104,14 +104,14 @@ TEST(MapView, AnyContextCanBeSetUp) {
     }
   });
   K7MercatorProjection projection;
-  K7MapView view(&projection, 100, 100);
+  Looking view(projection, 100, 100, 0, 0, 100);
+  view.SetUp(nullptr);
+  EXPECT_EQ(view.LookAt(0, 0, -1), K7_ERR_BAD_ARGUMENT);
   SoftGrfx host(100, 100);
-  view.SetUp(&host);  // shows nothing: leaves the cube of -1 to 1
+  view.SetUp(&host);  // shows nothing any more: leaves the cube of -1 to 1
   double x = 0, y = 0, z = 0;
   ASSERT_TRUE(host.UnProject(100, 50, 0.5, x, y, z));
   EXPECT_EQ(x, 1);
-  EXPECT_EQ(view.LookAt(0, 0, 100), 0);
-  view.SetUp(nullptr);
 }
 
 // The smallest box around the positions of all pixels, longitudes from the centre's, and little more.
