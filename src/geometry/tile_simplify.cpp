@@ -30,6 +30,16 @@ bool AddVectors(const K7TileString& piece, int from, int count, Buffer<K7ECEF>& 
   return !vectors.Failed();
 }
 
+// Where the plane ends, at 180 degrees and the poles, areas have corners that are none on the globe. Data
+// sets end up to this far beside.
+constexpr double EDGE_WIDTH = 2e-3;
+
+bool IsFixed(const K7TileString& piece, int i) {
+  double lat, lon;
+  piece.GetPoint(i, lat, lon);
+  return !piece.IsOwnPoint(i) || std::fabs(lat) > 90 - EDGE_WIDTH || std::fabs(lon) > 180 - EDGE_WIDTH;
+}
+
 // The departures of all points of a tree. A tree may be as deep as it has points.
 bool Flatten(const K7CromleyNode& tree, int from, int count, float* ranks) {
   Buffer<const K7CromleyNode*> open;
@@ -67,15 +77,15 @@ int K7TileString::Rank() {
   if (!ranks) return K7_ERR_MEMORY;
   // Spans run from one point that always stays to the next; a ring's last one comes back to its first.
   int first = 0;
-  while (m_isRing && first < count - 1 && IsOwnPoint(first)) ++first;
-  if (IsOwnPoint(first)) first = 0;
+  while (m_isRing && first < count - 1 && !IsFixed(*this, first)) ++first;
+  if (!IsFixed(*this, first)) first = 0;
   const int last = m_isRing ? count : count - 1;
   Buffer<K7ECEF> vectors;
   if (!AddVectors(*this, first, last + 1, vectors)) return K7_ERR_MEMORY;
   for (int from = 0; from < last || from == 0;) {
     ranks.get()[(first + from) % count] = ALWAYS;
     int to = from + 1;
-    while (to < last && IsOwnPoint((first + to) % count)) ++to;
+    while (to < last && !IsFixed(*this, (first + to) % count)) ++to;
     K7CromleyNode tree;
     if (const int err = tree.Generate(0, to - from, vectors.Data() + from)) return err;
     if (!Flatten(tree, first + from, count, ranks.get())) return K7_ERR_MEMORY;

@@ -381,6 +381,22 @@ TEST(Tiling, FeaturesAreCutAt180) {
   EXPECT_NEAR(length, 2 * std::hypot(10, 20), 1e-9);
 }
 
+// The corners of a polar area lie on the pole and at 180, where the globe has none.
+TEST(Tiling, CornersOfThePlaneStay) {
+  const Area cap({{{-90, -180}, {-80, -180}, {-80.1, 0}, {-80, 180}, {-90, 180}}});
+  Tiles tiles(K7_TILE_POLYGONS, 10);
+  K7PolyPtMngr points;
+  ASSERT_EQ(tiles.TilizePolygon(&cap.feature, &points), 0);
+  int kept = 0;
+  tiles.VisitPieces([&](const K7ShapeTile&, K7TileString& piece) {
+    K7IntArray indexes;
+    ASSERT_EQ(piece.Rank(), 0);
+    ASSERT_EQ(piece.Select(1000, indexes), 0);
+    for (int i = 0; i < indexes.Count(); ++i) kept += piece.IsOwnPoint(indexes[i]);
+  });
+  EXPECT_EQ(kept, 4);
+}
+
 // A tolerance chosen afterwards leaves what one given before leaves, and pieces still meet.
 TEST(Tiling, AnyToleranceFromOneRanking) {
   Line coast;
