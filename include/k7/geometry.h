@@ -9,4 +9,5 @@
 #include <k7/geometry/shp_file.h>
 #include <k7/geometry/shp_obj.h>
 #include <k7/geometry/tile_feature.h>
+#include <k7/geometry/tile_join.h>
 #include <k7/geometry/tile_mngr.h>

@@ -44,7 +44,7 @@ bool RollOut(const K7TileFeature& feature, int part, bool ring, Buffer<K7LatLon>
   const double first = before;
   for (int i = 0; count > 0 && i < count + ring; ++i) {
     const int at = start + i % count;
-    const double lat = feature.Lat(at);
+    const double lat = K7TileGrid::ClampLat(feature.Lat(at));
     const double lon = CarriedOn(before, feature.Lon(at));
     if (!(std::fabs(lat) <= 90 && std::fabs(lon) <= MAX_LON)) return false;
     out.Add({lat, lon});

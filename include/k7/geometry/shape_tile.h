@@ -45,6 +45,8 @@ class K7_API K7TileString {
   K7ShapeTile* Tile() const { return m_tile; }
   void SetTile(K7ShapeTile* tile) { m_tile = tile; }
   const K7TileFeature* Feature() const { return m_feature; }
+  /// True for the pieces of polygons.
+  bool IsRing() const { return m_isRing; }
 
   /// The run of the feature's own points that the piece was begun with. The end is -1 while it is open, and
   /// for a piece that crosses its tile without a point of its own.
@@ -84,7 +86,6 @@ class K7_API K7TileString {
   /// @}
 
  protected:
-  /// True for the pieces of polygons.
   bool m_isRing = false;
   K7ShapeTile* m_tile = nullptr;
   const K7TileFeature* m_feature;
