@@ -3,7 +3,8 @@
 // or pieces that lie in their tiles and hold every point; of a polygon's what lies inside it and no more.
 
 #include <k7/foundation/error_string.h>
-#include <k7/geometry/tile_mngr.h>
+#include <k7/geometry/tile_join.h>
+#include <k7/geometry/tiling.h>
 
 #include "input.h"
 
@@ -91,6 +92,19 @@ void CheckInside(const K7PolyPolygon& polygon, K7PolygonTileMngr& tiles, double 
   Require(near || in == tiled);
 }
 
+void Rejoin(const K7PtrArray& tiles, bool areas) {
+  K7TileJoin join;
+  for (int i = 0; i < tiles.Count(); i += 1 + i % 3) {
+    const auto* const area = areas ? static_cast<K7PolygonTile*>(tiles[i]) : nullptr;
+    const auto* const line = areas ? nullptr : static_cast<K7PolylineTile*>(tiles[i]);
+    for (int k = 0; k < (area ? area->PieceCount() : line->PieceCount()); ++k)
+      Require(join.Add(area ? static_cast<K7TileString&>(*area->Piece(k)) : *line->Piece(k), k % 2 * 100.0) ==
+              0);
+  }
+  K7MapFeatures features;
+  Require(join.AddTo(features, areas ? K7_MAP_AREA : K7_MAP_LINES) == 0);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -130,6 +144,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
   }
   Require(tolerance != 0 ? own <= all : own == all);
+  Rejoin(found, areas);
   for (int probe = 0; areas && tolerance == 0 && probe < 20; ++probe)
     CheckInside(polygon, tiles, -88.3 + 9.1 * probe, std::remainder(probe * 77.7 + in.Number(180), 360));
   return 0;

@@ -10,4 +10,4 @@
 #include <k7/geometry/shp_obj.h>
 #include <k7/geometry/tile_feature.h>
 #include <k7/geometry/tile_join.h>
-#include <k7/geometry/tile_mngr.h>
+#include <k7/geometry/tiling.h>

@@ -2,7 +2,7 @@
 // longitudes run on, and cut into tiles of a whole turn.
 
 #include <k7/foundation/error_string.h>
-#include <k7/geometry/tile_mngr.h>
+#include <k7/geometry/tiling.h>
 
 #include "foundation/append.h"
 #include "foundation/buffer.h"
@@ -60,6 +60,12 @@ bool RollOut(const K7TileFeature& feature, int part, bool ring, Buffer<K7LatLon>
   return true;
 }
 
+double Width(const Buffer<K7LatLon>& plane) {
+  const auto byLon = [](const K7LatLon& a, const K7LatLon& b) { return a.Lon() < b.Lon(); };
+  const auto [west, east] = std::minmax_element(plane.Data(), plane.Data() + plane.Count(), byLon);
+  return plane.Count() > 0 ? east->Lon() - west->Lon() : 0;
+}
+
 }  // namespace
 
 // Appends the pieces of a rolled out part, each back where it belongs.
@@ -102,25 +108,32 @@ int K7TileFeature::CutPlane(const K7LatLon* points, int count, bool ring, K7IntA
   return err;
 }
 
+int K7TileFeature::CopyPart(int part, K7IntArray& starts, K7Array& cut) const {
+  int err = AppendInt(starts, cut.Count());
+  for (int i = PartStart(part), end = i + PartSize(part); i < end && err == 0; ++i) {
+    const K7LatLon point(Lat(i), Lon(i));
+    err = Append(cut, &point);
+  }
+  return err;
+}
+
 int K7TileFeature::CutAtSeam(bool rings) {
+  bool any = false;
+  for (int part = 0; part < PartCount() && !any; ++part) any = RunsAcross(*this, part, rings);
+  if (!any) return 0;
   Buffer<K7LatLon> plane;
   K7Array cut(sizeof(K7LatLon), 256);
   K7IntArray starts;
-  bool any = false;
   for (int part = 0; part < PartCount(); ++part) {
-    if (!RunsAcross(*this, part, rings)) {
-      if (const int err = AppendInt(starts, cut.Count())) return err;
-      for (int i = 0; i < PartSize(part); ++i) {
-        const K7LatLon point(Lat(PartStart(part) + i), Lon(PartStart(part) + i));
-        if (const int err = Append(cut, &point)) return err;
-      }
-      continue;
-    }
-    any = true;
     plane.Clear();
-    if (!RollOut(*this, part, rings, plane)) return K7_ERR_INVALID_DATA;
+    bool across = RunsAcross(*this, part, rings);
+    if (across && !RollOut(*this, part, rings, plane)) return K7_ERR_INVALID_DATA;
     if (plane.Failed()) return K7_ERR_MEMORY;
-    if (const int err = CutPlane(plane.Data(), plane.Count(), rings, starts, cut)) return err;
+    // A band around the world runs along 180 and does not cross it.
+    across = across && !(rings && Width(plane) < SAME_PLACE);
+    const int err =
+        across ? CutPlane(plane.Data(), plane.Count(), rings, starts, cut) : CopyPart(part, starts, cut);
+    if (err != 0) return err;
   }
-  return any ? TakeOver(cut, starts) : 0;
+  return TakeOver(cut, starts);
 }

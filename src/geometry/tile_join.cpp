@@ -13,8 +13,8 @@
 
 namespace {
 
-// Where an edge along a parallel or a meridian begins (+1) or ends (-1) when it runs to the north or east, the
-// other way around when it does not.
+// Where an edge along a parallel or a meridian begins (+1) or ends (-1) when it runs to the north or east,
+// the other way around when it does not.
 struct Toggle {
   bool meridian;
   double line, at;
@@ -81,8 +81,8 @@ void K7TileJoin::State::AddChain(const K7LatLon& a, const K7LatLon& b) {
   chains.Add({first, 2, {0, 0}, false});
 }
 
-// Both points are created. Whether one that runs along a parallel or a meridian is of a border does not matter:
-// where it is not nothing cancels it out.
+// Both points are created. Whether one that runs along a parallel or a meridian is of a border does not
+// matter: where it is not nothing cancels it out.
 void K7TileJoin::State::AddEdge(const K7LatLon& a, const K7LatLon& b) {
   const bool meridian = a.Lon() == b.Lon();
   if (meridian && a.Lat() == b.Lat()) return;
@@ -127,7 +127,8 @@ void K7TileJoin::State::AddBorders() {
   for (int i = 0; i < toggles.Count();) {
     const Toggle at = toggles[i];
     const int before = sum;
-    for (; i < toggles.Count() && toggles[i].SameLine(at) && toggles[i].at == at.at; ++i) sum += toggles[i].sign;
+    for (; i < toggles.Count() && toggles[i].SameLine(at) && toggles[i].at == at.at; ++i)
+      sum += toggles[i].sign;
     if (sum == before) continue;
     if (before % 2 != 0) {
       K7LatLon a(at.line, from), b(at.line, at.at);

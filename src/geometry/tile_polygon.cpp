@@ -2,7 +2,7 @@
 // crossing leads from outside in or back, from the western edge of the grid on, and so it goes on along the
 // sides of each tile. Pieces are joined along the stretches of border that are inside.
 
-#include <k7/geometry/tile_mngr.h>
+#include <k7/geometry/tiling.h>
 
 #include <k7/foundation/error_string.h>
 

@@ -2,7 +2,7 @@
 
 #include <k7/foundation/error_string.h>
 #include <k7/geodesy/cromley.h>
-#include <k7/geometry/tile_mngr.h>
+#include <k7/geometry/tiling.h>
 
 #include "foundation/append.h"
 #include "geometry/tile_scratch.h"

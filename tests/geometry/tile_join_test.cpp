@@ -2,7 +2,7 @@
 
 #include <k7/geometry/shp_file.h>
 #include <k7/geometry/tile_join.h>
-#include <k7/geometry/tile_mngr.h>
+#include <k7/geometry/tiling.h>
 #include <k7/io/io.h>
 
 #include <gtest/gtest.h>
@@ -13,7 +13,8 @@
 namespace {
 
 // What lies inside the pieces of the tiles taken is what the polygon has there, and nothing outside; no two
-// tiles have a border between them, so that with all tiles just the polygon's own points and crossings are left.
+// tiles have a border between them, so that with all tiles just the polygon's own points and crossings are
+// left.
 TEST(TileJoin, TakenTilesHoldTheirShareOfTheLandAndNoMore) {
   K7ShpFile file;
   ASSERT_EQ(file.Read(K7_SAMPLE_DATA "/ne_110m_land.shp", K7IO::Inst()), 0);

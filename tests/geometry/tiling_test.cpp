@@ -3,7 +3,7 @@
 #include <k7/foundation/error_string.h>
 #include <k7/geodesy/cromley.h>
 #include <k7/geometry/shp_file.h>
-#include <k7/geometry/tile_mngr.h>
+#include <k7/geometry/tiling.h>
 #include <k7/io/io.h>
 
 #include <gtest/gtest.h>
@@ -355,6 +355,7 @@ TEST(Tiling, FeaturesAreCutAt180) {
       {{{{70, 175}, {70, 60}, {70, -60}, {70, -170}}}, CAP},
       {{{{-90, -180}, {-70, -180}, {-70, 0}, {-70, 180}, {-90, 180}}}, CAP},
       {{{{-1, 1}, {1, 1}, {1, 3}, {-1, 3}}}, 2 * 4},
+      {{{{-10, -180}, {20, -180}, {20, 180}, {-10, 180}}}, 2 * 30 * 360.0},
   };
   for (const auto& c : CASES) {
     Area area(c.rings);

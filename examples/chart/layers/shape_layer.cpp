@@ -28,6 +28,9 @@ K7MapFeatureKind KindOf(const K7ShpObj& shape) {
   }
 }
 
+// The feature of a record that has none, so that the two are counted alike.
+bool AddNothing(K7MapFeatures& features) { return features.Add(K7_MAP_POINTS, nullptr, nullptr, 0) >= 0; }
+
 // What cannot be read, `ending` being that of one of the three files of a set.
 std::string Unreadable(const std::filesystem::path& set, const char* ending, const std::string& why) {
   if (K7String::IComp(set.extension().string().c_str(), ending) == 0)
@@ -72,9 +75,7 @@ std::string ShapeLayer::Load(Progress& progress) {
   bool hasPosition = m_file.StoredCount() == 0;
   for (int i = 0; i < m_file.StoredCount(); ++i) {
     const K7ShpRecord& record = *m_file.GetRecord(i);
-    static const int NO_SIZES[] = {0};
-    const bool added =
-        record.Obj() ? AddFeature(*record.Obj()) : m_features.Add(K7_MAP_POINTS, nullptr, NO_SIZES, 0) >= 0;
+    const bool added = record.Obj() ? AddFeature(*record.Obj(), i, hasPosition) : AddNothing(m_features);
     if (!added) return "out of memory";
     hasPosition = hasPosition || m_features.PointCount(i) > 0;
     m_isLakeLine.push_back(std::strncmp(record.Text(featureClass), "Lake", 4) == 0);
@@ -83,7 +84,9 @@ std::string ShapeLayer::Load(Progress& progress) {
   return hasPosition ? std::string() : "the shapefile set '" + m_path + "' has no positions in degrees";
 }
 
-bool ShapeLayer::AddFeature(const K7ShpObj& shape) {
+bool ShapeLayer::AddFeature(const K7ShpObj& shape, int record, bool& hasPosition) {
+  if (KindOf(shape) == K7_MAP_AREA)
+    return m_areas.Add(static_cast<const K7ShpPoly&>(shape), record, hasPosition) && AddNothing(m_features);
   const K7ShpXY* const xy = shape.Points();
   m_points.clear();
   m_sizes.clear();
@@ -96,18 +99,22 @@ bool ShapeLayer::AddFeature(const K7ShpObj& shape) {
 
 void ShapeLayer::DrawAreas(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
   UseFill(g, context.theme[m_item]);
+  VisitAreas(context, [&](int area) {
+    if (path.Area(&g, m_areas.Shown(), area) > 0) g.Fill();
+  });
+  if (m_item != ThemeItem::Rivers) return;
+  // A lake that the data hold as its centre line only is water as broad as a line; drawn before the coasts
+  // and in the water's colour, it vanishes where the lake is there as an area.
   UseLine(g, context.theme[ThemeItem::LakeLines], context.scale);
-  for (int i = 0; i < m_features.Count(); ++i) {
-    context.progress.Within(static_cast<double>(i) / m_features.Count());
-    if (m_features.Kind(i) == K7_MAP_AREA && path.Area(&g, m_features, i) > 0) g.Fill();
-    // A lake that the data hold as its centre line only is water as broad as a line; drawn before the coasts
-    // and in the water's colour, it vanishes where the lake is there as an area.
-    if (m_item == ThemeItem::Rivers && IsLakeLine(i) && path.Outline(&g, m_features, i) > 0) g.Stroke();
-  }
+  for (int i = 0; i < m_features.Count(); ++i)
+    if (IsLakeLine(i) && path.Outline(&g, m_features, i) > 0) g.Stroke();
 }
 
 void ShapeLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
   UseLine(g, context.theme[m_item], context.scale);
+  VisitAreas(context, [&](int area) {
+    if (path.Outline(&g, m_areas.Shown(), area) > 0) g.Stroke();
+  });
   for (int i = 0; i < m_features.Count(); ++i) {
     context.progress.Within(static_cast<double>(i) / m_features.Count());
     if (m_item == ThemeItem::Rivers && IsLakeLine(i)) continue;
@@ -120,6 +127,15 @@ void ShapeLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx&
     g.LineTo(dx, dy);
     g.Stroke();
   });
+}
+
+template <class Visit>
+void ShapeLayer::VisitAreas(const LayerContext& context, Visit visit) {
+  const int count = m_areas.Show(context.view) ? m_areas.Shown().Count() : 0;
+  for (int area = 0; area < count; ++area) {
+    context.progress.Within(static_cast<double>(area) / count);
+    visit(area);
+  }
 }
 
 template <class Visit>
@@ -153,17 +169,15 @@ std::string ShapeLayer::Describe(int feature) const {
 void ShapeLayer::Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
                       std::vector<std::string>& found) {
   PickGrfx picker(dx, dy);
+  VisitAreas(context, [&](int area) {
+    picker.Clear();
+    path.Area(&picker, m_areas.Shown(), area);
+    if (picker.Covers()) found.push_back(Describe(m_areas.NumberOf(area)));
+  });
   for (int i = 0; i < m_features.Count(); ++i) {
     picker.Clear();
-    bool hit = false;
-    if (m_features.Kind(i) == K7_MAP_AREA) {
-      path.Area(&picker, m_features, i);
-      hit = picker.Covers();
-    } else {
-      path.Outline(&picker, m_features, i);
-      hit = picker.Distance() <= PICK_REACH * context.scale;
-    }
-    if (hit) found.push_back(Describe(i));
+    path.Outline(&picker, m_features, i);
+    if (picker.Distance() <= PICK_REACH * context.scale) found.push_back(Describe(i));
   }
   VisitPoints(context, [&](int feature, double x, double y) {
     if (std::hypot(x - dx, y - dy) <= PICK_REACH * context.scale) found.push_back(Describe(feature));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "layers/layer.h"
+#include "layers/tiled_areas.h"
 
 #include <k7/geometry/shp_file.h>
 #include <k7/projection/map_features.h>
@@ -30,8 +31,10 @@ class ShapeLayer : public Layer {
     Progress* progress = nullptr;
   };
 
-  bool AddFeature(const K7ShpObj& shape);
+  bool AddFeature(const K7ShpObj& shape, int record, bool& hasPosition);
   bool IsLakeLine(int feature) const { return m_isLakeLine[static_cast<size_t>(feature)] != 0; }
+  template <class Visit>
+  void VisitAreas(const LayerContext& context, Visit visit);
   template <class Visit>
   void VisitPoints(const LayerContext& context, Visit visit) const;
   std::string Describe(int feature) const;
@@ -39,7 +42,8 @@ class ShapeLayer : public Layer {
   ThemeItem m_item;
   std::string m_path;
   File m_file;
-  K7MapFeatures m_features;  // one a record
+  K7MapFeatures m_features;  // one a record; those of areas are empty
+  TiledAreas m_areas;
   std::vector<char> m_isLakeLine;
   std::vector<K7LatLon> m_points;  // of the record that is being added
   std::vector<int> m_sizes;

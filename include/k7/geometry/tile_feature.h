@@ -46,6 +46,7 @@ class K7_API K7TileFeature {
 
  private:
   static int CutPlane(const K7LatLon* points, int count, bool ring, K7IntArray& starts, K7Array& cut);
+  int CopyPart(int part, K7IntArray& starts, K7Array& cut) const;
   int AddPart(int size);
   int TakeOver(const K7Array& points, const K7IntArray& starts);
 
@@ -70,7 +71,7 @@ class K7_API K7Polyline : public K7TileFeature {
 class K7_API K7PolyPolygon : public K7TileFeature {
  public:
   /// As that of K7Polyline. The halves of a ring are closed along 180; a ring that runs around a pole is
-  /// closed over the one that is nearer to most of its points.
+  /// closed over the one that is nearer to most of its points. A band around the world stays as it stands.
   int CutAtSeam() { return K7TileFeature::CutAtSeam(true); }
 };
 

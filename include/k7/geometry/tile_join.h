@@ -5,9 +5,9 @@
 #include <k7/geometry/shape_tile.h>
 #include <k7/projection/map_features.h>
 
-/// Puts the pieces of one feature together that the tiles of a chart hold. Where two tiles meet nothing is left
-/// of their border, so that neither a seam nor an outline shows there; towards tiles whose pieces are not
-/// added, areas are closed along the border.
+/// Puts the pieces of one feature together that the tiles of a chart hold. Where two tiles meet nothing is
+/// left of their border, so that neither a seam nor an outline shows there; towards tiles whose pieces are
+/// not added, areas are closed along the border.
 ///
 ///     K7TileJoin join;
 ///     for (...) join.Add(*piece, tolerance);  // of all tiles that the chart shows

@@ -1,6 +1,6 @@
 // The grid, points and polylines of K7PolygonTileMngr.
 
-#include <k7/geometry/tile_mngr.h>
+#include <k7/geometry/tiling.h>
 
 #include <k7/foundation/error_string.h>
 
