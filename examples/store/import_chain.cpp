@@ -15,7 +15,9 @@ struct Exit {
   double course;
   double lon, lat;
   int edge;
-  auto operator<=>(const Exit&) const = default;
+  bool operator<(const Exit& other) const {
+    return std::tie(course, lon, lat, edge) < std::tie(other.course, other.lon, other.lat, other.edge);
+  }
 };
 // Sorted around the node, so that one of thousands at a place is found without a look at the others.
 using Exits = std::set<Exit>;

@@ -36,7 +36,7 @@ unsigned NextCharacter(std::string_view utf8, size_t& i) {
   unsigned character = lead & (0x7Fu >> length);
   for (size_t taken = 1; taken < length; taken++, i++) {
     if (i == utf8.size() || (utf8[i] & 0xC0) != 0x80) return NO_CHARACTER;
-    character = character << 6 | (utf8[i] & 0x3Fu);
+    character = character << 6 | (static_cast<unsigned char>(utf8[i]) & 0x3Fu);
   }
   return character;
 }

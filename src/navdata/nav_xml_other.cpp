@@ -85,10 +85,12 @@ constexpr Row ENROUTE_COMM_ROWS[] = {
     K7ROW("Altitude2", "Second Altitude", ALWAYS, K7EnrouteComm, alt2, Alt),
 };
 
+// NOLINTBEGIN(bugprone-macro-parentheses): texts are joined with it.
 #define K7ROWS_COMPANY_FREQ(rank, member)                                                     \
   K7ROW(rank "Frequency", rank " Frequency", ALWAYS, K7CompanyComm, member.value, Text),      \
       K7ROW(rank "Callsign", rank " Callsign", ALWAYS, K7CompanyComm, member.callsign, Text), \
       K7ROW(rank "Hours", rank " Hours", ALWAYS, K7CompanyComm, member.hours, Text)
+// NOLINTEND(bugprone-macro-parentheses)
 
 constexpr Row COMPANY_COMM_ROWS[] = {
     K7ROW("FrequencyCount", "Frequencies", ALWAYS, K7CompanyComm, freqCount, Count),

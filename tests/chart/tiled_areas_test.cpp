@@ -25,7 +25,8 @@ class TiledAreasTest : public testing::Test {
       ASSERT_TRUE(tiled.Add(shape, i, hasPosition));
       std::vector<K7LatLon> points;
       std::vector<int> sizes;
-      for (int k = 0; k < shape.GetPointCount(); ++k) points.emplace_back(shape.Points()[k].y, shape.Points()[k].x);
+      for (int k = 0; k < shape.GetPointCount(); ++k)
+        points.emplace_back(shape.Points()[k].y, shape.Points()[k].x);
       for (int k = 0; k < shape.GetPolyCount(); ++k) sizes.push_back(shape.GetPolySize(k));
       ASSERT_EQ(whole.Add(K7_MAP_AREA, points.data(), sizes.data(), shape.GetPolyCount()), i);
     }
@@ -52,7 +53,8 @@ void Record(const K7MapView& view, const K7MapFeatures& features, PathRecorder& 
 TEST_F(TiledAreasTest, LookLikeTheWhole) {
   static constexpr struct {
     double lat, lon, range;
-  } PLACES[] = {{66, 180, 800}, {-17, 179.5, 300}, {90, 0, 1500}, {-90, 0, 2500}, {10, 20, 9000}, {48, -123, 60}};
+  } PLACES[] = {{66, 180, 800}, {-17, 179.5, 300}, {90, 0, 1500},
+                {-90, 0, 2500}, {10, 20, 9000},    {48, -123, 60}};
   int inside = 0;
   for (int kind = 0; kind < 9; ++kind)
     for (const auto& place : PLACES) {
@@ -76,7 +78,8 @@ TEST_F(TiledAreasTest, LookLikeTheWhole) {
           }
           // Inlets narrower than that.
           for (const PathRecorder::Piece& piece : meant.pieces)
-            for (const PathRecorder::Point& p : piece.points) isCoast = isCoast || std::hypot(p.x - x, p.y - y) < 0.5;
+            for (const PathRecorder::Point& p : piece.points)
+              isCoast = isCoast || std::hypot(p.x - x, p.y - y) < 0.5;
           EXPECT_TRUE(isCoast) << kind << " at " << place.lat << ", pixel " << x << " " << y;
         }
     }

@@ -13,14 +13,15 @@ constexpr double LEAST_TOLERANCE = 0.25;
 // What a view shows is widened by as many pixels, so that areas are closed outside its window.
 constexpr double MARGIN = 8;
 
-// Less than half a pixel where the tile is largest on the device; in powers of two, so that views of nearly one scale
-// share their points.
+// Less than half a pixel where the tile is largest on the device; in powers of two, so that views of nearly
+// one scale share their points.
 double ToleranceIn(const K7ShapeTile& tile, const K7MapView& view) {
   double least = view.NMPerPixel();
   for (const double lat : {tile.South(), (tile.South() + tile.North()) / 2, tile.North()})
     for (const double lon : {tile.West(), (tile.West() + tile.East()) / 2, tile.East()}) {
       double north, east;
-      if (view.Scale(lat, lon, north, east) && std::min(north, east) > 0) least = std::min({least, north, east});
+      if (view.Scale(lat, lon, north, east) && std::min(north, east) > 0)
+        least = std::min({least, north, east});
     }
   const double tolerance = std::exp2(std::floor(std::log2(least * 0.4)));
   return tolerance < LEAST_TOLERANCE ? 0 : tolerance;
@@ -49,7 +50,8 @@ bool TiledAreas::Add(const K7ShpPoly& shape, int number, bool& hasPosition) {
   area.number = number;
   const K7ShpXY* xy = shape.Points();
   int err;
-  if (std::all_of(xy, xy + shape.GetPointCount(), [](const K7ShpXY& p) { return std::fabs(p.y) <= 90 && IsOnEarth(p); })) {
+  if (std::all_of(xy, xy + shape.GetPointCount(),
+                  [](const K7ShpXY& p) { return std::fabs(p.y) <= 90 && IsOnEarth(p); })) {
     err = area.SetShape(shape);
   } else {
     std::vector<int> sizes;
@@ -97,7 +99,8 @@ bool TiledAreas::Join(const std::vector<ShownTile>& tiles) {
       if (shown.tolerance > 0 && string->Rank() != 0) return false;
       pieces.push_back({string, static_cast<const Area*>(string->Feature())->number, shown.tolerance});
     }
-  std::stable_sort(pieces.begin(), pieces.end(), [](const Piece& a, const Piece& b) { return a.number < b.number; });
+  std::stable_sort(pieces.begin(), pieces.end(),
+                   [](const Piece& a, const Piece& b) { return a.number < b.number; });
   for (size_t i = 0; i < pieces.size(); ++i) {
     if (m_join.Add(*pieces[i].string, pieces[i].tolerance) != 0) return false;
     if (i + 1 < pieces.size() && pieces[i + 1].number == pieces[i].number) continue;
