@@ -69,4 +69,36 @@ TEST(TileJoin, TakenTilesHoldTheirShareOfTheLandAndNoMore) {
   EXPECT_EQ(corners, 0);
 }
 
+// Each crossing once: nothing ends at a border. And a tolerance leaves out what lies between.
+TEST(TileJoin, LinesAreWholeAgain) {
+  std::mt19937 random(8);
+  std::uniform_real_distribution<double> lat(-80, 80), lon(-85, 85);
+  std::vector<K7LatLon> points;
+  for (int i = 0; i < 120; ++i) points.emplace_back(lat(random), lon(random));
+  const int sizes[] = {50, 1, 2, 67};
+  K7Polyline line;
+  ASSERT_EQ(line.SetPoints(points.data(), sizes, 4), 0);
+  K7PolygonTileMngr tiles(K7_TILE_POLYLINES);
+  K7PolyPtMngr created;
+  ASSERT_EQ(tiles.Init(10), 0);
+  ASSERT_EQ(tiles.TilizePolyline(&line, &created), 0);
+  ASSERT_GT(created.Count(), 1000);
+  K7MapFeatures features;
+  for (const double tolerance : {0.0, 1e5}) {
+    K7TileJoin join;
+    for (int row = 0; row < tiles.RowCount(); ++row)
+      for (int col = 0; col < tiles.ColCount(row); ++col) {
+        auto* const tile = static_cast<K7PolylineTile*>(tiles.GetTile(row, col, false));
+        for (int k = 0; tile && k < tile->PieceCount(); ++k) {
+          ASSERT_EQ(tile->Piece(k)->Rank(), 0);
+          ASSERT_EQ(join.Add(*tile->Piece(k), tolerance), 0);
+        }
+      }
+    ASSERT_GE(join.AddTo(features, K7_MAP_LINES), 0);
+  }
+  // The single point is no line; of the others the ends stay.
+  EXPECT_EQ(features.PointCount(0), 119 + created.Count());
+  EXPECT_EQ(features.PointCount(1), 6 + created.Count());
+}
+
 }  // namespace
