@@ -7,3 +7,4 @@
 #include <k7/io.h>
 #include <k7/navdata.h>
 #include <k7/projection.h>
+#include <k7/terrain.h>
