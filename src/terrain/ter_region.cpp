@@ -2,6 +2,7 @@
 
 #include <k7/foundation/error_string.h>
 #include <k7/io/io.h>
+#include <k7/terrain/ter_level.h>
 #include <k7/terrain/ter_tile.h>
 
 #include "io/read.h"
@@ -38,6 +39,13 @@ void K7TerRegion::Clear() {
   SetWords(0, 0);
   SetTileTable(HEADER_SIZE, 0);
   m_path.Clear();
+}
+
+void K7TerRegion::LeaveCache(K7Cache& cache) {
+  for (int cell = 0; cell < CellCount(); ++cell) {
+    const K7TerTile* const tile = m_tiles[0][cell];
+    if (tile && tile->CachePosition() >= 0) cache.Remove(tile->CachePosition());
+  }
 }
 
 void K7TerRegion::Init(const K7ChartRect& bounds, int rows, int columns, double tileHeight,
@@ -121,7 +129,7 @@ int K7TerRegion::GetElev(double lat, double lon, K7TerLevel* level) {
     const int elev = TryElev(lat, lon, unread);
     if (elev != k7ter::NOT_READ) return elev;
   }
-  return level ? unread->GetElev(lat, lon, true, 1) : K7_NO_ELEV;
+  return level ? level->ReadElev(*unread, lat, lon) : K7_NO_ELEV;
 }
 
 // Within a section of the caller. NOT_READ, and the tile, when its grid has to be read first.

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 
+class K7Cache;
 class K7File;
 class K7TerLevel;
 class K7TerTile;
@@ -102,6 +103,7 @@ class K7_API K7TerRegion {
   int ReadTiles(K7File* file);
   int ReadTile(K7File* file);
   void FreeTiles();
+  void LeaveCache(K7Cache& cache);
 
   int32_t m_words[2] = {0, 0};
   K7String m_path;
