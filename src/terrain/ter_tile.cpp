@@ -44,10 +44,13 @@ int Feet(int metres) { return static_cast<int>(metres * 3.2808399 + 0.5); }
 
 int32_t K7TerTile::m_textureBitDepth = 0;
 
-K7TerTile::K7TerTile(const K7ChartRect& bounds, int rows, int columns)
-    : m_bounds(bounds),
-      m_rows(static_cast<int16_t>(std::clamp(rows, 0, INT16_MAX))),
-      m_columns(static_cast<int16_t>(std::clamp(columns, 0, INT16_MAX))) {}
+K7TerTile::K7TerTile(const K7ChartRect& bounds, int rows, int columns) { SetHeader(bounds, rows, columns); }
+
+void K7TerTile::SetHeader(const K7ChartRect& bounds, int rows, int columns) {
+  m_bounds = bounds;
+  m_rows = static_cast<int16_t>(std::clamp(rows, 0, INT16_MAX));
+  m_columns = static_cast<int16_t>(std::clamp(columns, 0, INT16_MAX));
+}
 
 K7TerTile::~K7TerTile() { Publish(nullptr); }
 

@@ -117,6 +117,10 @@ class K7_API K7TerTile : public K7CacheObj {
   /// nothing draws.
   static int32_t m_textureBitDepth;
 
+ protected:
+  /// Sets what the constructor takes, of a tile without a grid.
+  void SetHeader(const K7ChartRect& bounds, int rows, int columns);
+
  private:
   friend class K7TerRegion;
   friend class K7TerMeshHold;

@@ -1,0 +1,109 @@
+// K7TerTileEX: a terrain tile for drawing, merged from others.
+#pragma once
+
+#include <k7/export.h>
+#include <k7/foundation/array.h>
+#include <k7/terrain/ter_mesh.h>
+#include <k7/terrain/ter_params.h>
+#include <k7/terrain/ter_tile.h>
+
+#include <cstdint>
+
+class K7Grfx;
+class K7MapView;
+struct PostBorder;
+
+/// A K7TerTileEX has a grid of its own over bounds of its own, merged from tiles of region files, and makes
+/// pictures and triangles of it.
+///
+///     K7TerTileEX tile;
+///     tile.Init(bounds, 1201, 1201);                       // or rows and columns 0: as fine as the tiles
+///     for (...) tile.AddTileForMerge(source);              // all that touch the bounds
+///     if (int code = tile.Generate(&params)) return code;  // merged, posts around it known, shaded
+///     show(tile.SRTImage(), tile.SRTWidth(), tile.SRTHeight());
+///     tile.CreateMesh(mesh, K7_TER_MESH_GLOBE, 1);
+///
+/// Posts lie on the edges of tiles, the first row on the southern edge, the last on the northern one; so
+/// neighbours repeat the posts of their common edge, and a merged grid has them once. Posts that fall together
+/// are copied; others are interpolated, or averaged where the source is finer, such that slopes stay what they
+/// are. Where tiles overlap the finer one counts, of equals the more southern, then the more western: in
+/// whatever order tiles were added, and in each of two neighbours that share an edge, the same posts result.
+/// What no tile has is K7_NO_ELEV.
+///
+/// One thread at a time; source tiles may serve lookups meanwhile.
+class K7_API K7TerTileEX : public K7TerTile {
+ public:
+  K7TerTileEX() = default;
+  ~K7TerTileEX() override;
+
+  /// \name Merging
+  /// @{
+  /// Sets bounds, rows and columns (2 to 32767) and drops everything else. With rows and columns 0, merging
+  /// takes the spacing of the finest tile; with empty bounds too, those of all tiles together. Answers 0, or
+  /// K7_ERR_INVALID_DATA for other counts and for bounds that are no area of the globe.
+  int Init(const K7ChartRect& bounds, int rows, int columns);
+  /// Adds a source, which stays the caller's and must live until the merging is done. A tile that was added
+  /// is not added again. Answers 0, K7_ERR_BAD_ARGUMENT for null and this tile itself, or K7_ERR_MEMORY.
+  int AddTileForMerge(K7TerTile* tile);
+  /// Answers the number of tiles added.
+  int MergeCount() const { return m_sources.Count(); }
+  /// Makes the grid anew of all tiles added. Those whose grid cannot be had are left out. Answers 0;
+  /// K7_ERR_NOT_INITIALIZED when there are neither bounds nor tiles; K7_ERR_OUT_OF_RANGE when the finest
+  /// spacing makes more than 32767 rows or columns or 2^24 posts; K7_ERR_MEMORY.
+  int MergeTiles();
+  /// Fills what the grid lacks, and nothing else, from one tile. Answers 0, K7_ERR_NOT_INITIALIZED without a
+  /// grid, K7_ERR_NOT_FOUND when that of `tile` cannot be had, K7_ERR_INVALID_DATA for its bounds,
+  /// K7_ERR_MEMORY.
+  int MergeMesh(const K7TerTile& tile);
+  /// Learns the posts one spacing around the grid from the tiles added, so that shades and normals agree with
+  /// the neighbours' at the edges. Answers 0, K7_ERR_NOT_INITIALIZED without a grid, or K7_ERR_MEMORY.
+  int InitBoundary();
+  void FreeBoundary();
+  /// Takes the noise out of the grid: each post becomes the mean of it and its neighbours with the weights
+  /// 1 2 1 in both directions. On edges only the edge's posts count and corners stay, so that neighbours
+  /// smoothed alike still meet. Answers 0, K7_ERR_NOT_INITIALIZED without a grid, or K7_ERR_MEMORY.
+  int SmoothMesh() override;
+  /// Drops grid, boundary and picture; the tiles added stay.
+  void Free();
+  void FreeMesh() override { Free(); }
+  void FreeContents() override { Free(); }
+  /// @}
+
+  /// \name Drawing
+  /// @{
+  /// Merges, learns the posts around and shades: what it takes from tiles added to a picture. Answers 0 or
+  /// what failed.
+  int Generate(const K7TerParams* params) override;
+  /// Makes the shaded picture, a pixel a post or `width` by `height` pixels, as `K7TerRelief::Image` does.
+  /// Answers 0; K7_ERR_BAD_ARGUMENT for null, sizes below 1 and more than 2^24 pixels; what
+  /// `K7TerRelief::Init` answers; K7_ERR_MEMORY. Failed, the former picture stays.
+  int GenShadedRelief(const K7TerParams* params) override;
+  int GenShadedRelief(const K7TerParams* params, int width, int height);
+  /// Answers the picture, rows from the north, 0xAARRGGBB; null when there is none.
+  const uint32_t* SRTImage() const { return m_image; }
+  int SRTWidth() const { return m_imageWidth; }
+  int SRTHeight() const { return m_imageHeight; }
+  void ClearSRTImage() override;
+  /// Makes triangles, as `K7TerMesh::Create` does.
+  int CreateMesh(K7TerMesh& mesh, K7TerMeshKind kind, double exaggeration) const;
+  /// Draws the tile where the view shows it. Answers what `K7TerRelief::Init` and its `Render` do.
+  using K7TerTile::Render;
+  int Render(K7Grfx* g, const K7MapView& view, const K7TerParams& params) const;
+  /// @}
+
+ private:
+  friend PostBorder BorderOf(const K7TerTile& tile);
+
+  int ChooseGrid();
+  K7TerTile* Source(int i) const { return static_cast<K7TerTile*>(m_sources[i]); }
+  int SortSources();
+
+  K7PtrArray m_sources;
+  int16_t* m_border = nullptr;  // south and north rows with their corners, then the west and east columns
+  uint32_t* m_image = nullptr;
+  int m_imageWidth = 0;
+  int m_imageHeight = 0;
+  K7ChartRect m_wishedBounds;  // as `Init` was told; merging chooses what is open
+  int m_wishedRows = 0;
+  int m_wishedColumns = 0;
+};

@@ -1,0 +1,182 @@
+#include <k7/terrain/ter_relief.h>
+
+#include <k7/foundation/error_string.h>
+#include <k7/geodesy/constants.h>
+#include <k7/projection/map_view.h>
+
+#include "terrain/tile_posts.h"
+#include "terrain/tints.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <new>
+
+struct K7TerReliefStore {
+  // Between which posts a position lies, and where.
+  struct Place {
+    int first, second;
+    float share;  // of the second
+  };
+  static Place Split(double at, int posts) {
+    const double held = std::clamp(at, 0.0, posts - 1.0);
+    const int first = std::min(static_cast<int>(held), std::max(posts - 2, 0));
+    return {first, std::min(first + 1, posts - 1), static_cast<float>(held - first)};
+  }
+
+  Slope At(const Place& row, const Place& col) const {
+    const Slope* const south = slopes.get() + static_cast<ptrdiff_t>(row.first) * grid.cols;
+    const Slope* const north = slopes.get() + static_cast<ptrdiff_t>(row.second) * grid.cols;
+    const Slope posts[4] = {south[col.first], south[col.second], north[col.first], north[col.second]};
+    const float w[4] = {(1 - row.share) * (1 - col.share), (1 - row.share) * col.share,
+                        row.share * (1 - col.share), row.share * col.share};
+    Slope sum{0, 0, 0, 0};
+    for (int i = 0; i < 4; ++i) {
+      sum.elevation += w[i] * posts[i].elevation;
+      sum.east += w[i] * posts[i].east;
+      sum.north += w[i] * posts[i].north;
+      sum.weight += w[i] * posts[i].weight;
+    }
+    return sum;
+  }
+
+  PostGrid grid{};  // without the posts
+  std::unique_ptr<Slope[]> slopes;
+  Tints tints;
+};
+
+namespace {
+
+using Store = K7TerReliefStore;
+
+constexpr double METRES_PER_NM = 1852;
+
+// Pixels of the window, left and top inclusive, right and bottom not.
+struct Box {
+  int left, top, right, bottom;
+};
+
+// The pixels in which a tile can fall. On a plane its outline bounds it, unless the map is torn within it;
+// a globe, whose outline may hide behind the limb, is asked everywhere when it is not all seen.
+Box PixelsOf(const PostGrid& grid, const K7MapView& view) {
+  static constexpr int STEPS = 32;
+  const Box window{0, 0, view.Width(), view.Height()};
+  double left = 1e9, top = 1e9, right = -1e9, bottom = -1e9, reach = 0;
+  double lastX = 0, lastY = 0;
+  for (int i = 0; i <= 4 * STEPS; ++i) {
+    const int side = i / STEPS % 4;
+    const double t = static_cast<double>(i % STEPS) / STEPS;
+    const double across = side == 0 ? t : side == 1 ? 1 : side == 2 ? 1 - t : 0;
+    const double up = side == 0 ? 0 : side == 1 ? t : side == 2 ? 1 : 1 - t;
+    double x = std::numeric_limits<double>::quiet_NaN(), y = x;
+    const bool seen = view.ToDevice(grid.south + up * (grid.north - grid.south),
+                                    std::remainder(grid.west + across * grid.width, 360), x, y);
+    if (!(std::abs(x) < 1e6 && std::abs(y) < 1e6) || (view.IsGlobe() && !seen)) return window;
+    if (i > 0) reach = std::max({reach, std::abs(x - lastX), std::abs(y - lastY)});
+    lastX = x;
+    lastY = y;
+    left = std::min(left, x);
+    right = std::max(right, x);
+    top = std::min(top, y);
+    bottom = std::max(bottom, y);
+  }
+  // Torn: neighbours on the outline lie far apart.
+  if (reach > std::max(right - left, bottom - top) / 4) return window;
+  const double margin = 2 + reach;
+  return {std::max(0, static_cast<int>(std::floor(left - margin))),
+          std::max(0, static_cast<int>(std::floor(top - margin))),
+          std::min(window.right, static_cast<int>(std::ceil(right + margin))),
+          std::min(window.bottom, static_cast<int>(std::ceil(bottom + margin)))};
+}
+
+void RenderRow(const Store& store, const K7MapView& view, const Box& box, int y, uint32_t* out) {
+  const PostGrid& grid = store.grid;
+  const double metres = view.NMPerPixel() * METRES_PER_NM;
+  for (int x = box.left; x < box.right; ++x) {
+    double lat = 0, lon = 0;
+    uint32_t& pixel = out[x - box.left];
+    pixel = 0;
+    if (!view.FromDevice(x + 0.5, y + 0.5, lat, lon) || lat < grid.south) continue;
+    const bool within = lat < grid.north || (lat == 90 && grid.north == 90);
+    const double east = grid.EastOf(lon);
+    if (!within || !(east >= 0 && (east < grid.width || grid.width == 360))) continue;
+    pixel = store.tints.Pixel(
+        store.At(Store::Split(grid.RowAt(lat), grid.rows), Store::Split(east / grid.ColStep(), grid.cols)),
+        metres);
+  }
+}
+
+}  // namespace
+
+K7TerRelief::~K7TerRelief() { delete m_store; }
+
+int K7TerRelief::Init(const K7TerTile& tile, const K7TerParams& params) {
+  delete m_store;
+  m_store = nullptr;
+  const TilePosts posts(tile);
+  if (posts.Error()) return posts.Error();
+  std::unique_ptr<Store> store(new (std::nothrow) Store);
+  if (!store) return K7_ERR_MEMORY;
+  store->grid = posts.Grid();
+  store->grid.posts = nullptr;
+  store->slopes = FindSlopes(posts.Grid(), BorderOf(tile));
+  if (!store->slopes) return K7_ERR_MEMORY;
+  store->tints.Set(params);
+  m_store = store.release();
+  return 0;
+}
+
+uint32_t K7TerRelief::ColorAt(double lat, double lon, double metres) const {
+  if (!m_store || !(lat >= m_store->grid.south && lat <= m_store->grid.north) || !(std::abs(lon) <= 720))
+    return 0;
+  const PostGrid& grid = m_store->grid;
+  double east = grid.EastOf(lon);
+  if (east < 0) east += 360;
+  if (east > grid.width) return 0;
+  return m_store->tints.Pixel(
+      m_store->At(Store::Split(grid.RowAt(lat), grid.rows), Store::Split(east / grid.ColStep(), grid.cols)),
+      std::isnan(metres) ? 0 : std::clamp(metres, 0.0, 1e6));
+}
+
+int K7TerRelief::Image(uint32_t* pixels, int width, int height) const {
+  if (!pixels || width < 1 || height < 1) return K7_ERR_BAD_ARGUMENT;
+  const auto stride = static_cast<size_t>(width);
+  if (!m_store) {
+    std::fill_n(pixels, stride * static_cast<size_t>(height), 0U);
+    return 0;
+  }
+  const Store& store = *m_store;
+  const PostGrid& grid = store.grid;
+  const double pixelHeight = (grid.north - grid.south) / height;
+  const double metres = pixelHeight * K7_DEG_TO_RAD * K7_EARTH_RADIUS_NM * METRES_PER_NM;
+  for (int y = 0; y < height; ++y) {
+    const Store::Place row = Store::Split(grid.RowAt(grid.north - (y + 0.5) * pixelHeight), grid.rows);
+    uint32_t* const out = pixels + static_cast<size_t>(y) * stride;
+    for (int x = 0; x < width; ++x) {
+      const Store::Place col = Store::Split((x + 0.5) / width * (grid.cols - 1), grid.cols);
+      out[x] = store.tints.Pixel(store.At(row, col), metres);
+    }
+  }
+  return 0;
+}
+
+int K7TerRelief::Render(K7Grfx* g, const K7MapView& view) const {
+  if (!g) return K7_ERR_BAD_ARGUMENT;
+  if (!m_store || !view.IsSet()) return K7_ERR_NOT_INITIALIZED;
+  const PostGrid& grid = m_store->grid;
+  const double east = std::remainder(grid.west + grid.width, 360);
+  const K7ChartRect bounds = grid.width == 360 ? K7ChartRect(grid.north, grid.south, 180, -180)
+                                               : K7ChartRect(grid.north, grid.south, east, grid.west);
+  if (!bounds.AreaIn(view.GetExtent())) return 0;
+  const Box box = PixelsOf(grid, view);
+  const int width = box.right - box.left, height = box.bottom - box.top;
+  if (width < 1 || height < 1) return 0;
+  const std::unique_ptr<uint32_t[]> pixels(
+      new (std::nothrow) uint32_t[static_cast<size_t>(width) * static_cast<size_t>(height)]);
+  if (!pixels) return K7_ERR_MEMORY;
+  for (int y = box.top; y < box.bottom; ++y)
+    RenderRow(*m_store, view, box, y, pixels.get() + static_cast<ptrdiff_t>(y - box.top) * width);
+  g->Image(pixels.get(), width, height, box.left, box.top, box.right, box.bottom);
+  return 0;
+}
