@@ -27,7 +27,7 @@ if(BUILD_SHARED_LIBS)
   set(K7_PC_LIBS "")
   set(K7_PC_CFLAGS "")
 else()
-  set(K7_PC_LIBS " -pthread -ldl\nRequires: zlib")
+  set(K7_PC_LIBS " -pthread -ldl\nRequires: zlib libpng")
   set(K7_PC_CFLAGS " -DK7_STATIC")
 endif()
 # The .pc file finds its prefix from where it lies, so that an installation can be moved: not one whose folders are

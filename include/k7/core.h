@@ -8,3 +8,4 @@
 #include <k7/navdata.h>
 #include <k7/projection.h>
 #include <k7/terrain.h>
+#include <k7/raster.h>
