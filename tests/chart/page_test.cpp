@@ -1,7 +1,7 @@
 // Pictures of k7chart: what was drawn is in the file, and the file is whole or not there.
 
 #include "sheet/page.h"
-#include "sheet/save_file.h"
+#include "app_common/save_file.h"
 #include "support/temp_dir.h"
 
 #include <gtest/gtest.h>

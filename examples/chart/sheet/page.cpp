@@ -1,7 +1,7 @@
 #include "sheet/page.h"
 
+#include "app_common/save_file.h"
 #include "sheet/png.h"
-#include "sheet/save_file.h"
 
 #include <k7/foundation/string.h>
 

@@ -1,50 +1,16 @@
 // k7nav import: published text files into a database.
 
 #include "store/import.h"
+#include "app_common/progress_bar.h"
 #include "app_common/shared_data.h"
 #include "app_common/verb.h"
 
 #include <k7/geodesy/magvar.h>
 
-#include <chrono>
 #include <cstdio>
 #include <ctime>
 
-#if defined(_WIN32)
-#include <io.h>
-#define isatty _isatty
-#define fileno _fileno
-#else
-#include <unistd.h>
-#endif
-
 namespace {
-
-// A bar on the terminal, for what takes longer than a moment.
-class ProgressBar {
- public:
-  ~ProgressBar() { Wipe(); }
-  void Show(const std::string& what, double share) {
-    static constexpr int WIDTH = 30;
-    if (!m_terminal || Clock::now() < m_next) return;
-    m_next = Clock::now() + std::chrono::milliseconds(100);
-    const int full = static_cast<int>(share * WIDTH);
-    std::fprintf(stderr, "\r\033[K[%s%s] %s", std::string(static_cast<size_t>(full), '#').c_str(),
-                 std::string(static_cast<size_t>(WIDTH - full), ' ').c_str(), what.c_str());
-    std::fflush(stderr);
-    m_shown = true;
-  }
-  void Wipe() {
-    if (m_shown) std::fputs("\r\033[K", stderr);
-    m_shown = false;
-  }
-
- private:
-  using Clock = std::chrono::steady_clock;
-  Clock::time_point m_next = Clock::now() + std::chrono::milliseconds(300);
-  bool m_terminal = isatty(fileno(stderr)) != 0;
-  bool m_shown = false;
-};
 
 struct ImportOptions {
   ImportFiles files;

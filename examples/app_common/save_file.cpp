@@ -1,10 +1,11 @@
-#include "sheet/save_file.h"
+#include "app_common/save_file.h"
+
+#include "app_common/part_file.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <random>
 #include <system_error>
 
 #if !defined(_WIN32)
@@ -73,19 +74,14 @@ int WriteDirectly(const fs::path& path, const std::vector<unsigned char>& bytes)
 
 // -1 where it cannot be.
 int WriteBeside(const fs::path& path, const std::vector<unsigned char>& bytes) {
-  std::random_device bits;
-  const fs::path part = path.string() + "." + std::to_string(bits()) + ".part";
-  std::FILE* const file = std::fopen(part.string().c_str(), "wbx");
+  PartFile part(path);
+  std::FILE* const file = std::fopen(part.Path().c_str(), "wbx");
   if (!file) return -1;
   std::error_code error;
   const fs::file_status before = fs::status(path, error);
-  if (before.type() != fs::file_type::not_found) fs::permissions(part, before.permissions(), error);
-  const int reason = Write(file, bytes);
-  if (reason == 0) fs::rename(part, path, error);
-  if (reason == 0 && !error) return 0;
-  std::error_code ignored;
-  fs::remove(part, ignored);
-  return reason ? reason : -1;
+  if (before.type() != fs::file_type::not_found) fs::permissions(part.Path(), before.permissions(), error);
+  if (const int reason = Write(file, bytes)) return reason;
+  return part.TakePlace() ? 0 : -1;
 }
 
 // A file that is write-protected is not replaced either.
