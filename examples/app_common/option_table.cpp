@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <sstream>
 
 namespace {
@@ -64,8 +63,8 @@ std::string TwoColumns(const std::vector<std::pair<std::string, std::string>>& r
 
 std::string Quoted(const std::string& text) { return "'" + text + "'"; }
 
-bool ReadNumber(const char* text, double& value) {
-  const char* const end = text + std::strlen(text);
-  const auto [stop, error] = std::from_chars(text, end, value);
+bool ReadNumber(std::string_view text, double& value) {
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
   return error == std::errc() && stop == end && std::isfinite(value);
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// One option of something that is to be filled in. What more there is to say depends on what that holds at
@@ -55,4 +56,4 @@ std::string TwoColumns(const std::vector<std::pair<std::string, std::string>>& r
 
 std::string Quoted(const std::string& text);
 /// A finite number, with a decimal point in every locale, and nothing behind it.
-bool ReadNumber(const char* text, double& value);
+bool ReadNumber(std::string_view text, double& value);
