@@ -114,7 +114,8 @@ class Build : public Verb {
     resolutions.erase(std::unique(resolutions.begin(), resolutions.end()), resolutions.end());
     std::vector<RegionPlan> plans;
     for (const int resolution : resolutions)
-      for (const RegionPlan& plan : PlanRegions(m_grids, resolution, m_options.tilePosts)) plans.push_back(plan);
+      for (const RegionPlan& plan : PlanRegions(m_grids, resolution, m_options.tilePosts))
+        plans.push_back(plan);
     return plans;
   }
 
@@ -131,9 +132,9 @@ class Build : public Verb {
     for (const RegionPlan& plan : plans) {
       ProgressBar bar;
       int tiles = 0;
-      std::string problem =
-          BuildRegion(m_grids, plan, m_options.folder,
-                      [&](double share) { bar.Show("building " + plan.Name(), share); }, tiles);
+      std::string problem = BuildRegion(
+          m_grids, plan, m_options.folder, [&](double share) { bar.Show("building " + plan.Name(), share); },
+          tiles);
       bar.Wipe();
       if (!problem.empty()) return problem;
       if (tiles == 0)

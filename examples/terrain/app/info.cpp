@@ -11,8 +11,8 @@
 namespace {
 
 void PrintBounds(const char* what, const K7ChartRect& bounds) {
-  std::printf("%s %.6f to %.6f north, %.6f to %.6f east\n", what, bounds.South(), bounds.North(), bounds.West(),
-              bounds.East());
+  std::printf("%s %.6f to %.6f north, %.6f to %.6f east\n", what, bounds.South(), bounds.North(),
+              bounds.West(), bounds.East());
 }
 
 // The extent of the tiles that are there.
@@ -20,7 +20,8 @@ K7ChartRect TileExtent(const K7TerRegion& region) {
   K7ChartRect extent;
   for (int row = 0; row < region.RowCount(); ++row)
     for (int col = 0; col < region.ColCount(); ++col)
-      if (const K7TerTile* const tile = region.Tile(row, col)) extent.BoundingUnion(extent, tile->GetChartRect());
+      if (const K7TerTile* const tile = region.Tile(row, col))
+        extent.BoundingUnion(extent, tile->GetChartRect());
   return extent;
 }
 

@@ -1,5 +1,5 @@
-// k7terrain: region files of terrain from the elevation grids that are published, one process a region where there
-// are many.
+// k7terrain: region files of terrain from the elevation grids that are published, one process a region where
+// there are many.
 
 #include "app/verbs.h"
 

@@ -9,7 +9,8 @@ namespace {
 
 constexpr VerbRow VERBS[] = {
     {"build", "[OPTION]... GRID...",
-     "Makes region files from elevation grids: .hgt, .asc, .csv and .tif files, or folders of them.", MakeBuild},
+     "Makes region files from elevation grids: .hgt, .asc, .csv and .tif files, or folders of them.",
+     MakeBuild},
     {"info", "FILE.ter", "Prints what a region file holds.", MakeInfo},
     {"check", "FOLDER", "Verifies region files against their checksums and inflates every tile.", MakeCheck},
     HELP_VERB,

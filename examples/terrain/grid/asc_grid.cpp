@@ -1,6 +1,6 @@
+#include "app_common/option_table.h"
 #include "grid/formats.h"
 #include "grid/text.h"
-#include "app_common/option_table.h"
 
 #include <cmath>
 #include <filesystem>

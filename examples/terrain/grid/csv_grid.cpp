@@ -1,6 +1,6 @@
+#include "app_common/option_table.h"
 #include "grid/formats.h"
 #include "grid/text.h"
-#include "app_common/option_table.h"
 
 #include <algorithm>
 #include <limits>
@@ -93,7 +93,7 @@ std::string CsvGrid::ReadPosts(std::vector<CsvPost>& posts) const {
   return {};
 }
 
-std::vector<double> Distinct(const std::vector<CsvPost>& posts, double CsvPost::* coordinate) {
+std::vector<double> Distinct(const std::vector<CsvPost>& posts, double CsvPost::*coordinate) {
   std::vector<double> values;
   for (const CsvPost& post : posts) values.push_back(post.*coordinate);
   std::sort(values.begin(), values.end());

@@ -72,8 +72,8 @@ std::string GeoTiffGrid::Read(const GridWindow& window, std::vector<float>& metr
   metres.clear();
   for (int row = window.rows; row-- > 0;)
     for (int col = 0; col < window.cols; ++col) {
-      const float value = downwards[static_cast<size_t>(row) * static_cast<size_t>(window.cols) +
-                                    static_cast<size_t>(col)];
+      const float value =
+          downwards[static_cast<size_t>(row) * static_cast<size_t>(window.cols) + static_cast<size_t>(col)];
       const bool absent = std::isnan(value) || (given && value == noData);
       if (!absent && !IsPost(value)) return Path() + ": has an elevation that is none";
       metres.push_back(absent ? std::numeric_limits<float>::quiet_NaN() : value);

@@ -12,7 +12,7 @@ constexpr float NOTHING = std::numeric_limits<float>::quiet_NaN();
 struct Place {
   int index = 0;
   float share = 0;
-  bool within = false;  // the posts on both sides are there
+  bool within = false;   // the posts on both sides are there
   bool reached = false;  // at least half a post beyond the outermost
 };
 
@@ -72,8 +72,8 @@ class Sampler {
     m_window = {m_lats.first, m_lons.first, m_lats.last - m_lats.first + 1, m_lons.last - m_lons.first + 1};
     return grid.Read(m_window, m_metres);
   }
-  // The mean of a post's samples, NaN when fewer than half have an elevation. `edges`: also such samples as lie
-  // beyond the outermost posts.
+  // The mean of a post's samples, NaN when fewer than half have an elevation. `edges`: also such samples as
+  // lie beyond the outermost posts.
   float At(int row, int col, bool edges) const;
 
  private:
@@ -103,21 +103,24 @@ float Sampler::At(int row, int col, bool edges) const {
   int known = 0;
   for (int i = row * m_lats.perPost; i < (row + 1) * m_lats.perPost; ++i)
     for (int j = col * m_lons.perPost; j < (col + 1) * m_lons.perPost; ++j) {
-      const Place &lat = m_lats.samples[static_cast<size_t>(i)], &lon = m_lons.samples[static_cast<size_t>(j)];
+      const Place &lat = m_lats.samples[static_cast<size_t>(i)],
+                  &lon = m_lons.samples[static_cast<size_t>(j)];
       if (edges ? !(lat.reached && lon.reached) : !(lat.within && lon.within)) continue;
       const float metres = Sample(lat, lon);
       if (std::isnan(metres)) continue;
       sum += metres;
       ++known;
     }
-  return known > 0 && known * 2 >= m_lats.perPost * m_lons.perPost ? sum / static_cast<float>(known) : NOTHING;
+  return known > 0 && known * 2 >= m_lats.perPost * m_lons.perPost ? sum / static_cast<float>(known)
+                                                                   : NOTHING;
 }
 
 // Fills what no grid has filled yet.
 void Fill(const Sampler& sampler, const TargetPosts& posts, bool edges, std::vector<float>& metres) {
   for (int row = 0; row < posts.rows; ++row)
     for (int col = 0; col < posts.cols; ++col) {
-      float& post = metres[static_cast<size_t>(row) * static_cast<size_t>(posts.cols) + static_cast<size_t>(col)];
+      float& post =
+          metres[static_cast<size_t>(row) * static_cast<size_t>(posts.cols) + static_cast<size_t>(col)];
       if (std::isnan(post)) post = sampler.At(row, col, edges);
     }
 }

@@ -19,11 +19,12 @@ constexpr int TILE_HEADER_SIZE = 44;
 // Offsets have 31 bits.
 constexpr int64_t LARGEST_FILE = INT32_MAX;
 
-// The headers of the tiles stand before their data and are known behind them: room is kept for all tiles that may
-// be. Data follow tile by tile, so that no more than one is in memory.
+// The headers of the tiles stand before their data and are known behind them: room is kept for all tiles that
+// may be. Data follow tile by tile, so that no more than one is in memory.
 class RegionWriter {
  public:
-  RegionWriter(GridSpan grids, const RegionPlan& plan) : m_grids(GridsIn(grids, plan.Bounds())), m_plan(plan) {
+  RegionWriter(GridSpan grids, const RegionPlan& plan)
+      : m_grids(GridsIn(grids, plan.Bounds())), m_plan(plan) {
     const double tile = static_cast<double>(plan.tilePosts) / plan.resolution;
     m_region.Init(plan.Bounds(), plan.TilesAlong(), plan.TilesAlong(), tile, tile);
   }
@@ -55,7 +56,8 @@ int RegionWriter::MostTiles() const {
   int tiles = 0;
   for (int row = 0; row < m_plan.TilesAlong(); ++row) {
     const std::vector<ElevGrid*> grids = GridsIn(m_grids, m_plan.RowBounds(row));
-    for (int col = 0; col < m_plan.TilesAlong(); ++col) tiles += IsCovered(grids, m_plan.TileBounds(row, col));
+    for (int col = 0; col < m_plan.TilesAlong(); ++col)
+      tiles += IsCovered(grids, m_plan.TileBounds(row, col));
   }
   return tiles;
 }
@@ -84,8 +86,10 @@ std::string RegionWriter::WriteTile(int row, int col, GridSpan grids) {
   const TargetPosts posts = {m_plan.south + 1.0 * row * m_plan.tilePosts / m_plan.resolution,
                              m_plan.west + 1.0 * col * m_plan.tilePosts / m_plan.resolution,
                              1.0 / m_plan.resolution, rows, cols};
-  if (std::string problem = Resample(GridsIn(grids, bounds), posts, m_metres); !problem.empty()) return problem;
-  if (std::all_of(m_metres.begin(), m_metres.end(), [](int16_t post) { return post == K7_NO_ELEV; })) return {};
+  if (std::string problem = Resample(GridsIn(grids, bounds), posts, m_metres); !problem.empty())
+    return problem;
+  if (std::all_of(m_metres.begin(), m_metres.end(), [](int16_t post) { return post == K7_NO_ELEV; }))
+    return {};
   auto tile = std::make_unique<K7TerTile>(bounds, rows, cols);
   if (const int code = tile->AllocMesh()) return Code(code);
   for (int r = 0; r < rows; ++r)

@@ -63,7 +63,8 @@ std::vector<ElevGrid*> GridsIn(GridSpan grids, const K7ChartRect& area) {
 }
 
 bool IsCovered(GridSpan grids, const K7ChartRect& area) {
-  return std::any_of(grids.begin(), grids.end(), [&area](const ElevGrid* grid) { return Covers(*grid, area); });
+  return std::any_of(grids.begin(), grids.end(),
+                     [&area](const ElevGrid* grid) { return Covers(*grid, area); });
 }
 
 std::vector<RegionPlan> PlanRegions(GridSpan grids, int resolution, int tilePosts) {
@@ -71,8 +72,7 @@ std::vector<RegionPlan> PlanRegions(GridSpan grids, int resolution, int tilePost
   for (int south = -90; south < 90; south += CELL)
     for (int west = -180; west < 180; west += CELL) {
       const K7ChartRect cell(south + CELL, south, west + CELL, west);
-      if (IsCovered(grids, cell))
-        plans.push_back({resolution, south, west, tilePosts});
+      if (IsCovered(grids, cell)) plans.push_back({resolution, south, west, tilePosts});
     }
   return plans;
 }

@@ -16,10 +16,10 @@ int ResolutionFor(const ElevGrid& grid);
 
 /// A region file: a cell of 30 by 30 degrees at one resolution.
 ///
-/// Its posts stand at whole fractions of a degree, where published grids have theirs, from the cell's south and
-/// west edge to its north and east edge; tiles are cut between posts, so that what a lookup answers is the
-/// nearest post. The bounds are those of the whole cell, as lookups of a position outside the bounds answer 0
-/// and do not go on to coarser levels; what has no elevations has no tiles.
+/// Its posts stand at whole fractions of a degree, where published grids have theirs, from the cell's south
+/// and west edge to its north and east edge; tiles are cut between posts, so that what a lookup answers is
+/// the nearest post. The bounds are those of the whole cell, as lookups of a position outside the bounds
+/// answer 0 and do not go on to coarser levels; what has no elevations has no tiles.
 struct RegionPlan {
   int resolution = 0;
   int south = 0;

@@ -15,7 +15,7 @@ struct RegionSurvey {
   int highest = 0;
 };
 
-/// Reads a region's file and every tile's grid, of which one at a time is kept. Empty, or what is wrong, in one
-/// line.
+/// Reads a region's file and every tile's grid, of which one at a time is kept. Empty, or what is wrong, in
+/// one line.
 std::string SurveyRegion(const std::string& path, K7TerRegion& region, RegionSurvey& survey,
                          const std::function<void(double share)>& progress);

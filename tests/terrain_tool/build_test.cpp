@@ -1,0 +1,248 @@
+// Grids of every format into region files and back out of their bytes.
+#include "region/build_region.h"
+#include "support/temp_dir.h"
+#include "terrain_tool/region_bytes.h"
+
+#include <gtest/gtest.h>
+
+#if defined(K7TERRAIN_GDAL)
+#include <gdal.h>
+#include <ogr_srs_api.h>
+#endif
+
+#include <cmath>
+#include <map>
+#include <random>
+#include <sstream>
+
+namespace {
+
+constexpr int SIDE = 13;  // posts of the made-up grids: a twelfth of a degree apart over one degree
+constexpr int GAP = -5000;
+
+// What a made-up grid with its south-west corner there has at row, col; one post in seven is without.
+int Made(int row, int col) { return (row * SIDE + col) % 7 == 3 ? GAP : 40 * row - 900 + col * col; }
+
+class TerrainBuild : public ::testing::Test {
+ protected:
+  void Put(const std::string& name, const std::string& bytes) {
+    std::ofstream(m_dir / name, std::ios::binary) << bytes;
+  }
+  // Builds from the files named; the problem, or empty.
+  std::string Build(const std::vector<std::string>& names, int resolution, int tilePosts = 16) {
+    std::vector<std::unique_ptr<ElevGrid>> owned;
+    std::vector<ElevGrid*> grids;
+    for (const std::string& name : names) {
+      std::unique_ptr<ElevGrid> grid;
+      std::string problem = OpenGrid(name[0] == '/' ? name : m_dir / name, grid);
+      if (!problem.empty()) return problem;
+      grids.push_back(grid.get());
+      owned.push_back(std::move(grid));
+    }
+    m_plans = PlanRegions(grids, resolution, tilePosts);
+    for (const RegionPlan& plan : m_plans) {
+      int tiles = 0;
+      std::string problem = BuildRegion(
+          grids, plan, m_dir / "out", [](double) {}, tiles);
+      if (!problem.empty()) return problem;
+    }
+    return {};
+  }
+  RegionBytes Region(const std::string& name) const { return RegionBytes(m_dir / "out/" + name + ".ter"); }
+  size_t FilesMade() const {
+    return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(m_dir / "out"), {}));
+  }
+  void SetUp() override { std::filesystem::create_directory(m_dir / "out"); }
+
+  std::string Hgt() const {
+    std::string bytes;
+    for (int row = SIDE - 1; row >= 0; --row)
+      for (int col = 0; col < SIDE; ++col) {
+        const int value = Made(row, col) == GAP ? -32768 : Made(row, col);
+        bytes += static_cast<char>(value >> 8);
+        bytes += static_cast<char>(value);
+      }
+    return bytes;
+  }
+  std::string Asc(const std::string& place) const {
+    std::ostringstream text;
+    text.precision(17);
+    text << "ncols 13\nNROWS 13\n" << place << "\ncellsize " << 1.0 / 12 << "\nNODATA_value -9999\n";
+    for (int row = SIDE - 1; row >= 0; --row)
+      for (int col = 0; col < SIDE; ++col)
+        text << (Made(row, col) == GAP ? -9999 : Made(row, col)) << (col + 1 < SIDE ? " " : "\r\n");
+    return text.str();
+  }
+  std::string Csv() const {
+    std::ostringstream text;
+    text.precision(7);
+    text << "elevation_m,longitude,latitude\n";
+    for (int col = 0; col < SIDE; ++col)
+      for (int row = 0; row < SIDE; ++row) {
+        if (Made(row, col) != GAP) text << Made(row, col);
+        text << ',' << -123 + col / 12.0 << ',' << 48 + row / 12.0 << '\n';
+      }
+    return text.str();
+  }
+
+  TempDir m_dir;
+  std::vector<RegionPlan> m_plans;
+};
+
+TEST_F(TerrainBuild, EveryFormatGivesItsPosts) {
+  Put("n48w123.hgt", Hgt());
+  Put("corner.asc", Asc("xllcorner -123.04166666666667\nyllcorner 47.958333333333333"));
+  Put("center.asc", Asc("xllcenter 237\nyllcenter 48"));
+  Put("table.csv", Csv());
+  std::vector<std::string> names = {"n48w123.hgt", "corner.asc", "center.asc", "table.csv"};
+#if defined(K7TERRAIN_GDAL)
+  GDALAllRegister();
+  GDALDatasetH tiff = GDALCreate(GDALGetDriverByName("GTiff"), (m_dir / "made.tif").c_str(), SIDE, SIDE, 1,
+                                 GDT_Int16, nullptr);
+  double place[6] = {-123 - 0.5 / 12, 1.0 / 12, 0, 49 + 0.5 / 12, 0, -1.0 / 12};
+  GDALSetGeoTransform(tiff, place);
+  std::vector<int16_t> down;
+  for (int i = 0; i < SIDE * SIDE; ++i)
+    down.push_back(static_cast<int16_t>(Made(SIDE - 1 - i / SIDE, i % SIDE)));
+  GDALRasterBandH band = GDALGetRasterBand(tiff, 1);
+  GDALSetRasterNoDataValue(band, GAP);
+  ASSERT_EQ(GDALRasterIO(band, GF_Write, 0, 0, SIDE, SIDE, down.data(), SIDE, SIDE, GDT_Int16, 0, 0),
+            CE_None);
+  GDALClose(tiff);
+  names.emplace_back("made.tif");
+#endif
+  for (const std::string& name : names) {
+    ASSERT_EQ(Build({name}, 12), "") << name;
+    ASSERT_EQ(m_plans.size(), 1u);
+    ASSERT_EQ(m_plans[0].Name(), "12_N30W150");
+    const RegionBytes region = Region("12_N30W150");
+    // Nearest posts: also for positions almost half a post away.
+    for (int row = 0; row < SIDE; ++row)
+      for (int col = 0; col < SIDE; ++col)
+        for (const double off : {-0.49, 0.0, 0.49})
+          EXPECT_EQ(region.Metres(48 + (row + off) / 12, -123 + (col - off) / 12), Made(row, col)) << name;
+    EXPECT_EQ(region.Metres(47.9, -122.5), GAP);
+    // The whole cell, so that positions around the tiles are not taken for sea.
+    EXPECT_LE(region.South(), 30);
+    EXPECT_GE(region.East(), -120);
+    EXPECT_EQ(FilesMade(), 2u);
+  }
+}
+
+TEST_F(TerrainBuild, TheSampleIsItsGrid) {
+  std::map<double, std::map<double, double>> grid;
+  std::ifstream csv(K7_SAMPLE_DATA "/terrain/salish_sea.csv");
+  std::string line;
+  std::getline(csv, line);
+  double lat, lon, metres;
+  while (std::getline(csv, line))
+    if (std::sscanf(line.c_str(), "%lf,%lf,%lf", &lat, &lon, &metres) == 3) grid[lat][lon] = metres;
+  ASSERT_EQ(grid.size(), 91u);
+  // Between the four posts about it.
+  const auto expected = [&grid](double y, double x) {
+    const auto north = grid.upper_bound(y), south = std::prev(north);
+    const auto along = [x](const std::map<double, double>& row) {
+      const auto east = row.upper_bound(x), west = std::prev(east);
+      return west->second + (east->second - west->second) * (x - west->first) / (east->first - west->first);
+    };
+    const double share = (y - south->first) / (north->first - south->first);
+    return along(south->second) * (1 - share) + along(north->second) * share;
+  };
+  for (const int resolution : {40, 120}) {
+    ASSERT_EQ(Build({K7_SAMPLE_DATA "/terrain/salish_sea.csv"}, resolution, 256), "");
+    const std::string name = std::to_string(resolution) + "_N30W150";
+    const RegionBytes built = Region(name), sample(K7_SAMPLE_DATA "/terrain/" + name + ".ter");
+    int compared = 0;
+    for (int i = 0; i <= 2 * resolution; ++i)
+      for (int j = 0; j <= 4 * resolution; ++j) {
+        const double y = 48 + 1.0 * i / resolution, x = -126 + 1.0 * j / resolution;
+        EXPECT_EQ(sample.Metres(y, x), built.Metres(y, x));
+        if (y < 48.02 || y > 49.98 || x < -125.98 || x > -122.02) continue;
+        // Half a metre of rounding, and positions of five places in a steep grid.
+        EXPECT_NEAR(built.Metres(y, x), expected(y, x), 0.75) << y << " " << x;
+        ++compared;
+      }
+    EXPECT_GT(compared, resolution * resolution * 7);
+  }
+}
+
+TEST_F(TerrainBuild, BorderPostsAreInTheCellsOnBothSides) {
+  // About 180 degrees, and up to the pole; a quarter of a turn of longitudes beyond 180.
+  std::ostringstream text;
+  text << "latitude,longitude,elev\n";
+  for (const int row : {-90, -75, -60, -45})
+    for (const int col : {165, 180, 195, 210}) text << row << ',' << col << ',' << row * 10 + col << '\n';
+  Put("polar.csv", text.str());
+  ASSERT_EQ(Build({"polar.csv"}, 12, 100), "");
+  std::string names;
+  for (const RegionPlan& plan : m_plans) names += plan.Name() + " ";
+  EXPECT_EQ(names, "12_S90W180 12_S90E150 12_S60W180 12_S60E150 ");
+  for (const double at : {-60.0, -60.04, -60 - 1.0 / 25}) {
+    EXPECT_EQ(Region("12_S90W180").Metres(at, -180), Region("12_S90E150").Metres(at, 180)) << at;
+    EXPECT_NEAR(Region("12_S90E150").Metres(at, 179.99), at * 10 + 180, 1.5);
+  }
+  EXPECT_EQ(Region("12_S60W180").Metres(-60, -180), -420);
+  EXPECT_EQ(Region("12_S90W180").Metres(-60, -180), -420);
+  EXPECT_EQ(Region("12_S90W180").Metres(-90, -165), -705);
+}
+
+TEST_F(TerrainBuild, CoarserLevelsHaveMeansAndSeamsBetweenFilesAreClosed) {
+  // Two files that meet between posts, as grids of areas do; a depth that means "none" is not lost.
+  const auto half = [](const char* west, int value) {
+    std::ostringstream text;
+    text << "ncols 120\nnrows 120\nxllcorner " << west << "\nyllcorner 10\ncellsize 0.008333333333333333\n";
+    for (int i = 0; i < 120 * 120; ++i) text << value + (i % 2 ? 30 : -30) << ' ';
+    return text.str();
+  };
+  Put("west.asc", half("20", 500));
+  Put("east.asc", half("21", -4970));
+  ASSERT_EQ(Build({"west.asc", "east.asc"}, 12), "");
+  const RegionBytes coarse = Region("12_N00E000");
+  EXPECT_EQ(coarse.Metres(10.5, 20.5), 500);
+  EXPECT_EQ(coarse.Metres(10.5, 21.5), -4970);
+  ASSERT_EQ(Build({"west.asc", "east.asc"}, 1200, 256), "");
+  const RegionBytes fine = Region("1200_N00E000");
+  for (int i = 0; i <= 1200; ++i) EXPECT_NE(fine.Metres(10.5, 20.5 + i / 1200.0), GAP) << i;
+  EXPECT_EQ(fine.Metres(10 + 5.0 / 1200, 21 + 5.0 / 1200), -4999);
+}
+
+TEST_F(TerrainBuild, DamageIsToldAndMakesNothing) {
+  const std::string csv = Csv(), asc = Asc("xllcenter -123\nyllcenter 48");
+  const auto swapped = [](std::string text, const std::string& from, const std::string& to) {
+    return text.replace(text.find(from), from.size(), to);
+  };
+  const struct {
+    const char* name;
+    std::string bytes;
+    const char* problem;
+  } cases[] = {
+      {"n48w123.hgt", Hgt().substr(0, 300), "no square grid"},
+      {"n48w123.hgt", "", "no square grid"},
+      {"north.hgt", Hgt(), "where it lies"},
+      {"n98w123.hgt", Hgt(), "where it lies"},
+      {"a.asc", asc.substr(0, asc.size() - 9), "before its last post"},
+      {"a.asc", asc.substr(0, 40), "header"},
+      {"a.asc", asc + "7", "behind its last post"},
+      {"a.asc", swapped(asc, "ncols 13", "ncols 2147483647"), "too short"},
+      {"a.asc", swapped(asc, "ncols 13", "ncols -13"), "the size"},
+      {"a.asc", swapped(asc, "yllcenter 48", "yllcenter 89.5"), "not on the globe"},
+      {"a.asc", swapped(asc, "yllcenter 48", "yllcenter nan"), "header"},
+      {"a.asc", swapped(asc, "-860", "nan"), "no number"},
+      {"a.asc", swapped(asc, "-860", "1e300"), "is none"},
+      {"t.csv", csv.substr(0, csv.size() - 12), "line 170"},
+      {"t.csv", csv + "5,-123,48\n", "full grid"},
+      {"t.csv", swapped(csv, "-123,48", "-123,inf"), "line 2 has a position"},
+      {"t.csv", "a,b,c\n", "names no latitude"},
+      {"g.tif", asc, ""},
+      {"g.png", "", "its name ends"},
+  };
+  for (const auto& c : cases) {
+    Put(c.name, c.bytes);
+    const std::string problem = Build({c.name}, 12);
+    EXPECT_NE(problem.find(c.problem), std::string::npos) << c.name << ": " << problem;
+    EXPECT_FALSE(problem.empty() || problem.find('\n') != std::string::npos) << c.name;
+    EXPECT_EQ(FilesMade(), 0u) << c.name;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,57 @@
+#!/bin/bash
+# k7terrain from outside: command_line.sh K7TERRAIN
+set -uo pipefail
+terrain=$1
+here=$(cd "$(dirname "$0")" && pwd)
+sample=$(cd "$here/../../data/sample/terrain" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+failed=0
+fail() { echo "FAILED: $*"; failed=1; }
+
+refuses() {  # what the one line of the error output must hold, then arguments
+  local expected=$1
+  shift
+  "$terrain" "$@" >out.txt 2>err.txt && fail "k7terrain $* is taken"
+  test "$(wc -l <err.txt)" = 1 && grep -q -- "$expected" err.txt || fail "k7terrain $*: $(cat err.txt)"
+}
+
+# One process a region makes what one process for all makes.
+levels=(--resolution 12 --resolution 40 --resolution 120)
+test "$("$terrain" build --list "${levels[@]}" "$sample" | tr '\n' ' ')" = "12_N30W150 40_N30W150 120_N30W150 " ||
+  fail "the list"
+test "$("$terrain" build --list "$sample")" = 40_N30W150 || fail "the level that suits"
+for region in $("$terrain" build --list "${levels[@]}" "$sample"); do
+  "$terrain" build "${levels[@]}" --region "$region" --output one "$sample" &
+done
+wait
+"$terrain" build "${levels[@]}" --output all "$sample/salish_sea.csv" || fail "build"
+diff -r one all || fail "regions made one by one differ"
+test "$(ls one | wc -l)" = 6 || fail "files beside the regions: $(ls one)"
+"$terrain" check one | grep -c ': good$' | grep -q '^3$' || fail "check"
+"$terrain" check "$sample" >out.txt || fail "the sample: $(cat out.txt)"
+"$terrain" info one/40_N30W150.ter | grep -q '^metres: -13.. to 21..$' || fail "info"
+
+# What is whole stays when its successor cannot be made, also on a full disk.
+cp one/40_N30W150.ter before
+head -c 100000 "$sample/salish_sea.csv" >cut.csv
+refuses "cut.csv" build --output one cut.csv
+(ulimit -f 8; "$terrain" build --output one "$sample" 2>err.txt) && fail "a full disk is taken"
+grep -q "cannot write 40_N30W150.ter" err.txt || fail "a full disk: $(cat err.txt)"
+cmp before one/40_N30W150.ter && test "$(ls one | wc -l)" = 6 || fail "a failed build leaves its traces: $(ls one)"
+
+printf x | dd of=one/40_N30W150.ter bs=1 seek=15000 conv=notrunc 2>/dev/null
+refuses "1 of 3 region files" check one
+grep -q '^one/40_N30W150.ter: ' out.txt || fail "the damaged one is not named"
+for size in 0 50 72 100 5000 20000; do
+  head -c $size before >cut.ter
+  refuses "cut.ter: " info cut.ter
+done
+refuses "there is no region file" check "$here"
+refuses "none of the regions" build --region 40_N00E000 "$sample"
+refuses "none of 12 40" build --resolution 41 "$sample"
+refuses "no number of posts" build --tile 1e9 "$sample"
+refuses "no elevation grid in" build one
+refuses "needs elevation grids" build
+exit $failed
