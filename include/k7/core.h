@@ -7,5 +7,5 @@
 #include <k7/io.h>
 #include <k7/navdata.h>
 #include <k7/projection.h>
-#include <k7/terrain.h>
 #include <k7/raster.h>
+#include <k7/terrain.h>

@@ -63,13 +63,12 @@ bool FindTaps(const PostGrid& source, const PostGrid& target, bool isRow, Buffer
               Buffer<float>& weights) {
   const int count = isRow ? target.rows : target.cols;
   const int posts = isRow ? source.rows : source.cols;
-  const double reach =
-      isRow ? target.RowStep() / source.RowStep() : target.ColStep() / source.ColStep();
+  const double reach = isRow ? target.RowStep() / source.RowStep() : target.ColStep() / source.ColStep();
   for (int i = 0; i < count; ++i) {
     const double at = isRow ? source.RowAt(target.Lat(i)) : source.ColAt(target.Lon(i));
-    const bool isOn = isRow ? target.Lat(i) >= source.south - 1e-9 && target.Lat(i) <= source.north + 1e-9
-                            : source.EastOf(target.Lon(i)) >= -1e-9 &&
-                                  source.EastOf(target.Lon(i)) <= source.width + 1e-9;
+    const bool isOn =
+        isRow ? target.Lat(i) >= source.south - 1e-9 && target.Lat(i) <= source.north + 1e-9
+              : source.EastOf(target.Lon(i)) >= -1e-9 && source.EastOf(target.Lon(i)) <= source.width + 1e-9;
     taps.Add(isOn && IsWithin(at, posts) ? Tent(at, posts, reach, weights) : Taps{0, 0, 0});
   }
   return !taps.Failed() && !weights.Failed();

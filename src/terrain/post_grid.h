@@ -1,4 +1,5 @@
-// A grid of elevations and where it lies: what merging, smoothing, shading and meshes work on, whoever owns it.
+// A grid of elevations and where it lies: what merging, smoothing, shading and meshes work on, whoever owns
+// it.
 #pragma once
 
 #include <k7/terrain/ter_tile.h>
@@ -17,7 +18,8 @@ struct PostGrid {
   double ColStep() const { return cols > 1 ? width / (cols - 1) : width; }
   double Lat(int row) const { return row == rows - 1 ? north : south + row * RowStep(); }
   double Lon(int col) const { return west + (col == cols - 1 ? width : col * ColStep()); }
-  /// Where a position lies, in posts from the south-western one; within the grid from 0 to rows - 1, cols - 1.
+  /// Where a position lies, in posts from the south-western one; within the grid from 0 to rows - 1, cols
+  /// - 1.
   double RowAt(double lat) const { return rows > 1 ? (lat - south) / RowStep() : 0; }
   double ColAt(double lon) const { return cols > 1 ? EastOf(lon) / ColStep() : 0; }
   /// Degrees east of the western edge; of what lies outside, the nearer side's: below 0 or above the width.

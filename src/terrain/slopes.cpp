@@ -63,8 +63,8 @@ Slope AtPost(const float* south, const float* here, const float* north, float pe
 }  // namespace
 
 std::unique_ptr<Slope[]> FindSlopes(const PostGrid& grid, const PostBorder& border) {
-  std::unique_ptr<Slope[]> slopes(new (std::nothrow) Slope[static_cast<size_t>(grid.rows) *
-                                                           static_cast<size_t>(grid.cols)]);
+  std::unique_ptr<Slope[]> slopes(new (std::nothrow)
+                                      Slope[static_cast<size_t>(grid.rows) * static_cast<size_t>(grid.cols)]);
   Buffer<float> memory;
   const int width = grid.cols + 2;
   float* south = memory.Extend(3 * width);
@@ -80,7 +80,8 @@ std::unique_ptr<Slope[]> FindSlopes(const PostGrid& grid, const PostBorder& bord
     const double narrowing = std::max(std::cos(grid.Lat(r) * K7_DEG_TO_RAD), 1e-6);
     const auto perEast = static_cast<float>(1 / (METRES_PER_DEGREE * grid.ColStep() * narrowing));
     Slope* const out = slopes.get() + static_cast<ptrdiff_t>(r) * grid.cols;
-    for (int c = 0; c < grid.cols; ++c) out[c] = AtPost(south + c + 1, here + c + 1, north + c + 1, perEast, perNorth);
+    for (int c = 0; c < grid.cols; ++c)
+      out[c] = AtPost(south + c + 1, here + c + 1, north + c + 1, perEast, perNorth);
     std::swap(south, here);
     std::swap(here, north);
   }

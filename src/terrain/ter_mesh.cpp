@@ -35,14 +35,18 @@ struct Maker {
     K7ECEF normal(-slope.east * exaggeration, -slope.north * exaggeration, 1);
     normal.Normalize();
     if (globe) normal = Turned(normal, lat * K7_DEG_TO_RAD, lon * K7_DEG_TO_RAD);
-    return {static_cast<float>(place.X() - origin.X()), static_cast<float>(place.Y() - origin.Y()),
-            static_cast<float>(place.Z() - origin.Z()), static_cast<float>(normal.X()),
-            static_cast<float>(normal.Y()), static_cast<float>(normal.Z())};
+    return {static_cast<float>(place.X() - origin.X()),
+            static_cast<float>(place.Y() - origin.Y()),
+            static_cast<float>(place.Z() - origin.Z()),
+            static_cast<float>(normal.X()),
+            static_cast<float>(normal.Y()),
+            static_cast<float>(normal.Z())};
   }
 
   // From east, north and up to the earth's frame, at the poles too, where the longitude says what is east.
   static K7ECEF Turned(const K7ECEF& n, double lat, double lon) {
-    const double sinLat = std::sin(lat), cosLat = std::cos(lat), sinLon = std::sin(lon), cosLon = std::cos(lon);
+    const double sinLat = std::sin(lat), cosLat = std::cos(lat), sinLon = std::sin(lon),
+                 cosLon = std::cos(lon);
     const double out = cosLat * n.Z() - sinLat * n.Y();
     return {cosLon * out - sinLon * n.X(), sinLon * out + cosLon * n.X(), sinLat * n.Z() + cosLat * n.Y()};
   }
@@ -104,7 +108,8 @@ int K7TerMesh::Create(const K7TerTile& tile, K7TerMeshKind kind, double exaggera
       if (north[c] >= 0) vertices[static_cast<size_t>(north[c])] = maker.Vertex(r, c, origin);
     }
     for (int c = 0; r > 0 && c + 1 < grid.cols; ++c)
-      m_triangleCount += maker.Square(r - 1, c, south, north, triangles.get() + 3 * ptrdiff_t{m_triangleCount});
+      m_triangleCount +=
+          maker.Square(r - 1, c, south, north, triangles.get() + 3 * ptrdiff_t{m_triangleCount});
     std::swap(south, north);
   }
   m_vertices = vertices.release();

@@ -85,7 +85,8 @@ int K7TerRing::MakeTiles(int rows, int columns) {
     m_tiles[i] = new (std::nothrow) K7TerTileEX;
     if (!m_tiles[i]) return K7_ERR_MEMORY;
     m_count = i + 1;
-    if (const int code = m_tiles[i]->Init(K7ChartRect(north, m_south, east, west), rows, columns)) return code;
+    if (const int code = m_tiles[i]->Init(K7ChartRect(north, m_south, east, west), rows, columns))
+      return code;
     west = east;
   }
   return 0;

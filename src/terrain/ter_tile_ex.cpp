@@ -51,7 +51,8 @@ int K7TerTileEX::Init(const K7ChartRect& bounds, int rows, int columns) {
   const bool open = rows == 0 && columns == 0;
   PostGrid grid{};
   if (!(open && bounds.IsEmpty()) && !BoundsOf(bounds, grid)) return K7_ERR_INVALID_DATA;
-  if (!open && (std::min(rows, columns) < 2 || std::max(rows, columns) > MAX_ROWS)) return K7_ERR_INVALID_DATA;
+  if (!open && (std::min(rows, columns) < 2 || std::max(rows, columns) > MAX_ROWS))
+    return K7_ERR_INVALID_DATA;
   Free();
   m_sources.Clear();
   m_wishedBounds = bounds;

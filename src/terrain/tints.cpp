@@ -88,14 +88,14 @@ uint32_t Tints::Pixel(const Slope& ground, double metres) const {
   if (m_count == 0 || !(ground.weight > 0.5F)) return 0;
   const float elevation = ground.elevation / ground.weight;
   const Slope slope{elevation, ground.east / ground.weight, ground.north / ground.weight, 1};
-  const float range = std::min(
-      static_cast<float>(metres) * (std::abs(slope.east) + std::abs(slope.north)), 20000.0F);
+  const float range =
+      std::min(static_cast<float>(metres) * (std::abs(slope.east) + std::abs(slope.north)), 20000.0F);
   const float low = elevation - range / 2, high = elevation + range / 2;
   const Paint paint = Mix(low, high);
 
   const float land = low + SAME_METRES >= m_seaLevel ? 1
                      : high < m_seaLevel             ? 0
-                                                     : (high - m_seaLevel) / std::max(high - low, SAME_METRES);
+                                         : (high - m_seaLevel) / std::max(high - low, SAME_METRES);
   const bool shaded = (m_shadeLand && land > 0) || (m_shadeWater && land < 1);
   const float relief = shaded ? LandLight(slope) : 1;
   float light = land * (m_shadeLand ? relief : 1);

@@ -30,7 +30,7 @@ class Tints {
   float m_limits[K7TerColorMap::MAX_BANDS] = {};
   Paint m_paints[K7TerColorMap::MAX_BANDS] = {};
   float m_exaggeration = 1;
-  float m_toLight[3] = {};    // times the share of directed light, east, north and up
+  float m_toLight[3] = {};  // times the share of directed light, east, north and up
   float m_ambient = 0;
   float m_seaLevel = 0, m_deepWater = 0, m_deepLoss = 0;
   bool m_shadeLand = true, m_shadeWater = false;

@@ -11,7 +11,8 @@
 /// Metres a degree of a great circle: 60 NM of the sphere, 3437.74677 NM in radius.
 inline constexpr double METRES_A_DEGREE = 3437.74677 * 1852 * 3.14159265358979 / 180;
 
-/// A tile with posts on its edges; `elevation` gives metres for a latitude and a longitude that runs on past 180.
+/// A tile with posts on its edges; `elevation` gives metres for a latitude and a longitude that runs on past
+/// 180.
 template <class Tile = K7TerTile, class Elevation>
 std::unique_ptr<Tile> MakeTile(const K7ChartRect& bounds, int rows, int cols, Elevation elevation) {
   auto tile = std::make_unique<Tile>();

@@ -58,7 +58,8 @@ double Plane(double lat, double lon) { return 900 * (lat - 47) + 700 * (lon + 12
 
 // Two finer tiles and a coarser one side by side onto grids of other spacings, finer and coarser than either.
 TEST(TerMerge, APlaneStaysOneAtAnySpacing) {
-  const auto a = MakeTile({48, 47, -121, -122}, 101, 101, Plane), b = MakeTile({48, 47, -120, -121}, 41, 61, Plane);
+  const auto a = MakeTile({48, 47, -121, -122}, 101, 101, Plane),
+             b = MakeTile({48, 47, -120, -121}, 41, 61, Plane);
   const auto c = MakeTile({47, 46, -120, -122}, 61, 91, Plane);
   for (const int rows : {9, 33, 97, 350}) {
     K7TerTileEX tile;
@@ -77,7 +78,8 @@ TEST(TerMerge, APlaneStaysOneAtAnySpacing) {
 
 TEST(TerMerge, WhatIsFinerThanTheTargetIsAveraged) {
   int side = 0;
-  const auto chequers = MakeTile({1, 0, 1, 0}, 401, 401, [&](double, double) { return side++ % 2 ? 500 : -500; });
+  const auto chequers =
+      MakeTile({1, 0, 1, 0}, 401, 401, [&](double, double) { return side++ % 2 ? 500 : -500; });
   K7TerTileEX tile;
   ASSERT_EQ(0, tile.Init({1, 0, 1, 0}, 41, 41));
   ASSERT_EQ(0, tile.AddTileForMerge(chequers.get()));
@@ -87,7 +89,9 @@ TEST(TerMerge, WhatIsFinerThanTheTargetIsAveraged) {
 
 TEST(TerMerge, SmoothingKeepsPlanesEdgesAndHoles) {
   std::mt19937 random(3);
-  const auto rough = [&](double lat, double lon) { return Plane(lat, lon) + static_cast<int>(random() % 201) - 100; };
+  const auto rough = [&](double lat, double lon) {
+    return Plane(lat, lon) + static_cast<int>(random() % 201) - 100;
+  };
   const auto tile = MakeTile<K7TerTileEX>({48, 47, -121, -122}, 51, 51, rough);
   const auto right = MakeTile<K7TerTileEX>({48, 47, -120, -121}, 51, 51, rough);
   for (int r = 0; r < 51; ++r) right->GetMesh()[r][0] = tile->GetMesh()[r][50];
@@ -114,7 +118,8 @@ TEST(TerMerge, RefusesWhatCannotBe) {
   EXPECT_EQ(-11003, tile.Init({1, nan, 1, 0}, 5, 5));
   EXPECT_EQ(-11003, tile.Init({91, 0, 1, 0}, 5, 5));
   EXPECT_EQ(-11003, tile.Init({1, 0, 1, 0}, 5, 32768));
-  K7TerTile absurd(K7ChartRect(1e-9, 0, 1e-9, 0), 32767, 32767), broken(K7ChartRect(nan, nan, nan, nan), 3, 3);
+  K7TerTile absurd(K7ChartRect(1e-9, 0, 1e-9, 0), 32767, 32767),
+      broken(K7ChartRect(nan, nan, nan, nan), 3, 3);
   ASSERT_EQ(0, broken.AllocMesh());
   ASSERT_EQ(0, tile.Init({1, 0, 1, 0}, 0, 0));
   ASSERT_EQ(0, tile.AddTileForMerge(&absurd));

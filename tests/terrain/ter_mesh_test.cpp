@@ -58,13 +58,16 @@ TEST(TerMesh, AShellHasItsAreaAndRadialNormals) {
     area += std::sqrt(Dot(normal, normal)) / 2;
   }
   const double radius = 1 + 2 * 6378 / 6378137.0;
-  const double zone = radius * radius * 20 * pi / 180 * (std::sin(north * pi / 180) - std::sin(south * pi / 180));
+  const double zone =
+      radius * radius * 20 * pi / 180 * (std::sin(north * pi / 180) - std::sin(south * pi / 180));
   EXPECT_NEAR(1, area / zone, 2e-5);
   for (int i = 0; i < mesh.VertexCount(); ++i) {
     const K7TerVertex& v = mesh.Vertices()[i];
     const K7ECEF up(south + (north - south) * (i / 121) / 80, 170 + 20.0 * (i % 121) / 120);
-    EXPECT_NEAR(radius, Dot({mesh.Origin()[0] + v.x, mesh.Origin()[1] + v.y, mesh.Origin()[2] + v.z},
-                            {up.X(), up.Y(), up.Z()}), 1e-7);
+    EXPECT_NEAR(radius,
+                Dot({mesh.Origin()[0] + v.x, mesh.Origin()[1] + v.y, mesh.Origin()[2] + v.z},
+                    {up.X(), up.Y(), up.Z()}),
+                1e-7);
     EXPECT_NEAR(1, Dot({v.nx, v.ny, v.nz}, {up.X(), up.Y(), up.Z()}), 1e-6);
   }
 }

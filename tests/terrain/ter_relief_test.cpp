@@ -118,7 +118,8 @@ TEST(TerRelief, LimitsOfBandsRunThroughPixels) {
 double Hills(double lat, double lon) { return 800 * std::sin(lat * 300) * std::cos(lon * 250) + 900; }
 
 TEST(TerRelief, WithItsSurroundingsATileMeetsItsNeighbour) {
-  const auto west = MakeTile({0.1, 0, 10.1, 10}, 41, 41, Hills), east = MakeTile({0.1, 0, 10.2, 10.1}, 41, 41, Hills);
+  const auto west = MakeTile({0.1, 0, 10.1, 10}, 41, 41, Hills),
+             east = MakeTile({0.1, 0, 10.2, 10.1}, 41, 41, Hills);
   const auto both = MakeTile({0.1, 0, 10.2, 10}, 41, 81, Hills);
   K7TerParams params;
   OneBand(params, 0xFF808080);
@@ -145,7 +146,8 @@ TEST(TerRelief, AnySettingIsSafe) {
   const auto tile = MakeTile(Bounds(89.9), 5, 5, Hills);
   for (const double v : {std::nan(""), -1e300, 1e300, std::numeric_limits<double>::infinity(), 0.0}) {
     K7TerParams params;
-    params.m_exaggeration = params.m_lightTurn = params.m_lightHeight = params.m_ambient = params.m_diffuse = v;
+    params.m_exaggeration = params.m_lightTurn = params.m_lightHeight = params.m_ambient = params.m_diffuse =
+        v;
     params.m_seaLevel = params.m_deepWater = params.m_deepDarkening = std::numeric_limits<int32_t>::max();
     K7TerRelief relief;
     ASSERT_EQ(0, relief.Init(*tile, params));
@@ -164,7 +166,8 @@ class Canvas : public K7GrfxK7 {
     for (int y = 0; y < height; ++y) {
       for (int x = 0; x < width; ++x) {
         const uint32_t pixel = image[y * width + x];
-        const auto at = static_cast<size_t>((y + static_cast<int>(top)) * Width() + x + static_cast<int>(left));
+        const auto at =
+            static_cast<size_t>((y + static_cast<int>(top)) * Width() + x + static_cast<int>(left));
         if (!pixel) continue;
         pixels[at] = pixel;
         ++times[at];
@@ -186,10 +189,9 @@ TEST(TerRelief, TilesMeetInEveryProjection) {
   std::vector<std::unique_ptr<K7TerTileEX>> tiles;
   for (const double south : {40.0, 50.0})
     for (const double west : {165.0, 175.0, -175.0})
-      tiles.push_back(MakeTile<K7TerTileEX>({south + 10, south, west + 10 > 180 ? west - 350 : west + 10, west}, 11,
-                                            11, [](double, double lon) {
-                                              return std::remainder(lon, 360) < 0 ? 2000 : 0;
-                                            }));
+      tiles.push_back(
+          MakeTile<K7TerTileEX>({south + 10, south, west + 10 > 180 ? west - 350 : west + 10, west}, 11, 11,
+                                [](double, double lon) { return std::remainder(lon, 360) < 0 ? 2000 : 0; }));
   for (int type = 0; type <= K7_PROJ_GNOMONIC; ++type) {
     for (const double range : {300.0, 2500.0}) {
       int error = 0;

@@ -32,7 +32,8 @@ TEST(TerRing, TilesStayRoughlySquare) {
     double south;
     float height;
     int tiles;
-  } bands[] = {{0, 10, 36}, {60, 10, 15}, {-70, 10, 15}, {50, 10, 36}, {80, 10, 3}, {-90, 10, 3}, {0, 0.1F, 3600}};
+  } bands[] = {{0, 10, 36}, {60, 10, 15}, {-70, 10, 15},  {50, 10, 36},
+               {80, 10, 3}, {-90, 10, 3}, {0, 0.1F, 3600}};
   for (const auto& band : bands) {
     K7TerRing ring;
     ASSERT_EQ(0, ring.Init(band.south, band.height, 2, 2));

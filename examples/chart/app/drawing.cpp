@@ -5,6 +5,7 @@
 #include "layers/earth_layer.h"
 #include "layers/graticule_layer.h"
 #include "layers/shape_layer.h"
+#include "layers/terrain_layer.h"
 #include "sheet/page.h"
 
 #include <algorithm>
@@ -32,6 +33,12 @@ std::string LayerStack::Add(const LayerRequest& request, const LayerOptions& opt
   std::string problem;
   if (request.path.empty()) {
     m_layers.push_back(m_nav.Make(request.item, options, problem));
+    return problem;
+  }
+  if (request.item == ThemeItem::Terrain) {
+    auto terrain = std::make_unique<TerrainLayer>(request.path);
+    problem = terrain->Load(progress);
+    m_layers.push_back(std::move(terrain));
     return problem;
   }
   auto layer = std::make_unique<ShapeLayer>(request.item, request.path);

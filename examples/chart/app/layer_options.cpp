@@ -38,6 +38,11 @@ std::string SetMagnetic(const char* text, LayerOptions& options) {
   return {};
 }
 
+std::string SetTerrain(const char* text, LayerOptions& options) {
+  options.terrain = text;
+  return {};
+}
+
 std::string DataFiles(const LayerOptions&) {
   std::string files;
   for (const LayerRow& layer : Layers()) {
@@ -69,6 +74,10 @@ constexpr OptionRow<LayerOptions> DATA_OPTIONS[] = {
      "coefficients of the World Magnetic Model, for magnetic courses and isogonic lines (default: those that "
      "k7chart comes with)",
      SetMagnetic},
+    {"--terrain", "FOLDER",
+     "region files, made by 'k7terrain build': draws shaded relief in tints of height under the other layers "
+     "(the sample's are in the folder terrain of the sample data)",
+     SetTerrain},
 };
 
 // Empty, or what is wrong.
@@ -87,6 +96,14 @@ std::string Find(const std::string& name, const std::string& folder, const DataS
   request = {kind ? kind->item : ThemeItem::Other, name};
   if (IsShapefile(name)) return {};
   return "unknown layer " + Quoted(name) + ": " + WhatIsThere(folder) + "; a file of your own ends in .shp";
+}
+
+// Over the land, under the lakes.
+void AddTerrain(const LayerOptions& options, std::vector<LayerRequest>& layers) {
+  if (options.terrain.empty()) return;
+  const auto above = std::find_if(layers.begin(), layers.end(),
+                                  [](const LayerRequest& layer) { return layer.item > ThemeItem::Terrain; });
+  layers.insert(above, {ThemeItem::Terrain, options.terrain});
 }
 
 }  // namespace
@@ -115,11 +132,15 @@ std::string FindLayers(const LayerOptions& options, const DataScale& scale,
   // As the table has them, whatever order they were asked for in: land would cover the lakes.
   std::stable_sort(layers.begin(), layers.end(),
                    [](const LayerRequest& a, const LayerRequest& b) { return a.item < b.item; });
-  if (!options.names.empty()) return {};
+  if (!options.names.empty()) {
+    AddTerrain(options, layers);
+    return {};
+  }
   for (const LayerRow& row : Layers()) {
     const std::string path = FindAnySet(options.folder, row, scale);
     if (!path.empty()) layers.push_back({row.item, path});
   }
+  AddTerrain(options, layers);
   if (layers.empty()) return "no map data in the folder " + Quoted(options.folder);
   for (const LayerRow& row : Layers())
     if (!row.set && (!options.nav.empty() || row.item == ThemeItem::Isogonics))

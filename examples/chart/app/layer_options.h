@@ -13,6 +13,7 @@ struct LayerOptions {
   std::string folder;
   std::string nav;                 // database of navigation data; empty: none
   std::string magnetic;            // coefficients of the magnetic model
+  std::string terrain;             // folder of region files; empty: none
   std::vector<std::string> names;  // as they were asked for; none: all that the folder has
 };
 
@@ -24,7 +25,7 @@ struct LayerRequest {
 
 /// --layer
 void AddLayerOptions(OptionTable& table, LayerOptions& options);
-/// --data, --nav, --magnetic
+/// --data, --nav, --magnetic, --terrain
 void AddDataOptions(OptionTable& table, LayerOptions& options);
 
 /// The layers of a chart of that scale, each once, from the ground up. Empty, or what is wrong.

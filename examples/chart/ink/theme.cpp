@@ -33,6 +33,7 @@ constexpr Row ROWS[] = {
     {"Sea", FILL, {SEA}},
     {"Sky", FILL, {{233, 241, 247, 255}}},
     {"Land", FILL | STROKE | SCALES, {{244, 239, 220, 255}, {69, 107, 133, 255}, 0.9}},
+    {"Terrain", SCALES, {}},
     {"Lakes", FILL | STROKE | SCALES, {SEA, RIVER, 0.8}},
     {"Rivers", FILL | STROKE | SCALES, {SEA, RIVER, 0.8}},
     {"LakeLines", STROKE, {{}, {156, 197, 222, 255}, 3.2}},

@@ -17,6 +17,7 @@ enum class ThemeItem {
   Sea,
   Sky,  ///< behind the earth, as a tilted eye sees it
   Land,
+  Terrain,  ///< the scales at which it shows; its tints follow the paper
   Lakes,
   Rivers,
   LakeLines,  ///< centre lines of lakes among the rivers

@@ -28,7 +28,7 @@ class K7_API K7TerParams {
   /// What water loses of its brightness from the sea's level to deep water, in percent, 0 to 100. Elevations
   /// below the sea's level are water.
   int32_t m_deepDarkening = 50;
-  int32_t m_seaLevel = 0;     ///< metres
+  int32_t m_seaLevel = 0;       ///< metres
   int32_t m_deepWater = -2000;  ///< metres; at and below it the darkening is full
   /// Degrees, clockwise, by which the light comes from elsewhere than the north-west, where readers of maps
   /// expect it.
@@ -43,7 +43,7 @@ class K7_API K7TerParams {
   uint8_t m_lightRed = 255;
   uint8_t m_lightGreen = 255;
   uint8_t m_lightBlue = 255;
-  uint8_t m_opacity = 255;    ///< of the picture; 255 covers what is below
+  uint8_t m_opacity = 255;   ///< of the picture; 255 covers what is below
   uint8_t m_shadeLand = 1;   ///< relief on land; 0: colours alone
   uint8_t m_shadeWater = 0;  ///< relief on the sea's bottom
 };

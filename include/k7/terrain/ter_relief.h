@@ -22,8 +22,8 @@ struct K7TerReliefStore;
 ///
 /// Slopes are those of B. K. P. Horn, "Hill shading and the reflectance map", Proceedings of the IEEE 69 (1),
 /// 1981. A slope's brightness is ambient + diffuse x the cosine between its normal and the light (Lambert),
-/// divided by that of level ground, which so keeps the colour of its band. Limits of bands are smooth lines: a
-/// pixel through which one runs mixes their colours.
+/// divided by that of level ground, which so keeps the colour of its band. Limits of bands are smooth lines:
+/// a pixel through which one runs mixes their colours.
 ///
 /// It keeps what it needs, 16 bytes a post, and refers to neither tile nor settings afterwards. One thread
 /// calls `Init`; then any number may ask.

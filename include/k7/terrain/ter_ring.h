@@ -1,4 +1,5 @@
-// K7TerRing: a band of latitudes, all around the earth, in tiles for drawing. K7TerRings: all bands of a level.
+// K7TerRing: a band of latitudes, all around the earth, in tiles for drawing. K7TerRings: all bands of a
+// level.
 #pragma once
 
 #include <k7/export.h>
@@ -8,8 +9,8 @@
 #include <cstdint>
 
 /// A K7TerRing divides a band of latitudes into tiles that stay roughly square on the ground: beyond 55
-/// degrees they grow wider. It owns its tiles, which are good until `Init` and `Clear`. Setting up and finding
-/// are locked; what a tile allows, its class says.
+/// degrees they grow wider. It owns its tiles, which are good until `Init` and `Clear`. Setting up and
+/// finding are locked; what a tile allows, its class says.
 class K7_API K7TerRing {
  public:
   /// More tiles no ring has.
@@ -21,9 +22,9 @@ class K7_API K7TerRing {
   ~K7TerRing();
 
   /// Makes the tiles of the band from `south` up, degrees, with `rows` and `columns` of posts each as
-  /// `K7TerTileEX::Init` takes them. Tiles are `height` wide where the band's middle lies within 55 degrees of
-  /// the equator; beyond, wider by 1 / cos of the middle's latitude, at most 10 times, and then as much more as
-  /// makes their number divide 360, at least three. The first begins at longitude 0. Answers 0;
+  /// `K7TerTileEX::Init` takes them. Tiles are `height` wide where the band's middle lies within 55 degrees
+  /// of the equator; beyond, wider by 1 / cos of the middle's latitude, at most 10 times, and then as much
+  /// more as makes their number divide 360, at least three. The first begins at longitude 0. Answers 0;
   /// K7_ERR_INVALID_DATA for a band outside the globe, without height, of more than MAX_TILES tiles or of
   /// posts that no tile can have; K7_ERR_MEMORY. Failed, the ring has no tiles.
   int Init(double south, float height, int rows, int columns);
@@ -61,8 +62,8 @@ class K7_API K7TerRing {
   mutable K7Mutex m_mutex;
 };
 
-/// The rings of a level: bands of one height from the south pole to the north pole. Setting up and finding are
-/// locked; rings are good until `Init` and `Clear`.
+/// The rings of a level: bands of one height from the south pole to the north pole. Setting up and finding
+/// are locked; rings are good until `Init` and `Clear`.
 class K7_API K7TerRings {
  public:
   K7TerRings() = default;

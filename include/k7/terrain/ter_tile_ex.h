@@ -24,11 +24,11 @@ struct PostBorder;
 ///     tile.CreateMesh(mesh, K7_TER_MESH_GLOBE, 1);
 ///
 /// Posts lie on the edges of tiles, the first row on the southern edge, the last on the northern one; so
-/// neighbours repeat the posts of their common edge, and a merged grid has them once. Posts that fall together
-/// are copied; others are interpolated, or averaged where the source is finer, such that slopes stay what they
-/// are. Where tiles overlap the finer one counts, of equals the more southern, then the more western: in
-/// whatever order tiles were added, and in each of two neighbours that share an edge, the same posts result.
-/// What no tile has is K7_NO_ELEV.
+/// neighbours repeat the posts of their common edge, and a merged grid has them once. Posts that fall
+/// together are copied; others are interpolated, or averaged where the source is finer, such that slopes stay
+/// what they are. Where tiles overlap the finer one counts, of equals the more southern, then the more
+/// western: in whatever order tiles were added, and in each of two neighbours that share an edge, the same
+/// posts result. What no tile has is K7_NO_ELEV.
 ///
 /// One thread at a time; source tiles may serve lookups meanwhile.
 class K7_API K7TerTileEX : public K7TerTile {
