@@ -13,6 +13,7 @@
 namespace {
 
 constexpr int TILES = 3, POSTS = 1200, SIDE = TILES * POSTS;
+constexpr int PLACES = 1 << 20;
 constexpr double SOUTH = 47, WEST = -123;
 
 int Height(int row, int column) {
@@ -38,7 +39,7 @@ struct World {
             region.tiles[t].posts[i];
     std::minstd_rand random(2);
     std::uniform_real_distribution<double> degrees(0, TILES);
-    for (int i = 0; i < 1 << 16; ++i) places.emplace_back(SOUTH + degrees(random), WEST + degrees(random));
+    for (int i = 0; i < PLACES; ++i) places.emplace_back(SOUTH + degrees(random), WEST + degrees(random));
     for (const auto& [lat, lon] : places) terrain->GetElev(lat, lon, 3);
   }
 };
@@ -53,7 +54,7 @@ void Ask(benchmark::State& state, Lookup lookup) {
   const World& world = Data();
   size_t i = static_cast<size_t>(state.thread_index()) * 7919;
   for (auto _ : state) {
-    const auto& [lat, lon] = world.places[++i & 0xFFFF];
+    const auto& [lat, lon] = world.places[++i % PLACES];
     benchmark::DoNotOptimize(lookup(lat, lon));
   }
   state.SetItemsProcessed(state.iterations());

@@ -83,14 +83,14 @@ int K7TerRegion::AllocTilesMatrix() {
   return 0;
 }
 
-bool K7TerRegion::InBounds(double lat, double lon) const {
+inline bool K7TerRegion::InBounds(double lat, double lon) const {
   if (!(m_bounds.South() <= lat && lat <= m_bounds.North())) return false;
   if (m_bounds.East() >= m_bounds.West()) return m_bounds.West() <= lon && lon <= m_bounds.East();
   return !(lon > m_bounds.East() && lon < m_bounds.West());
 }
 
 // The cell of a position within the bounds; false outside the matrix. East of 180 columns go on.
-bool K7TerRegion::FindCell(double lat, double lon, int& row, int& column) const {
+inline bool K7TerRegion::FindCell(double lat, double lon, int& row, int& column) const {
   if (!m_tiles) return false;
   if (m_bounds.East() < m_bounds.West() && lon < m_bounds.West()) lon += 360;
   return k7ter::Index((lat - m_bounds.South()) / m_tileHeight, m_rows, row) &&

@@ -166,6 +166,28 @@ void K7TerTile::Publish(K7TerGrid* grid) {
   k7ter::Release(former);
 }
 
+inline int K7TerTile::PostAt(const K7TerGrid& grid, double lat, double lon, bool inFeet) const {
+  const double west = m_bounds.West(), south = m_bounds.South();
+  const double east = west > m_bounds.East() ? m_bounds.East() + 360 : m_bounds.East();
+  const double height = m_bounds.North() - south, width = east - west;
+  if (!(height > 0) || !(width > 0)) return K7_NO_ELEV;
+  if (lon < west && lon + 360 < east) lon += 360;
+
+  const double fy = (lat - south) / height, fx = (lon - west) / width;
+  int row = 0, column = 0;
+  // The north and the east edge belong to the last cell.
+  if (fy == 1.0)
+    row = grid.rows - 1;
+  else if (!k7ter::Index(grid.rows * fy, grid.rows, row))
+    return K7_NO_ELEV;
+  if (fx == 1.0)
+    column = grid.columns - 1;
+  else if (!k7ter::Index(grid.columns * fx, grid.columns, column))
+    return K7_NO_ELEV;
+  const int elev = grid.Posts()[int64_t{row} * grid.columns + column];
+  return elev == K7_NO_ELEV || !inFeet ? elev : Feet(elev);
+}
+
 int K7TerTile::GetElev(double lat, double lon, bool readIfNeeded, uint8_t inFeet) {
   const bool feet = inFeet == 1;
   {
@@ -195,28 +217,6 @@ int K7TerTile::ReadElev(double lat, double lon, bool inFeet) {
     if (err != 0) return K7_NO_ELEV;
   }
   return PostAt(*m_grid.load(), lat, lon, inFeet);
-}
-
-int K7TerTile::PostAt(const K7TerGrid& grid, double lat, double lon, bool inFeet) const {
-  const double west = m_bounds.West(), south = m_bounds.South();
-  const double east = west > m_bounds.East() ? m_bounds.East() + 360 : m_bounds.East();
-  const double height = m_bounds.North() - south, width = east - west;
-  if (!(height > 0) || !(width > 0)) return K7_NO_ELEV;
-  if (lon < west && lon + 360 < east) lon += 360;
-
-  const double fy = (lat - south) / height, fx = (lon - west) / width;
-  int row = 0, column = 0;
-  // The north and the east edge belong to the last cell.
-  if (fy == 1.0)
-    row = grid.rows - 1;
-  else if (!k7ter::Index(grid.rows * fy, grid.rows, row))
-    return K7_NO_ELEV;
-  if (fx == 1.0)
-    column = grid.columns - 1;
-  else if (!k7ter::Index(grid.columns * fx, grid.columns, column))
-    return K7_NO_ELEV;
-  const int elev = grid.Posts()[int64_t{row} * grid.columns + column];
-  return elev == K7_NO_ELEV || !inFeet ? elev : Feet(elev);
 }
 
 bool K7TerTile::Overlaps(const K7ChartRect* rect) const {
