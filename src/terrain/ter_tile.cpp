@@ -9,12 +9,19 @@
 #include "terrain/ter_lookup.h"
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <utility>
 
 namespace {
 
 constexpr int HEADER_SIZE = 44;
+constexpr int64_t REST = 1'000'000'000;
+
+// Nanoseconds that only grow.
+int64_t Now() {
+  return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
 
 struct ReleaseGrid {
   void operator()(K7TerGrid* grid) const { k7ter::Release(grid); }
@@ -159,7 +166,7 @@ void K7TerTile::Clear() { Publish(nullptr); }
 // Makes `grid`, which may be null, that of the tile.
 void K7TerTile::Publish(K7TerGrid* grid) {
   const RegionLock lock(m_region ? &m_region->m_mutex : nullptr);
-  m_isDamaged = false;
+  m_restUntil = 0;
   K7TerGrid* const former = m_grid.exchange(grid);
   if (!former) return;
   k7ter::WaitForReaders();
@@ -198,23 +205,26 @@ int K7TerTile::GetElev(double lat, double lon, bool readIfNeeded, uint8_t inFeet
   return readIfNeeded ? ReadElev(lat, lon, feet) : K7_NO_ELEV;
 }
 
-// Within a section of the caller. NOT_READ when there is no grid.
+// Within a section of the caller. NOT_READ when there is no grid and it may be read.
 int K7TerTile::TryElev(double lat, double lon, bool inFeet) const {
   const K7TerGrid* const grid = m_grid.load();
-  if (!grid) return k7ter::NOT_READ;
+  if (!grid) return IsResting() ? K7_NO_ELEV : k7ter::NOT_READ;
   if (!m_isUsed.load(std::memory_order_relaxed)) m_isUsed.store(true, std::memory_order_relaxed);
   return PostAt(*grid, lat, lon, inFeet);
 }
 
-// What is no grid is not inflated again for each lookup; a file that cannot be read now may be readable
-// later.
+// What could not be read is left alone for a while: neither do thousands of lookups each inflate a damaged
+// tile, nor stays a hole for good where a file was out of reach for a moment.
+bool K7TerTile::IsResting() const {
+  const int64_t until = m_restUntil.load(std::memory_order_relaxed);
+  return until != 0 && Now() < until;
+}
+
 int K7TerTile::ReadElev(double lat, double lon, bool inFeet) {
   const RegionLock lock(m_region ? &m_region->m_mutex : nullptr);
-  if (m_isDamaged) return K7_NO_ELEV;
-  if (!m_grid.load()) {
-    const int err = Read();
-    m_isDamaged = err == K7_ERR_INVALID_DATA;
-    if (err != 0) return K7_NO_ELEV;
+  if (!m_grid.load() && (IsResting() || Read() != 0)) {
+    if (!IsResting()) m_restUntil = Now() + REST;
+    return K7_NO_ELEV;
   }
   return PostAt(*m_grid.load(), lat, lon, inFeet);
 }

@@ -1,3 +1,4 @@
+#include "support/mem_io.h"
 #include "terrain/region_file.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,23 @@
 namespace {
 
 constexpr int N = 4;
+
+// Files in memory for as long as it lives: thousands of damaged ones need no disk.
+class Files {
+ public:
+  Files() { K7IO::SetInst(&m_io); }
+  ~Files() { K7IO::SetInst(m_native); }
+  const char* Write(const std::string& bytes) {
+    m_io.Put("r.ter", bytes);
+    return "r.ter";
+  }
+  std::string Text() const { return m_io.Text("r.ter"); }
+
+ private:
+  MemIO m_io;
+  K7IO* const m_native = K7IO::Inst();
+};
+
 int Post(int row, int column) { return row * 100 + column; }
 
 RegionSpec Small() { return MadeRegion(40, 10, 2, 3, N, Post); }
@@ -23,10 +41,10 @@ void Exercise(K7TerRegion& region, K7TerLevel& level) {
 }
 
 TEST(TerRegion, AnswersEachPostInFeet) {
-  const TempFolder folder;
+  Files files;
   K7TerRegion region;
   K7TerLevel level(120);
-  ASSERT_EQ(region.Read(folder.Write("r.ter", Small().Bytes()).c_str()), 0);
+  ASSERT_EQ(region.Read(files.Write(Small().Bytes())), 0);
   EXPECT_EQ(region.FirstWord(), 11);
   EXPECT_EQ(region.SecondWord(), 22);
   EXPECT_EQ(region.GetElev(40.1, 10.1, nullptr), K7_NO_ELEV);
@@ -41,7 +59,7 @@ TEST(TerRegion, AnswersEachPostInFeet) {
 }
 
 TEST(TerRegion, ServesBothSidesOf180) {
-  const TempFolder folder;
+  Files files;
   // Three tiles of two degrees; the middle one lies across 180 itself.
   RegionSpec spec{1, 3, 2, 2, 2, 0, -177, 177, {}};
   int16_t post = 1;
@@ -49,7 +67,7 @@ TEST(TerRegion, ServesBothSidesOf180) {
     spec.tiles.push_back({2, 0, double(east), double(west), 1, 2, {post++, post++}});
   K7TerRegion region;
   K7TerLevel level(120);
-  ASSERT_EQ(region.Read(folder.Write("r.ter", spec.Bytes()).c_str()), 0);
+  ASSERT_EQ(region.Read(files.Write(spec.Bytes())), 0);
   const double lons[] = {177.5, 178.5, 179.5, -179.5, -178.5, -177.5};
   const int feet[] = {3, 7, 10, 13, 16, 20};  // of 1 to 6 metres
   for (int i = 0; i < 6; ++i) EXPECT_EQ(region.GetElev(1, lons[i], &level), feet[i]) << lons[i];
@@ -58,15 +76,15 @@ TEST(TerRegion, ServesBothSidesOf180) {
 
 // What the library writes is the file that was laid out by hand, stream for stream.
 TEST(TerRegion, WritesTheBytesOfTheFormat) {
-  const TempFolder folder;
+  Files files;
   const RegionSpec spec = Small();
-  const std::string path = folder.Path() + "written.ter", bytes = spec.Bytes();
+
   K7TerRegion region;
   region.Init(K7ChartRect(spec.north, spec.south, spec.east, spec.west), spec.rows, spec.columns, 1, 1);
   region.SetWords(11, 22);
   region.SetTileTable(72, 6);
   ASSERT_EQ(region.AllocTilesMatrix(), 0);
-  const std::unique_ptr<K7File> file(K7IO::Inst()->CreateFileX(path.c_str(), "wb"));
+  const std::unique_ptr<K7File> file(K7IO::Inst()->CreateFileX("r.ter", "wb"));
   file->Seek(72 + 6 * 44);
   for (const TileSpec& made : spec.tiles) {
     K7TerTile* const tile = new K7TerTile(K7ChartRect(made.north, made.south, made.east, made.west), N, N);
@@ -79,18 +97,17 @@ TEST(TerRegion, WritesTheBytesOfTheFormat) {
   file->Seek(0);
   ASSERT_EQ(region.Write(file.get()), 0);
   file->Close();
-  std::ifstream in(path, std::ios::binary);
-  EXPECT_TRUE(std::string(std::istreambuf_iterator<char>(in), {}) == bytes);
+  EXPECT_TRUE(files.Text() == spec.Bytes());
 }
 
 TEST(TerRegion, CutAtEveryByte) {
-  const TempFolder folder;
+  Files files;
   const RegionSpec spec = Small();
   const std::string bytes = spec.Bytes();
   for (size_t size = 0; size < bytes.size(); ++size) {
     K7TerRegion region;
     K7TerLevel level(120);
-    const int code = region.Read(folder.Write("r.ter", bytes.substr(0, size)).c_str());
+    const int code = region.Read(files.Write(bytes.substr(0, size)));
     EXPECT_EQ(code, size < 72 + 6 * 44 ? K7_ERR_FILE_IO : 0) << size;
     // The last tile's stream reaches to the file's end.
     EXPECT_EQ(region.GetElev(41.5, 12.5, &level), code == 0 ? K7_NO_ELEV : 0);
@@ -99,7 +116,7 @@ TEST(TerRegion, CutAtEveryByte) {
 }
 
 TEST(TerRegion, DamageGivesACode) {
-  const TempFolder folder;
+  Files files;
   const std::string bytes = Small().Bytes();
   std::minstd_rand random(5);
   for (int round = 0; round < 3000; ++round) {
@@ -110,17 +127,17 @@ TEST(TerRegion, DamageGivesACode) {
       damaged[i] = static_cast<char>(round % 3 ? random() : 0xFF - (i + 1 == at + width) * 0x80);
     K7TerRegion region;
     K7TerLevel level(120);
-    region.Read(folder.Write("r.ter", damaged).c_str());
+    region.Read(files.Write(damaged));
     Exercise(region, level);
   }
 }
 
 TEST(TerRegion, AbsurdHeaders) {
-  const TempFolder folder;
+  Files files;
   const auto code = [&](size_t at, auto value) {
     std::string bytes = Small().Bytes();
     std::memcpy(&bytes[at], &value, sizeof value);
-    return K7TerRegion().Read(folder.Write("r.ter", bytes).c_str());
+    return K7TerRegion().Read(files.Write(bytes));
   };
   EXPECT_EQ(code(8, INT32_MAX), K7_ERR_INVALID_DATA);     // rows
   EXPECT_EQ(code(12, int32_t{-3}), K7_ERR_INVALID_DATA);  // columns
@@ -130,19 +147,19 @@ TEST(TerRegion, AbsurdHeaders) {
   EXPECT_EQ(code(68, INT32_MAX), K7_ERR_FILE_IO);  // tiles
   EXPECT_EQ(code(72, 1e9), K7_ERR_INVALID_DATA);   // a tile's north edge: its centre is elsewhere
   EXPECT_EQ(K7TerRegion().Read(nullptr), K7_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(K7TerRegion().Read((folder.Path() + "absent").c_str()), K7_ERR_FILE_IO);
+  EXPECT_EQ(K7TerRegion().Read("absent"), K7_ERR_FILE_IO);
   // Two tiles in one cell: the later one counts.
   RegionSpec twice = MadeRegion(40, 10, 1, 1, 1, [](int, int) { return 1; });
   twice.tiles.push_back(twice.tiles[0]);
   twice.tiles[1].posts[0] = 1000;
   K7TerRegion region;
   K7TerLevel level(120);
-  ASSERT_EQ(region.Read(folder.Write("r.ter", twice.Bytes()).c_str()), 0);
+  ASSERT_EQ(region.Read(files.Write(twice.Bytes())), 0);
   EXPECT_EQ(region.GetElev(40.5, 10.5, &level), 3281);
 }
 
 TEST(TerRegion, StreamsMakeExactlyTheGrid) {
-  const TempFolder folder;
+  Files files;
   const RegionSpec spec = MadeRegion(40, 10, 1, 1, N, Post);
   const std::vector<int16_t> posts(N * N + 1, 7);
   const std::string whole = Packed(posts.data(), N * N * 2);
@@ -150,7 +167,7 @@ TEST(TerRegion, StreamsMakeExactlyTheGrid) {
   wrongSum.back() = static_cast<char>(wrongSum.back() ^ 1);
   const auto code = [&](const std::string& stream) {
     K7TerRegion region;
-    EXPECT_EQ(region.Read(folder.Write("r.ter", spec.Bytes({stream})).c_str()), 0);
+    EXPECT_EQ(region.Read(files.Write(spec.Bytes({stream}))), 0);
     const int read = region.Tile(0, 0)->Read();
     EXPECT_EQ(region.Tile(0, 0)->GetElev(40.5, 10.5, true, 0), read == 0 ? 7 : K7_NO_ELEV);
     return read;

@@ -79,7 +79,8 @@ class K7_API K7TerTile : public K7CacheObj {
 
   /// Answers the elevation of the post whose cell holds the position, in feet when `inFeet` is 1, else in
   /// metres. A cell spans a row's share of the height and a column's share of the width; the north and the
-  /// east edge belong to the last ones. With `readIfNeeded` an absent grid is read. K7_NO_ELEV stands for
+  /// east edge belong to the last ones. With `readIfNeeded` an absent grid is read; one that failed is not
+  /// tried again for a second. K7_NO_ELEV stands for
   /// positions outside, posts without data and everything that fails. Feet are trunc(m x 3.2808399 + 0.5),
   /// also below zero: -10 m is -32 ft.
   int GetElev(double lat, double lon, bool readIfNeeded, uint8_t inFeet);
@@ -128,6 +129,7 @@ class K7_API K7TerTile : public K7CacheObj {
   int ReadGrid(K7File* file, K7TerGrid*& grid) const;
   int ReadGrid(K7TerGrid*& grid) const;
   int TryElev(double lat, double lon, bool inFeet) const;
+  bool IsResting() const;
   int ReadElev(double lat, double lon, bool inFeet);
   int PostAt(const K7TerGrid& grid, double lat, double lon, bool inFeet) const;
   void Publish(K7TerGrid* grid);
@@ -138,7 +140,7 @@ class K7_API K7TerTile : public K7CacheObj {
   int16_t m_rows = 0;
   int16_t m_columns = 0;
   mutable std::atomic<bool> m_isUsed{false};  // by a lookup, since CanFree was last asked
-  bool m_isDamaged = false;                   // what the file holds is no grid, also when read again
+  std::atomic<int64_t> m_restUntil{0};        // no lookup reads before then, after one that failed
   std::atomic<K7TerGrid*> m_grid{nullptr};
   K7TerRegion* m_region = nullptr;
 };
