@@ -91,6 +91,29 @@ void Lookup_BareArray(benchmark::State& state) {
 }
 BENCHMARK(Lookup_BareArray)->UseRealTime();
 
+// A cache with room for three of the nine tiles; one look-up in 65,536 leaves the tile that the others are
+// in.
+void SmallCache(const benchmark::State&) {
+  K7Options::Inst()->SetOption("TerrainCacheSize", "13");
+  Data().terrain->Read(Data().folder.Path().c_str());
+}
+void FullCache(const benchmark::State&) {
+  K7Options::Inst()->SetOption("TerrainCacheSize", "100");
+  Data().terrain->Read(Data().folder.Path().c_str());
+}
+
+void Evicting_K7Terrain(benchmark::State& state) {
+  K7TerrainK7* const terrain = Data().terrain;
+  unsigned asked = static_cast<unsigned>(state.thread_index()) * 7919;
+  Ask(state, [&](double lat, double lon) {
+    if (++asked % 65536)
+      return terrain->GetElev(SOUTH + (lat - SOUTH) / TILES, WEST + (lon - WEST) / TILES, 3);
+    return terrain->GetElev(lat, lon, 3);
+  });
+}
+BENCHMARK(Evicting_K7Terrain)->UseRealTime()->Setup(SmallCache)->Teardown(FullCache);
+BENCHMARK(Evicting_K7Terrain)->Threads(8)->UseRealTime()->Setup(SmallCache)->Teardown(FullCache);
+
 void FirstTouch_K7Terrain(benchmark::State& state) {
   K7TerrainK7* const terrain = Data().terrain;
   for (auto _ : state) {
