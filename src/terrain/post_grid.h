@@ -7,41 +7,43 @@
 #include <cmath>
 #include <cstdint>
 
-/// Posts lie on the edges: the first row on the southern one, the last on the northern one, the columns
-/// alike from west to east. Neighbours repeat the posts of their common edge.
+/// Posts stand in the middle of their cells, which share the bounds evenly, as lookups take them.
 struct PostGrid {
   double north, south, west, width;  // degrees; the width is above 0 whatever lies between
   int rows, cols;
   const int16_t* const* posts;  // rows from the south
 
-  double RowStep() const { return rows > 1 ? (north - south) / (rows - 1) : north - south; }
-  double ColStep() const { return cols > 1 ? width / (cols - 1) : width; }
-  double Lat(int row) const { return row == rows - 1 ? north : south + row * RowStep(); }
-  double Lon(int col) const { return west + (col == cols - 1 ? width : col * ColStep()); }
-  /// Where a position lies, in posts from the south-western one; within the grid from 0 to rows - 1, cols
-  /// - 1.
-  double RowAt(double lat) const { return rows > 1 ? (lat - south) / RowStep() : 0; }
-  double ColAt(double lon) const { return cols > 1 ? EastOf(lon) / ColStep() : 0; }
+  double RowStep() const { return (north - south) / rows; }
+  double ColStep() const { return width / cols; }
+  double Lat(int row) const { return south + (row + 0.5) * RowStep(); }
+  double Lon(int col) const { return west + (col + 0.5) * ColStep(); }
+  /// Where a position lies, in posts from the south-western one: -0.5 on the southern and western edge.
+  double RowAt(double lat) const { return (lat - south) / RowStep() - 0.5; }
+  double ColAt(double lon) const { return EastOf(lon) / ColStep() - 0.5; }
   /// Degrees east of the western edge; of what lies outside, the nearer side's: below 0 or above the width.
   double EastOf(double lon) const {
-    const double turns = std::floor((lon - west) / 360);
-    const double east = lon - west - 360 * turns;
+    const double east = lon - west - 360 * std::floor((lon - west) / 360);
     return east - width > 360 - east ? east - 360 : east;
   }
+  /// Regions may reach half a post beyond a pole, so that posts stand on it.
   bool IsOnGlobe() const {
-    return north > south && south >= -90 && north <= 90 && width > 0 && width <= 360 && std::abs(west) <= 360;
+    return north > south && south >= -95 && north <= 95 && width > 0 && width <= 380 && std::abs(west) <= 380;
+  }
+  /// The grid with `posts` more on every side.
+  PostGrid Grown(int more) const {
+    const double row = more * RowStep(), col = more * ColStep();
+    return {north + row, south - row, west - col, width + 2 * col, rows + 2 * more, cols + 2 * more, nullptr};
   }
 };
 
-/// Fills the posts of `target` that have no data and lie on `source`, edges included. Posts that fall
-/// together are copied; between posts the source is interpolated, and where it is finer than the target,
-/// averaged with the weights of a tent as wide as the target's spacing. The tent narrows towards the edges of
-/// the source, so that it stays level on both sides and nothing from beyond is needed: on an edge only the
-/// edge's own posts count, and neighbours agree there. Posts without data are left out; where half of the
-/// weight or more is missing, the target stays without data. False without memory.
-bool ResamplePosts(const PostGrid& source, const PostGrid& target, int16_t* const* targetPosts);
+/// Fills the posts of `target` that have no data from `source`, whose cells are told to begin `east` degrees
+/// east of the target's western edge. Posts that fall together are copied; between posts the source is
+/// interpolated, and where it is finer than the target, averaged with the weights of a tent as wide as the
+/// target's spacing, of whole posts: so slopes stay what they are. Posts without data have no weight; a
+/// target gets data where the nearest post has them or more than half of the weight. False without memory.
+bool ResamplePosts(const PostGrid& source, double east, const PostGrid& target, int16_t* const* targetPosts);
 
-/// Replaces every post by the mean of its neighbourhood with the weights 1 2 1 in both
-/// directions. Edge posts are smoothed along the edge only, corners stay: so tiles that share an edge
-/// still share it. Posts without data stay so and have no weight. False without memory.
+/// Replaces every post by the mean of its neighbourhood with the weights 1 2 1 in both directions. Posts on
+/// the rim are smoothed along it only, corners stay. Posts without data stay so and have no weight. False
+/// without memory.
 bool SmoothPosts(int rows, int cols, int16_t* const* posts);

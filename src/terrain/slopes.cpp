@@ -16,16 +16,11 @@ constexpr float NONE = std::numeric_limits<float>::quiet_NaN();
 
 float Elevation(int16_t post) { return post == K7_NO_ELEV ? NONE : post; }
 
-// Row `r` of the grid with a post more on either side; -1 and `rows` are the border's.
-void Load(const PostGrid& grid, const PostBorder& border, int r, float* out) {
-  const bool inside = r >= 0 && r < grid.rows;
-  const int16_t* const outside = r < 0 ? border.south : border.north;
+// Row `r` of the grid with a post without data on either side; so are rows outside.
+void Load(const PostGrid& grid, int r, float* out) {
+  out[0] = out[grid.cols + 1] = NONE;
   for (int c = 0; c < grid.cols; ++c)
-    out[c + 1] = inside ? Elevation(grid.posts[r][c]) : outside ? Elevation(outside[c + 1]) : NONE;
-  out[0] = inside ? (border.west ? Elevation(border.west[r]) : NONE) : outside ? Elevation(outside[0]) : NONE;
-  out[grid.cols + 1] = inside    ? (border.east ? Elevation(border.east[r]) : NONE)
-                       : outside ? Elevation(outside[grid.cols + 1])
-                                 : NONE;
+    out[c + 1] = r >= 0 && r < grid.rows ? Elevation(grid.posts[r][c]) : NONE;
 }
 
 // What three posts in a line rise by from one to the next; not a number when they do not tell.
@@ -62,7 +57,7 @@ Slope AtPost(const float* south, const float* here, const float* north, float pe
 
 }  // namespace
 
-std::unique_ptr<Slope[]> FindSlopes(const PostGrid& grid, const PostBorder& border) {
+std::unique_ptr<Slope[]> FindSlopes(const PostGrid& grid) {
   std::unique_ptr<Slope[]> slopes(new (std::nothrow)
                                       Slope[static_cast<size_t>(grid.rows) * static_cast<size_t>(grid.cols)]);
   Buffer<float> memory;
@@ -71,11 +66,11 @@ std::unique_ptr<Slope[]> FindSlopes(const PostGrid& grid, const PostBorder& bord
   if (!slopes || !south) return nullptr;
   float* here = south + width;
   float* north = here + width;
-  Load(grid, border, -1, south);
-  Load(grid, border, 0, here);
+  Load(grid, -1, south);
+  Load(grid, 0, here);
   const auto perNorth = static_cast<float>(1 / (METRES_PER_DEGREE * grid.RowStep()));
   for (int r = 0; r < grid.rows; ++r) {
-    Load(grid, border, r + 1, north);
+    Load(grid, r + 1, north);
     // At a pole there is no east; what its posts differ by is not the ground's.
     const double narrowing = std::max(std::cos(grid.Lat(r) * K7_DEG_TO_RAD), 1e-6);
     const auto perEast = static_cast<float>(1 / (METRES_PER_DEGREE * grid.ColStep() * narrowing));

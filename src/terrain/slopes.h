@@ -5,14 +5,6 @@
 
 #include <memory>
 
-/// The posts around a grid, one spacing outside; all null when they are not known.
-struct PostBorder {
-  const int16_t* south = nullptr;  // cols + 2, from the south-western corner
-  const int16_t* north = nullptr;
-  const int16_t* west = nullptr;  // rows
-  const int16_t* east = nullptr;
-};
-
 /// A post's elevation in metres and what it rises by in metres a metre to the east and to the north; all 0,
 /// with `weight` 0 in place of 1, without data. Four numbers, so that four posts are weighed at a stroke.
 struct Slope {
@@ -24,4 +16,4 @@ struct Slope {
 /// post and its neighbours on either side, with the weights 1 2 1. Where a post is missing, what is left of
 /// a difference serves, and where nothing is left, the other differences alone; so planes keep their
 /// slope up to their edges. Metres are those of a sphere of 3437.74677 NM.
-std::unique_ptr<Slope[]> FindSlopes(const PostGrid& grid, const PostBorder& border);
+std::unique_ptr<Slope[]> FindSlopes(const PostGrid& grid);

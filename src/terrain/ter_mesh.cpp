@@ -5,6 +5,7 @@
 #include <k7/geodesy/ecef.h>
 #include <k7/projection/projection.h>
 
+#include "terrain/slopes.h"
 #include "terrain/tile_posts.h"
 
 #include <cmath>
@@ -53,7 +54,7 @@ struct Maker {
 
   // The triangles of the square north-east of a post, up to two, from the indexes of its corners.
   int Square(int r, int c, const int32_t* south, const int32_t* north, int32_t* out) const {
-    const int32_t sw = south[c], se = south[c + 1], nw = north[c], ne = north[c + 1];
+    const int32_t sw = south[0], se = south[1], nw = north[0], ne = north[1];
     const int missing = (sw < 0) + (se < 0) + (nw < 0) + (ne < 0);
     if (missing > 1) return 0;
     if (missing == 1) {
@@ -91,25 +92,27 @@ int K7TerMesh::Create(const K7TerTile& tile, K7TerMeshKind kind, double exaggera
   const TilePosts posts(tile);
   if (posts.Error()) return posts.Error();
   const PostGrid& grid = posts.Grid();
-  const std::unique_ptr<Slope[]> slopes = FindSlopes(grid, BorderOf(tile));
-  const auto rows = static_cast<size_t>(grid.rows), cols = static_cast<size_t>(grid.cols);
-  std::unique_ptr<K7TerVertex[]> vertices(new (std::nothrow) K7TerVertex[rows * cols]);
-  std::unique_ptr<int32_t[]> triangles(new (std::nothrow) int32_t[6 * (rows - 1) * (cols - 1)]);
-  const std::unique_ptr<int32_t[]> indexes(new (std::nothrow) int32_t[2 * cols]);
+  const PostGrid& own = posts.Tile();
+  const std::unique_ptr<Slope[]> slopes = FindSlopes(grid);
+  const auto rows = static_cast<size_t>(own.rows), cols = static_cast<size_t>(own.cols);
+  std::unique_ptr<K7TerVertex[]> vertices(new (std::nothrow) K7TerVertex[(rows + 1) * (cols + 1)]);
+  std::unique_ptr<int32_t[]> triangles(new (std::nothrow) int32_t[6 * rows * cols]);
+  const std::unique_ptr<int32_t[]> indexes(new (std::nothrow) int32_t[2 * (cols + 1)]);
   if (!slopes || !vertices || !triangles || !indexes) return K7_ERR_MEMORY;
 
   const Maker maker{grid, slopes.get(), kind == K7_TER_MESH_GLOBE, exaggeration};
-  const K7ECEF origin = maker.Place((grid.north + grid.south) / 2, grid.west + grid.width / 2, 0);
+  const K7ECEF origin = maker.Place((own.north + own.south) / 2, own.west + own.width / 2, 0);
   int32_t* south = indexes.get();
-  int32_t* north = south + cols;
-  for (int r = 0; r < grid.rows; ++r) {
-    for (int c = 0; c < grid.cols; ++c) {
-      north[c] = grid.posts[r][c] == K7_NO_ELEV ? -1 : m_vertexCount++;
-      if (north[c] >= 0) vertices[static_cast<size_t>(north[c])] = maker.Vertex(r, c, origin);
+  int32_t* north = south + cols + 1;
+  // One row and column of the rim, when they are known, reach the first ones of the neighbours.
+  for (int r = 0; r <= own.rows; ++r) {
+    for (int c = 0; c <= own.cols; ++c) {
+      north[c] = grid.posts[r + RIM][c + RIM] == K7_NO_ELEV ? -1 : m_vertexCount++;
+      if (north[c] >= 0) vertices[static_cast<size_t>(north[c])] = maker.Vertex(r + RIM, c + RIM, origin);
     }
-    for (int c = 0; r > 0 && c + 1 < grid.cols; ++c)
-      m_triangleCount +=
-          maker.Square(r - 1, c, south, north, triangles.get() + 3 * ptrdiff_t{m_triangleCount});
+    for (int c = 0; r > 0 && c < own.cols; ++c)
+      m_triangleCount += maker.Square(r - 1 + RIM, c + RIM, south + c, north + c,
+                                      triangles.get() + 3 * ptrdiff_t{m_triangleCount});
     std::swap(south, north);
   }
   m_vertices = vertices.release();

@@ -16,19 +16,23 @@
 struct K7TerReliefStore {
   // Between which posts a position lies, and where.
   struct Place {
-    int first, second;
-    float share;  // of the second
+    int first;
+    float share;  // of the next
   };
   static Place Split(double at, int posts) {
     const double held = std::clamp(at, 0.0, posts - 1.0);
-    const int first = std::min(static_cast<int>(held), std::max(posts - 2, 0));
-    return {first, std::min(first + 1, posts - 1), static_cast<float>(held - first)};
+    const int first = std::min(static_cast<int>(held), posts - 2);
+    return {first, static_cast<float>(held - first)};
   }
+  Place RowOf(double lat) const { return Split(grid.RowAt(lat), grid.rows); }
+  // Of a place by its degrees from the tile's western edge.
+  Place ColOf(double east) const { return Split(east / grid.ColStep() + RIM - 0.5, grid.cols); }
+  Slope At(double lat, double east) const { return At(RowOf(lat), ColOf(east)); }
 
   Slope At(const Place& row, const Place& col) const {
-    const Slope* const south = slopes.get() + static_cast<ptrdiff_t>(row.first) * grid.cols;
-    const Slope* const north = slopes.get() + static_cast<ptrdiff_t>(row.second) * grid.cols;
-    const Slope posts[4] = {south[col.first], south[col.second], north[col.first], north[col.second]};
+    const Slope* const south = slopes.get() + static_cast<ptrdiff_t>(row.first) * grid.cols + col.first;
+    const Slope* const north = south + grid.cols;
+    const Slope posts[4] = {south[0], south[1], north[0], north[1]};
     const float w[4] = {(1 - row.share) * (1 - col.share), (1 - row.share) * col.share,
                         row.share * (1 - col.share), row.share * col.share};
     Slope sum{0, 0, 0, 0};
@@ -41,7 +45,21 @@ struct K7TerReliefStore {
     return sum;
   }
 
-  PostGrid grid{};  // without the posts
+  // Where nothing is known beyond an edge, the tile's own last posts go on.
+  void FillRim() {
+    const auto at = [this](int r, int c) -> Slope& {
+      return slopes[static_cast<size_t>(r) * static_cast<size_t>(grid.cols) + static_cast<size_t>(c)];
+    };
+    for (int r = 0; r < grid.rows; ++r) {
+      const int row = std::clamp(r, RIM, grid.rows - 1 - RIM);
+      for (int c = 0; c < grid.cols; ++c) {
+        const int col = std::clamp(c, RIM, grid.cols - 1 - RIM);
+        if (at(r, c).weight == 0 && (row != r || col != c)) at(r, c) = at(row, col);
+      }
+    }
+  }
+
+  PostGrid tile{}, grid{};  // without the posts; the grid has a rim
   std::unique_ptr<Slope[]> slopes;
   Tints tints;
 };
@@ -91,7 +109,7 @@ Box PixelsOf(const PostGrid& grid, const K7MapView& view) {
 }
 
 void RenderRow(const Store& store, const K7MapView& view, const Box& box, int y, uint32_t* out) {
-  const PostGrid& grid = store.grid;
+  const PostGrid& grid = store.tile;
   const double metres = view.NMPerPixel() * METRES_PER_NM;
   for (int x = box.left; x < box.right; ++x) {
     double lat = 0, lon = 0;
@@ -101,9 +119,7 @@ void RenderRow(const Store& store, const K7MapView& view, const Box& box, int y,
     const bool within = lat < grid.north || (lat == 90 && grid.north == 90);
     const double east = grid.EastOf(lon);
     if (!within || !(east >= 0 && (east < grid.width || grid.width == 360))) continue;
-    pixel = store.tints.Pixel(
-        store.At(Store::Split(grid.RowAt(lat), grid.rows), Store::Split(east / grid.ColStep(), grid.cols)),
-        metres);
+    pixel = store.tints.Pixel(store.At(lat, east), metres);
   }
 }
 
@@ -118,25 +134,24 @@ int K7TerRelief::Init(const K7TerTile& tile, const K7TerParams& params) {
   if (posts.Error()) return posts.Error();
   std::unique_ptr<Store> store(new (std::nothrow) Store);
   if (!store) return K7_ERR_MEMORY;
+  store->tile = posts.Tile();
   store->grid = posts.Grid();
   store->grid.posts = nullptr;
-  store->slopes = FindSlopes(posts.Grid(), BorderOf(tile));
+  store->slopes = FindSlopes(posts.Grid());
   if (!store->slopes) return K7_ERR_MEMORY;
+  store->FillRim();
   store->tints.Set(params);
   m_store = store.release();
   return 0;
 }
 
 uint32_t K7TerRelief::ColorAt(double lat, double lon, double metres) const {
-  if (!m_store || !(lat >= m_store->grid.south && lat <= m_store->grid.north) || !(std::abs(lon) <= 720))
+  if (!m_store || !(lat >= m_store->tile.south && lat <= m_store->tile.north) || !(std::abs(lon) <= 720))
     return 0;
-  const PostGrid& grid = m_store->grid;
-  double east = grid.EastOf(lon);
+  double east = m_store->tile.EastOf(lon);
   if (east < 0) east += 360;
-  if (east > grid.width) return 0;
-  return m_store->tints.Pixel(
-      m_store->At(Store::Split(grid.RowAt(lat), grid.rows), Store::Split(east / grid.ColStep(), grid.cols)),
-      std::isnan(metres) ? 0 : std::clamp(metres, 0.0, 1e6));
+  if (east > m_store->tile.width) return 0;
+  return m_store->tints.Pixel(m_store->At(lat, east), std::isnan(metres) ? 0 : std::clamp(metres, 0.0, 1e6));
 }
 
 int K7TerRelief::Image(uint32_t* pixels, int width, int height) const {
@@ -147,14 +162,14 @@ int K7TerRelief::Image(uint32_t* pixels, int width, int height) const {
     return 0;
   }
   const Store& store = *m_store;
-  const PostGrid& grid = store.grid;
+  const PostGrid& grid = store.tile;
   const double pixelHeight = (grid.north - grid.south) / height;
   const double metres = pixelHeight * K7_DEG_TO_RAD * K7_EARTH_RADIUS_NM * METRES_PER_NM;
   for (int y = 0; y < height; ++y) {
-    const Store::Place row = Store::Split(grid.RowAt(grid.north - (y + 0.5) * pixelHeight), grid.rows);
+    const Store::Place row = store.RowOf(grid.north - (y + 0.5) * pixelHeight);
     uint32_t* const out = pixels + static_cast<size_t>(y) * stride;
     for (int x = 0; x < width; ++x) {
-      const Store::Place col = Store::Split((x + 0.5) / width * (grid.cols - 1), grid.cols);
+      const Store::Place col = store.ColOf((x + 0.5) / width * grid.width);
       out[x] = store.tints.Pixel(store.At(row, col), metres);
     }
   }
@@ -164,7 +179,7 @@ int K7TerRelief::Image(uint32_t* pixels, int width, int height) const {
 int K7TerRelief::Render(K7Grfx* g, const K7MapView& view) const {
   if (!g) return K7_ERR_BAD_ARGUMENT;
   if (!m_store || !view.IsSet()) return K7_ERR_NOT_INITIALIZED;
-  const PostGrid& grid = m_store->grid;
+  const PostGrid& grid = m_store->tile;
   const double east = std::remainder(grid.west + grid.width, 360);
   const K7ChartRect bounds = grid.width == 360 ? K7ChartRect(grid.north, grid.south, 180, -180)
                                                : K7ChartRect(grid.north, grid.south, east, grid.west);

@@ -3,6 +3,7 @@
 #include <k7/foundation/error_string.h>
 #include <k7/terrain/ter_relief.h>
 
+#include "terrain/mosaic.h"
 #include "terrain/tile_posts.h"
 
 #include <algorithm>
@@ -30,28 +31,18 @@ Rank RankOf(K7TerTile* tile) {
   return {grid.RowStep() * grid.ColStep(), grid.south, grid.west, tile};
 }
 
-PostGrid OwnGrid(const K7TerTile& tile) {
-  PostGrid grid{};
-  GridOf(tile, grid);
-  grid.posts = tile.GetMesh();
-  return grid;
-}
-
-int Merge(const K7TerTile& source, const PostGrid& target, int16_t* const* posts) {
-  const TilePosts from(source);
-  if (from.Error()) return from.Error();
-  return ResamplePosts(from.Grid(), target, posts) ? 0 : K7_ERR_MEMORY;
-}
-
 }  // namespace
 
-K7TerTileEX::~K7TerTileEX() { Free(); }
+K7TerTileEX::~K7TerTileEX() {
+  FreeBoundary();
+  ClearSRTImage();
+}
 
 int K7TerTileEX::Init(const K7ChartRect& bounds, int rows, int columns) {
   const bool open = rows == 0 && columns == 0;
   PostGrid grid{};
   if (!(open && bounds.IsEmpty()) && !BoundsOf(bounds, grid)) return K7_ERR_INVALID_DATA;
-  if (!open && (std::min(rows, columns) < 2 || std::max(rows, columns) > MAX_ROWS))
+  if (!open && (std::min(rows, columns) < 1 || std::max(rows, columns) > MAX_ROWS))
     return K7_ERR_INVALID_DATA;
   Free();
   m_sources.Clear();
@@ -94,9 +85,9 @@ int K7TerTileEX::ChooseGrid() {
   int rows = m_wishedRows, columns = m_wishedColumns;
   if (rows == 0) {
     const double steps[] = {std::round((own.north - own.south) / rowStep), std::round(own.width / colStep)};
-    if (std::max(steps[0], steps[1]) >= MAX_ROWS) return K7_ERR_OUT_OF_RANGE;
-    rows = std::max(1, static_cast<int>(steps[0])) + 1;
-    columns = std::max(1, static_cast<int>(steps[1])) + 1;
+    if (std::max(steps[0], steps[1]) > MAX_ROWS) return K7_ERR_OUT_OF_RANGE;
+    rows = std::max(1, static_cast<int>(steps[0]));
+    columns = std::max(1, static_cast<int>(steps[1]));
   }
   if (int64_t{rows} * columns > MAX_DRAWN_POSTS) return K7_ERR_OUT_OF_RANGE;
   SetHeader(bounds, rows, columns);
@@ -107,72 +98,70 @@ int K7TerTileEX::MergeTiles() {
   Free();
   if (const int code = ChooseGrid()) return code;
   if (const int code = SortSources()) return code;
+  if (const int code = InitRim()) return code;
   if (const int code = AllocMesh()) return code;
-  for (int i = 0; i < m_sources.Count(); ++i) {
-    if (MergeMesh(*Source(i)) != K7_ERR_MEMORY) continue;
-    Free();
-    return K7_ERR_MEMORY;
-  }
+  TakeFromRim();
   return 0;
 }
 
 int K7TerTileEX::MergeMesh(const K7TerTile& tile) {
   if (!GetMesh()) return K7_ERR_NOT_INITIALIZED;
-  return Merge(tile, OwnGrid(*this), GetMesh());
+  PostGrid own{}, from{};
+  if (!K7TerMeshHold(tile).Rows()) return K7_ERR_NOT_FOUND;
+  if (!GridOf(tile, from) || !GridOf(*this, own)) return K7_ERR_INVALID_DATA;
+  K7TerTile* source = const_cast<K7TerTile*>(&tile);  // only read
+  return MergePosts(&source, 1, own, GetMesh());
 }
 
 int K7TerTileEX::InitBoundary() {
   if (!GetMesh()) return K7_ERR_NOT_INITIALIZED;
-  const PostGrid own = OwnGrid(*this);
-  const double row = own.RowStep(), col = own.ColStep();
-  const size_t across = static_cast<size_t>(own.cols) + 2, along = static_cast<size_t>(own.rows);
-  std::unique_ptr<int16_t[]> fresh(new (std::nothrow) int16_t[2 * across + 2 * along]);
-  const std::unique_ptr<int16_t*[]> columns(new (std::nothrow) int16_t*[2 * along]);
-  if (!fresh || !columns) return K7_ERR_MEMORY;
-  std::fill_n(fresh.get(), 2 * across + 2 * along, K7_NO_ELEV);
-  int16_t* const south = fresh.get();
-  int16_t* const north = south + across;
-  for (size_t r = 0; r < 2 * along; ++r) columns[r] = north + across + r;
+  const int code = SortSources();
+  return code ? code : InitRim();
+}
 
-  // Lines of posts, each a grid as high or wide as a spacing whose only row is its northern edge, or whose
-  // only column is its eastern one.
-  const struct {
-    PostGrid grid;
-    int16_t* const* posts;
-  } lines[] = {
-      {{own.south - row, own.south - 2 * row, own.west - col, own.width + 2 * col, 1, own.cols + 2, nullptr},
-       &south},
-      {{own.north + row, own.north, own.west - col, own.width + 2 * col, 1, own.cols + 2, nullptr}, &north},
-      {{own.north, own.south, own.west - 2 * col, col, own.rows, 1, nullptr}, columns.get()},
-      {{own.north, own.south, own.west + own.width, col, own.rows, 1, nullptr}, columns.get() + along},
-  };
-  for (const auto& line : lines) {
-    for (int i = 0; i < m_sources.Count(); ++i) {
-      if (Merge(*Source(i), line.grid, line.posts) == K7_ERR_MEMORY) return K7_ERR_MEMORY;
-    }
-  }
+// Merges the tile and the posts around it.
+int K7TerTileEX::InitRim() {
+  PostGrid own{};
+  if (!GridOf(*this, own)) return K7_ERR_NOT_INITIALIZED;
+  const PostGrid grown = own.Grown(RIM);
+  PostsBlock block;
+  if (!block.Make(grown.rows, grown.cols)) return K7_ERR_MEMORY;
+  const auto tiles = static_cast<K7TerTile* const*>(m_sources.Data());
+  if (const int code = MergePosts(tiles, m_sources.Count(), grown, block.Rows())) return code;
   FreeBoundary();
-  m_border = fresh.release();
+  m_rim = block.Release();
+  m_rimPosts = grown.rows * grown.cols;
   return 0;
 }
 
-void K7TerTileEX::FreeBoundary() {
-  delete[] m_border;
-  m_border = nullptr;
+void K7TerTileEX::TakeFromRim() {
+  const ptrdiff_t stride = ColCount() + 2 * RIM;
+  for (int r = 0; r < RowCount(); ++r)
+    std::copy_n(m_rim + (r + RIM) * stride + RIM, ColCount(), GetMesh()[r]);
 }
 
-PostBorder BorderOf(const K7TerTile& tile) {
-  const auto* const drawn = dynamic_cast<const K7TerTileEX*>(&tile);
-  if (!drawn || !drawn->m_border) return {};
-  const int16_t* const south = drawn->m_border;
-  const int16_t* const north = south + drawn->ColCount() + 2;
-  const int16_t* const west = north + drawn->ColCount() + 2;
-  return {south, north, west, west + drawn->RowCount()};
+void K7TerTileEX::CopyBoundary(int16_t* posts) const {
+  const int count = (RowCount() + 2 * RIM) * (ColCount() + 2 * RIM);
+  // Another header may have been read since.
+  if (m_rimPosts == count) std::copy_n(m_rim, count, posts);
+}
+
+void K7TerTileEX::FreeBoundary() {
+  delete[] m_rim;
+  m_rim = nullptr;
+  m_rimPosts = 0;
 }
 
 int K7TerTileEX::SmoothMesh() {
   if (!GetMesh()) return K7_ERR_NOT_INITIALIZED;
-  return SmoothPosts(RowCount(), ColCount(), GetMesh()) ? 0 : K7_ERR_MEMORY;
+  if (m_rimPosts == 0) return SmoothPosts(RowCount(), ColCount(), GetMesh()) ? 0 : K7_ERR_MEMORY;
+  const TilePosts posts(*this);
+  if (posts.Error()) return posts.Error();
+  const PostGrid& grid = posts.Grid();
+  if (!SmoothPosts(grid.rows, grid.cols, posts.Rows())) return K7_ERR_MEMORY;
+  std::copy_n(posts.Rows()[0], static_cast<ptrdiff_t>(grid.rows) * grid.cols, m_rim);
+  TakeFromRim();
+  return 0;
 }
 
 void K7TerTileEX::Free() {
@@ -184,7 +173,6 @@ void K7TerTileEX::Free() {
 int K7TerTileEX::Generate(const K7TerParams* params) {
   if (!params) return K7_ERR_BAD_ARGUMENT;
   if (const int code = MergeTiles()) return code;
-  if (const int code = InitBoundary()) return code;
   return GenShadedRelief(params);
 }
 

@@ -11,8 +11,8 @@
 /// Metres a degree of a great circle: 60 NM of the sphere, 3437.74677 NM in radius.
 inline constexpr double METRES_A_DEGREE = 3437.74677 * 1852 * 3.14159265358979 / 180;
 
-/// A tile with posts on its edges; `elevation` gives metres for a latitude and a longitude that runs on past
-/// 180.
+/// A tile with posts in the middle of its cells; `elevation` gives metres for a latitude and a longitude that
+/// runs on past 180.
 template <class Tile = K7TerTile, class Elevation>
 std::unique_ptr<Tile> MakeTile(const K7ChartRect& bounds, int rows, int cols, Elevation elevation) {
   auto tile = std::make_unique<Tile>();
@@ -24,8 +24,8 @@ std::unique_ptr<Tile> MakeTile(const K7ChartRect& bounds, int rows, int cols, El
   const double width = bounds.East() - bounds.West() + (bounds.East() < bounds.West() ? 360 : 0);
   for (int r = 0; r < rows; ++r) {
     for (int c = 0; c < cols; ++c) {
-      const double lat = bounds.South() + (bounds.North() - bounds.South()) * r / (rows - 1);
-      const double lon = bounds.West() + width * c / (cols - 1);
+      const double lat = bounds.South() + (bounds.North() - bounds.South()) * (r + 0.5) / rows;
+      const double lon = bounds.West() + width * (c + 0.5) / cols;
       tile->GetMesh()[r][c] = static_cast<int16_t>(std::lround(elevation(lat, lon)));
     }
   }

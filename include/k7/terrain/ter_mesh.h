@@ -24,8 +24,10 @@ struct K7TerVertex {
 
 /// A K7TerMesh is a tile as triangles, ready for a vertex and an index buffer. Every post with data is a
 /// vertex; every square of four is two triangles along the diagonal that rises less, so that ridges and
-/// valleys stay whole; where one post of four has no data, one triangle is left, where more, a hole. One
-/// thread creates; what was made any number may read.
+/// valleys stay whole; where one post of four has no data, one triangle is left, where more, a hole. It
+/// reaches from the first to the last posts, which stand half a spacing within the tile; that of a
+/// K7TerTileEX that was merged goes on to the first posts of its northern and eastern neighbours, where their
+/// meshes begin. One thread creates; what was made any number may read.
 ///
 /// Vertices are single numbers relative to `Origin`, the tile's middle, so that they keep their digits:
 /// camera less origin, computed in double, is what a shader needs.
@@ -37,10 +39,10 @@ class K7_API K7TerMesh {
   ~K7TerMesh();
 
   /// Makes the mesh of a tile, whose grid is read when it is absent; heights are multiplied by
-  /// `exaggeration`, within 0 and 1000. Of a tile of class K7TerTileEX the posts around it count for normals
-  /// when it has them. Answers 0 (a mesh may be empty); K7_ERR_BAD_ARGUMENT for an exaggeration outside its
-  /// range; K7_ERR_NOT_FOUND for a tile whose grid cannot be had, K7_ERR_INVALID_DATA for bounds that are no
-  /// area of the globe, K7_ERR_OUT_OF_RANGE for more than 2^24 posts, or K7_ERR_MEMORY; failed, it is empty.
+  /// `exaggeration`, within 0 and 1000. Answers 0 (a mesh may be empty); K7_ERR_BAD_ARGUMENT for an
+  /// exaggeration outside its range; K7_ERR_NOT_FOUND for a tile whose grid cannot be had,
+  /// K7_ERR_INVALID_DATA for bounds that are no area of the globe, K7_ERR_OUT_OF_RANGE for more than 2^24
+  /// posts, or K7_ERR_MEMORY; failed, it is empty.
   int Create(const K7TerTile& tile, K7TerMeshKind kind, double exaggeration);
   void Clear();
 

@@ -12,8 +12,8 @@ class K7MapView;
 struct K7TerReliefStore;
 
 /// A K7TerRelief gives the colours of a tile at any place: elevations interpolated between posts, tinted by
-/// the bands of K7TerParams and shaded by its light, both without steps at the posts. Posts lie on the tile's
-/// edges, the first row on the southern one, the last on the northern one. What has no data is transparent.
+/// the bands of K7TerParams and shaded by its light, both without steps at the posts, which stand in the
+/// middle of their cells. What has no data is transparent.
 ///
 ///     K7TerRelief relief;
 ///     if (int code = relief.Init(tile, params)) return code;
@@ -34,10 +34,11 @@ class K7_API K7TerRelief {
   K7TerRelief& operator=(const K7TerRelief&) = delete;
   ~K7TerRelief();
 
-  /// Takes a tile's grid, which is read when it is absent, and settings. For a tile of class K7TerTileEX the
-  /// posts around it count when it has them (`InitBoundary`). Answers 0, K7_ERR_NOT_FOUND for a tile whose
-  /// grid cannot be had, K7_ERR_INVALID_DATA for bounds that are no area of the globe, K7_ERR_OUT_OF_RANGE
-  /// for more than 2^24 posts, or K7_ERR_MEMORY; failed, it is empty.
+  /// Takes a tile's grid, which is read when it is absent, and settings. Of a
+  /// K7TerTileEX that was merged the posts around it count too, so that neighbours meet without a seam.
+  /// Answers 0, K7_ERR_NOT_FOUND for a tile whose grid cannot be had, K7_ERR_INVALID_DATA for bounds that are
+  /// no area of the globe, K7_ERR_OUT_OF_RANGE for more than 2^24 posts, or K7_ERR_MEMORY; failed, it is
+  /// empty.
   int Init(const K7TerTile& tile, const K7TerParams& params);
 
   /// Answers the colour at a position, 0xAARRGGBB with straight alpha, of a pixel that spans `metres` of
