@@ -23,6 +23,26 @@ void Transform(const double* matrix, uint8_t* bgr) {
   bgr[2] = red;
 }
 
+// The colours of a row.
+void GenRow(const K7Bitmap& bitmap, int y, const K7Color* palette, K7Color* to) {
+  const uint8_t* from = bitmap.Row(y);
+  const int width = bitmap.Width();
+  switch (bitmap.BitsPerPixel()) {
+    case 8:
+      for (int x = 0; x < width; ++x) to[x] = palette[from[x]];
+      break;
+    case 24:
+      for (int x = 0; x < width; ++x, from += 3) to[x] = K7Color(from[2], from[1], from[0]);
+      break;
+    case 32:
+      std::memcpy(to, from, static_cast<size_t>(bitmap.RowBytes()));
+      break;
+    default:
+      for (int x = 0; x < width; ++x) to[x] = palette[bitmap.GetValue(x, y)];
+      break;
+  }
+}
+
 }  // namespace
 
 int K7Bitmap::Gen32bit(K7Bitmap& out) const { return Gen32bit(out, false); }
@@ -41,18 +61,13 @@ int K7Bitmap::Gen32bit(K7Bitmap& out, bool transparent) const {
   std::copy(m_palette, m_palette + 256, palette);
   const bool keyed = transparent && m_transparent >= 0;
   if (keyed && m_bits <= 8) palette[m_transparent] = K7Color();
-  const uint32_t key = static_cast<uint32_t>(m_transparent);
-  K7Color* to = made.Colors();
-  for (int y = 0; y < m_height; ++y)
-    for (int x = 0; x < m_width; ++x) {
-      const uint32_t value = GetValue(x, y);
-      if (m_bits <= 8)
-        *to++ = palette[value];
-      else if (keyed && (value & 0xFFFFFFu) == key)
-        *to++ = K7Color();
-      else
-        *to++ = K7Color(m_bits == 24 ? value | 0xFF000000u : value);
-    }
+  for (int y = 0; y < m_height; ++y) GenRow(*this, y, palette, made.Colors() + int64_t{y} * m_width);
+  if (keyed && m_bits > 8) {
+    K7Color* const end = made.Colors() + int64_t{m_width} * m_height;
+    const uint32_t key = static_cast<uint32_t>(m_transparent);
+    std::replace_if(
+        made.Colors(), end, [key](K7Color color) { return color.BGR() == key; }, K7Color());
+  }
   out.Swap(made);
   return 0;
 }

@@ -142,7 +142,10 @@ int DecodeGIF(k7read::Block& file, int wanted, K7Bitmap& bitmap) {
     if (introducer != IMAGE || !TakeImage(in, global, image)) return K7_ERR_INVALID_DATA;
     k7raster::GifPixels pixels;
     if (const int err = DecodePixels(in, file.Bytes(), image, pixels)) return err;
-    if (block == wanted) return MakeBitmap(image, pixels.Data(), transparent, bitmap);
+    if (block != wanted) continue;
+    // The file is no longer needed, and large ones make room for the bitmap.
+    file.Alloc(0);
+    return MakeBitmap(image, pixels.Data(), transparent, bitmap);
   }
 }
 

@@ -84,7 +84,7 @@ class Decoder {
       else if (!Put(code))
         return false;
     }
-    std::memset(m_buffer + m_pos, 0, PIECE);
+    std::memset(m_buffer + m_pos, 0, m_end - m_pos);
     return true;
   }
 
@@ -146,7 +146,7 @@ int k7raster::GifPixels::Decode(const uint8_t* codes, size_t size, int minBits, 
   if (minBits < 1 || minBits > 8) return K7_ERR_INVALID_DATA;
   std::free(m_buffer);
   // A string of all codes may begin with the last pixel.
-  m_buffer = static_cast<uint8_t*>(std::calloc(HEAD + count + MAX_CODES + PIECE, 1));
+  m_buffer = static_cast<uint8_t*>(std::malloc(HEAD + count + MAX_CODES + PIECE));
   if (!m_buffer) return K7_ERR_MEMORY;
   Decoder decoder(m_buffer, HEAD, count, minBits);
   return decoder.Run(CodeReader(codes, size)) ? 0 : K7_ERR_INVALID_DATA;
