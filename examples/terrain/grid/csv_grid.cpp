@@ -94,8 +94,9 @@ std::string CsvGrid::ReadPosts(std::vector<CsvPost>& posts) const {
 }
 
 std::vector<double> Distinct(const std::vector<CsvPost>& posts, double CsvPost::*coordinate) {
-  std::vector<double> values;
-  for (const CsvPost& post : posts) values.push_back(post.*coordinate);
+  std::vector<double> values(posts.size());
+  std::transform(posts.begin(), posts.end(), values.begin(),
+                 [=](const CsvPost& post) { return post.*coordinate; });
   std::sort(values.begin(), values.end());
   values.erase(std::unique(values.begin(), values.end()), values.end());
   return values;

@@ -11,7 +11,7 @@
 
 namespace {
 
-class GeoTiffGrid : public ElevGrid {
+class GeoTiffGrid final : public ElevGrid {
  public:
   explicit GeoTiffGrid(const std::string& path) : ElevGrid(path) {}
   ~GeoTiffGrid() override { Release(); }

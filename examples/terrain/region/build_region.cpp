@@ -75,7 +75,7 @@ std::string RegionWriter::Append(std::unique_ptr<K7TerTile> tile) {
   double lat, lon;
   tile->GetChartRect().Center(lat, lon);
   if (!m_region.SetTile(lat, lon, tile.get())) return Code(K7_ERR_INVALID_DATA);
-  tile.release();
+  static_cast<void>(tile.release());
   return {};
 }
 
