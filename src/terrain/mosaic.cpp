@@ -18,7 +18,7 @@ bool IsWhole(double value) { return std::abs(value - std::round(value)) < SAME_L
 // Posts in whole steps from the first post of the first tile. Columns count from the target's west.
 struct Lattice {
   double rowStep, colStep;
-  double south, east;   // of the cell of that post; the east in degrees from the target's western edge
+  double south, east;  // of the cell of that post; the east in degrees from the target's western edge
   double lowRow, lowCol, highRow, highCol;  // what the target needs
 
   Lattice(const PostGrid& tile, const PostGrid& target)

@@ -94,7 +94,8 @@ void TerrainLayer::Prepare(const LayerContext& context) {
   const K7ChartRect extent = context.view.GetExtent();
   for (const Region& region : m_regions)
     if (region.resolution == resolution) AddTiles(*region.region, extent);
-  if (m_shown->MergeCount() == 0 || m_shown->MergeTiles() != 0 || m_shown->InitBoundary() != 0) m_shown.reset();
+  if (m_shown->MergeCount() == 0 || m_shown->MergeTiles() != 0 || m_shown->InitBoundary() != 0)
+    m_shown.reset();
 }
 
 void TerrainLayer::DrawAreas(const LayerContext& context, K7MapPath&, K7Grfx& g) {
