@@ -16,7 +16,7 @@ inline constexpr int NOT_READ = INT_MIN;
 
 /// Truncates `x` towards zero. False, with `index` unchanged, unless that lies within [0, count).
 inline bool Index(double x, int count, int& index) {
-  if (!(x > -1.0) || !(x < count)) return false;
+  if (count < 1 || !(x > -1.0) || !(x < count)) return false;
   index = static_cast<int>(x);
   return true;
 }

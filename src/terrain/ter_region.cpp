@@ -193,7 +193,7 @@ int K7TerRegion::ReadTile(K7File* file) {
   const K7ChartRect& bounds = tile->GetChartRect();
   if (!SetTile((bounds.North() + bounds.South()) / 2, CentreLon(bounds), tile.get()))
     return K7_ERR_INVALID_DATA;
-  tile.release();
+  static_cast<void>(tile.release());  // the matrix has it
   return 0;
 }
 

@@ -45,6 +45,7 @@ class RegionLock {
 };
 
 // Negative values round otherwise than positive ones; elevations shown before stay what they were.
+// NOLINTNEXTLINE(bugprone-incorrect-roundings)
 int Feet(int metres) { return static_cast<int>(metres * 3.2808399 + 0.5); }
 
 }  // namespace
