@@ -108,18 +108,75 @@ Box PixelsOf(const PostGrid& grid, const K7MapView& view) {
           std::min(window.bottom, static_cast<int>(std::ceil(bottom + margin)))};
 }
 
-void RenderRow(const Store& store, const K7MapView& view, const Box& box, int y, uint32_t* out) {
-  const PostGrid& grid = store.tile;
+// The positions of a square of pixels, whose corners lie on multiples of its size in the window, whatever the
+// tile: so neighbours agree about each pixel.
+class Square {
+ public:
+  static constexpr int SIZE = 16;
+
+  Square(const K7MapView& view, int x, int y) : m_view(view), m_x(x), m_y(y) {
+    m_isFlat = true;
+    for (int i = 0; i < 4; ++i) m_isFlat = m_isFlat && Corner(i % 2 * SIZE, i / 2 * SIZE, m_lat[i], m_lon[i]);
+    m_isFlat = m_isFlat && FitsAt(SIZE / 2, SIZE / 2) && FitsAt(SIZE / 2, 0) && FitsAt(0, SIZE / 2);
+  }
+
+  // The position of the middle of a pixel; false off the map.
+  bool At(int dx, int dy, double& lat, double& lon) const {
+    if (!m_isFlat) return Exact(dx, dy, lat, lon);
+    Between(dx, dy, lat, lon);
+    return true;
+  }
+
+ private:
+  bool Exact(int dx, int dy, double& lat, double& lon) const {
+    return m_view.FromDevice(m_x + dx + 0.5, m_y + dy + 0.5, lat, lon);
+  }
+  bool Corner(int dx, int dy, double& lat, double& lon) const {
+    if (!Exact(dx, dy, lat, lon) || std::abs(lat) > 89) return false;
+    if (dx || dy) lon = m_lon[0] + std::remainder(lon - m_lon[0], 360);
+    return true;
+  }
+  void Between(int dx, int dy, double& lat, double& lon) const {
+    const double u = static_cast<double>(dx) / SIZE, v = static_cast<double>(dy) / SIZE;
+    lat = (1 - v) * ((1 - u) * m_lat[0] + u * m_lat[1]) + v * ((1 - u) * m_lat[2] + u * m_lat[3]);
+    lon = (1 - v) * ((1 - u) * m_lon[0] + u * m_lon[1]) + v * ((1 - u) * m_lon[2] + u * m_lon[3]);
+  }
+  // Whether what lies between the corners is off by less than a twentieth of a pixel.
+  bool FitsAt(int dx, int dy) const {
+    double lat = 0, lon = 0, lat2 = 0, lon2 = 0;
+    if (!Corner(dx, dy, lat, lon)) return false;
+    Between(dx, dy, lat2, lon2);
+    const double dLat = std::abs(m_lat[3] - m_lat[0]) + std::abs(m_lat[2] - m_lat[1]);
+    const double dLon = std::abs(m_lon[3] - m_lon[0]) + std::abs(m_lon[2] - m_lon[1]);
+    static constexpr double SHARE = 0.05 / (2 * SIZE);
+    return std::abs(lat - lat2) <= SHARE * dLat && std::abs(lon - lon2) <= SHARE * dLon;
+  }
+
+  const K7MapView& m_view;
+  int m_x, m_y;
+  bool m_isFlat;
+  double m_lat[4], m_lon[4];
+};
+
+uint32_t PixelAt(const Store& store, double lat, double lon, double metres) {
+  const PostGrid& tile = store.tile;
+  if (!(lat >= tile.south && (lat < tile.north || lat == 90))) return 0;
+  const double east = tile.EastOf(lon);
+  if (!(east >= 0 && (east < tile.width || tile.width >= 360))) return 0;
+  return store.tints.Pixel(store.At(lat, east), metres);
+}
+
+// The part of a square within the box; `out` is the box's pixels.
+void RenderSquare(const Store& store, const K7MapView& view, const Box& box, int left, int top,
+                  uint32_t* out) {
+  const Square square(view, left, top);
   const double metres = view.NMPerPixel() * METRES_PER_NM;
-  for (int x = box.left; x < box.right; ++x) {
-    double lat = 0, lon = 0;
-    uint32_t& pixel = out[x - box.left];
-    pixel = 0;
-    if (!view.FromDevice(x + 0.5, y + 0.5, lat, lon) || lat < grid.south) continue;
-    const bool within = lat < grid.north || (lat == 90 && grid.north == 90);
-    const double east = grid.EastOf(lon);
-    if (!within || !(east >= 0 && (east < grid.width || grid.width == 360))) continue;
-    pixel = store.tints.Pixel(store.At(lat, east), metres);
+  for (int y = std::max(top, box.top); y < std::min(top + Square::SIZE, box.bottom); ++y) {
+    uint32_t* const row = out + static_cast<ptrdiff_t>(y - box.top) * (box.right - box.left);
+    for (int x = std::max(left, box.left); x < std::min(left + Square::SIZE, box.right); ++x) {
+      double lat = 0, lon = 0;
+      row[x - box.left] = square.At(x - left, y - top, lat, lon) ? PixelAt(store, lat, lon, metres) : 0;
+    }
   }
 }
 
@@ -190,8 +247,10 @@ int K7TerRelief::Render(K7Grfx* g, const K7MapView& view) const {
   const std::unique_ptr<uint32_t[]> pixels(
       new (std::nothrow) uint32_t[static_cast<size_t>(width) * static_cast<size_t>(height)]);
   if (!pixels) return K7_ERR_MEMORY;
-  for (int y = box.top; y < box.bottom; ++y)
-    RenderRow(*m_store, view, box, y, pixels.get() + static_cast<ptrdiff_t>(y - box.top) * width);
+  for (int y = box.top - box.top % Square::SIZE; y < box.bottom; y += Square::SIZE) {
+    for (int x = box.left - box.left % Square::SIZE; x < box.right; x += Square::SIZE)
+      RenderSquare(*m_store, view, box, x, y, pixels.get());
+  }
   g->Image(pixels.get(), width, height, box.left, box.top, box.right, box.bottom);
   return 0;
 }

@@ -50,14 +50,15 @@ void Tints::Set(const K7TerParams& params) {
   m_ambient = level > 0 ? static_cast<float>(ambient / level) : 1;
 }
 
-int Tints::BandAt(float elevation) const {
-  int next = 1;
+// The band of an elevation that is not below band `from`.
+int Tints::BandAt(float elevation, int from) const {
+  int next = from + 1;
   while (next < m_count && elevation + SAME_METRES >= m_limits[next]) ++next;
   return next - 1;
 }
 
 Tints::Paint Tints::Mix(float low, float high) const {
-  const int first = BandAt(low), last = BandAt(high);
+  const int first = BandAt(low, 0), last = BandAt(high, first);
   if (first == last) return m_paints[first];
   Paint mixed{0, 0, 0, 0};
   for (int i = first; i <= last; ++i) {

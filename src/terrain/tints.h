@@ -21,7 +21,7 @@ class Tints {
   struct Paint {
     float red, green, blue, alpha;
   };
-  int BandAt(float elevation) const;
+  int BandAt(float elevation, int from) const;
   Paint Mix(float low, float high) const;
   float WaterLight(float elevation) const;
   float LandLight(const Slope& ground) const;
