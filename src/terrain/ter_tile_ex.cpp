@@ -34,8 +34,8 @@ Rank RankOf(K7TerTile* tile) {
 }  // namespace
 
 K7TerTileEX::~K7TerTileEX() {
-  FreeBoundary();
-  ClearSRTImage();
+  delete[] m_rim;
+  delete[] m_image;
 }
 
 int K7TerTileEX::Init(const K7ChartRect& bounds, int rows, int columns) {

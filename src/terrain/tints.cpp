@@ -104,7 +104,11 @@ uint32_t Tints::Pixel(const Slope& ground, double metres) const {
 
   if (!(paint.alpha >= 0.5F)) return 0;
   const float scale = light * 255 / paint.alpha;
-  const auto byte = [](float value) { return static_cast<uint32_t>(std::min(value, 255.0F) + 0.5F); };
+  // A half more than what is to be rounded down: nothing here is negative.
+  const auto byte = [](float value) {
+    const float up = std::min(value, 255.0F) + 0.5F;
+    return static_cast<uint32_t>(up);
+  };
   return byte(paint.alpha) << 24 | byte(paint.red * scale) << 16 | byte(paint.green * scale) << 8 |
          byte(paint.blue * scale);
 }
