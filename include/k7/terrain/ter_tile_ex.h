@@ -17,7 +17,7 @@ class TilePosts;
 /// pictures and triangles of it.
 ///
 ///     K7TerTileEX tile;
-///     tile.Init(bounds, 1200, 1200);                       // or rows and columns 0: as fine as the tiles
+///     tile.Init(bounds, 0, 0);                             // as fine as the tiles
 ///     for (...) tile.AddTileForMerge(source);
 ///     if (int code = tile.Generate(&params)) return code;  // merged and shaded
 ///     show(tile.SRTImage(), tile.SRTWidth(), tile.SRTHeight());
@@ -29,6 +29,10 @@ class TilePosts;
 /// them. Posts that fall together are copied; others are interpolated, or averaged where the source is finer,
 /// such that slopes stay what they are. Where tiles overlap the finer ones count, of equals the more
 /// southern, then the more western, in whatever order they were added. What no tile has is K7_NO_ELEV.
+///
+/// Ask for no more posts than the tiles have: pictures are smooth between posts at any size
+/// (`GenShadedRelief` with one, `Render`), while posts in between, of whole metres, would show the tiles'
+/// own.
 ///
 /// To meet its neighbours without a seam, in shades, meshes and after smoothing, a tile knows the posts
 /// around it: merging learns them, from the same tiles. So add those too that lie beyond the bounds by three
