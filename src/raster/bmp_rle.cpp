@@ -52,8 +52,8 @@ void PutRun(Pen& pen, int count, unsigned char value) {
 
 // Pixels as they are, padded to an even number of bytes.
 bool PutLiteral(Pen& pen, k7read::Cursor& in, int count) {
-  const int bytes = pen.IsNarrow() ? (count + 1) / 2 : count;
-  const unsigned char* const from = in.Skip(static_cast<size_t>((bytes + 1) / 2 * 2));
+  const size_t bytes = static_cast<size_t>(pen.IsNarrow() ? (count + 1) / 2 : count);
+  const unsigned char* const from = in.Skip((bytes + 1) / 2 * 2);
   if (!from) return false;
   for (int i = 0; i < count; ++i) pen.Put(IndexOf(pen, from, i));
   return true;

@@ -10,8 +10,10 @@ namespace {
 
 // One of the three rows of a matrix, for a colour's components.
 uint8_t Component(const double* row, const uint8_t* bgr) {
-  const double value = row[0] * bgr[2] + row[1] * bgr[1] + row[2] * bgr[0] + row[3];
-  return static_cast<uint8_t>(std::clamp(value, 0.0, 255.0) + 0.5);
+  const double value = row[0] * bgr[2] + row[1] * bgr[1] + row[2] * bgr[0] + row[3] + 0.5;
+  // Sums of huge numbers may be no number, which is 0.
+  if (value >= 255) return 255;
+  return value > 0 ? static_cast<uint8_t>(value) : uint8_t{0};
 }
 
 void Transform(const double* matrix, uint8_t* bgr) {
