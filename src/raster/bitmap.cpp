@@ -122,7 +122,9 @@ int K7Bitmap::Read(const char* path) {
     if (const int err = k7raster::Open(path, "rb", file)) return err;
     const std::unique_ptr<K7File> owner(file);
     // A shorter file is told by what it has.
-    if (const int n = file->Read(magic, sizeof magic); n < 0) return n;
+    const int64_t held = std::min<int64_t>(k7read::BytesLeft(file), sizeof magic);
+    if (held < 0) return K7_ERR_FILE_IO;
+    if (const int err = k7read::Exact(file, magic, static_cast<int>(held))) return err;
   }
   const auto begins = [&magic](const char* with) { return std::memcmp(magic, with, std::strlen(with)) == 0; };
   if (begins("BM")) return ReadBMP(path, 1);

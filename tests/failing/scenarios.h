@@ -315,6 +315,23 @@ inline int ShapesOneByOne(FailingIO& host, Digest& got) {
   return 0;
 }
 
+inline int Images(FailingIO& host, Digest& got) {
+  const ScopedIO scope(&host);
+  K7RasterCache cache(1 << 20);
+  for (const char* const path : {"a.gif", "a.bmp", "a.pcx", "a.png"}) {
+    int err = 0;
+    const K7Bitmap* const bitmap = cache.Get(path, &err);
+    if (!bitmap) return err;
+    K7Bitmap image;
+    TRY(bitmap->GenTransparent(image));
+    for (int i = 0; i < image.Width() * image.Height(); ++i)
+      got.Add(static_cast<int>(image.Colors()[i].BGRA()));
+    TRY(bitmap->GenMask(image));
+    got.Add(static_cast<int>(image.GetValue(3, 3)));
+  }
+  return 0;
+}
+
 inline int Positions(FailingIO&, Digest& got) {
   for (const char* const text : {"N47 30.0 W122 18.5", "4728N12218W", "50N40", "47.5, -122.3"}) {
     K7LatLon position(1, 2);
@@ -420,6 +437,14 @@ inline Files Data() {
 }
 
 // A read that falls short is the end of the file: a document cut off, or data that are shorter.
+inline std::vector<std::pair<std::string, std::string>> Pictures() {
+  const std::string folder = K7_TEST_DATA "/raster/";
+  return {{"a.gif", GetFile(folder + "key-5.gif")},
+          {"a.bmp", GetFile(folder + "few-rle8.bmp")},
+          {"a.pcx", GetFile(folder + "few-8.pcx")},
+          {"a.png", GetFile(folder + "key-palette.png")}};
+}
+
 constexpr int IO = K7_ERR_FILE_IO, CUT = K7_ERR_XML_MISMATCHED_TAG, BAD = K7_ERR_INVALID_DATA,
               HOST = FailingFile::CODE;
 constexpr char OPTIONS[] = "<Options><A Group=\"one\">1</A><B Group=\"two\">2</B><C/></Options>";
@@ -452,6 +477,7 @@ inline const Scenario ALL[] = {
     {"ShapesWhole", Shapes, {IO, K7_ERR_OUT_OF_RANGE}, Rivers(false)},
     {"ShapesByIndex", Shapes, {IO, K7_ERR_OUT_OF_RANGE, BAD}, Rivers(true)},
     {"ShapesOneByOne", ShapesOneByOne, {IO}, Rivers(false)},
+    {"Images", Images, {IO, HOST}, Pictures()},
     {"Positions", Positions},
     {"Projections", Projections},
     {"Charts", Charts},
