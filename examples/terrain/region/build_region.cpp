@@ -45,6 +45,7 @@ class RegionWriter {
   std::unique_ptr<K7File> m_file;
   std::vector<int16_t> m_metres;
   int m_tiles = 0;
+  int m_tried = 0;  // tiles, with elevations or without
   int m_end = 0;
 };
 
@@ -83,6 +84,7 @@ std::string RegionWriter::WriteTile(int row, int col, GridSpan grids) {
   const int rows = m_plan.PostsOf(row), cols = m_plan.PostsOf(col);
   const K7ChartRect bounds = m_plan.TileBounds(row, col);
   if (!IsCovered(grids, bounds)) return {};
+  ++m_tried;
   const TargetPosts posts = {m_plan.south + 1.0 * row * m_plan.tilePosts / m_plan.resolution,
                              m_plan.west + 1.0 * col * m_plan.tilePosts / m_plan.resolution,
                              1.0 / m_plan.resolution, rows, cols};
@@ -111,9 +113,10 @@ std::string RegionWriter::Write(const std::string& path, const RegionProgress& p
   m_file.reset(K7IO::Inst()->CreateFileX(path.c_str(), "wb"));
   if (!m_file || !m_file->IsValid()) return Code(K7_ERR_FILE_IO);
   if (const int code = m_region.AllocTilesMatrix()) return Code(code);
-  m_end = HEADER_SIZE + MostTiles() * TILE_HEADER_SIZE;
+  const int most = MostTiles();
+  m_end = HEADER_SIZE + most * TILE_HEADER_SIZE;
   for (int row = 0; row < m_plan.TilesAlong(); ++row) {
-    progress(static_cast<double>(row) / m_plan.TilesAlong());
+    if (most > 0) progress(static_cast<double>(m_tried) / most);
     if (std::string problem = WriteRow(row); !problem.empty()) return problem;
   }
   if (m_tiles == 0) return {};
