@@ -23,7 +23,7 @@ int Height(int row, int column) {
 }
 
 struct World {
-  RegionSpec region = MadeRegion(SOUTH, WEST, TILES, TILES, POSTS, Height);
+  RegionPlan region = MadeRegion(SOUTH, WEST, TILES, TILES, POSTS, Height);
   TempFolder folder;
   std::vector<int16_t> posts = std::vector<int16_t>(SIDE * SIDE);
   std::vector<std::pair<double, double>> places;

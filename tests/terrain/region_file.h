@@ -14,7 +14,7 @@ void Put(std::string& out, T value) {
   out.append(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
-struct TileSpec {
+struct TilePlan {
   double north, south, east, west;
   int rows, columns;
   std::vector<int16_t> posts;  // row by row from the south
@@ -27,20 +27,20 @@ inline std::string Packed(const void* data, size_t size) {
   out.resize(length);
   return out;
 }
-inline std::string Packed(const TileSpec& tile) {
+inline std::string Packed(const TilePlan& tile) {
   return Packed(tile.posts.data(), tile.posts.size() * sizeof(int16_t));
 }
 
-struct RegionSpec {
+struct RegionPlan {
   int32_t rows = 1, columns = 1;
   double tileHeight = 1, tileWidth = 1;
   double north, south, east, west;
-  std::vector<TileSpec> tiles;
+  std::vector<TilePlan> tiles;
 
   // `streams` in the place of the tiles' own.
   std::string Bytes(std::vector<std::string> streams = {}) const {
     if (streams.empty())
-      for (const TileSpec& tile : tiles) streams.push_back(Packed(tile));
+      for (const TilePlan& tile : tiles) streams.push_back(Packed(tile));
     std::string out;
     for (const int32_t word : {11, 22, rows, columns}) Put(out, word);
     for (const double value : {tileHeight, tileWidth, north, south, east, west}) Put(out, value);
@@ -64,11 +64,11 @@ struct RegionSpec {
 // A region of rows x columns tiles of one degree with n x n posts each, given by `post(row, column)` counted
 // over the whole region.
 template <class Post>
-RegionSpec MadeRegion(double south, double west, int rows, int columns, int n, Post post) {
-  RegionSpec region{rows, columns, 1, 1, south + rows, south, west + columns, west, {}};
+RegionPlan MadeRegion(double south, double west, int rows, int columns, int n, Post post) {
+  RegionPlan region{rows, columns, 1, 1, south + rows, south, west + columns, west, {}};
   for (int row = 0; row < rows; ++row)
     for (int column = 0; column < columns; ++column) {
-      TileSpec tile{south + row + 1, south + row, west + column + 1, west + column, n, n, {}};
+      TilePlan tile{south + row + 1, south + row, west + column + 1, west + column, n, n, {}};
       for (int i = 0; i < n * n; ++i)
         tile.posts.push_back(static_cast<int16_t>(post(row * n + i / n, column * n + i % n)));
       region.tiles.push_back(tile);

@@ -31,7 +31,7 @@ class Files {
 
 int Post(int row, int column) { return row * 100 + column; }
 
-RegionSpec Small() { return MadeRegion(40, 10, 2, 3, N, Post); }
+RegionPlan Small() { return MadeRegion(40, 10, 2, 3, N, Post); }
 
 // Asks for all that a region can be asked for; a crash or a sanitizer's word is what would fail.
 void Exercise(K7TerRegion& region, K7TerLevel& level) {
@@ -61,13 +61,13 @@ TEST(TerRegion, AnswersEachPostInFeet) {
 TEST(TerRegion, ServesBothSidesOf180) {
   Files files;
   // Three tiles of two degrees; the middle one lies across 180 itself.
-  RegionSpec spec{1, 3, 2, 2, 2, 0, -177, 177, {}};
+  RegionPlan plan{1, 3, 2, 2, 2, 0, -177, 177, {}};
   int16_t post = 1;
   for (const auto& [west, east] : {std::pair{177, 179}, {179, -179}, {-179, -177}})
-    spec.tiles.push_back({2, 0, double(east), double(west), 1, 2, {post++, post++}});
+    plan.tiles.push_back({2, 0, double(east), double(west), 1, 2, {post++, post++}});
   K7TerRegion region;
   K7TerLevel level(120);
-  ASSERT_EQ(region.Read(files.Write(spec.Bytes())), 0);
+  ASSERT_EQ(region.Read(files.Write(plan.Bytes())), 0);
   const double lons[] = {177.5, 178.5, 179.5, -179.5, -178.5, -177.5};
   const int feet[] = {3, 7, 10, 13, 16, 20};  // of 1 to 6 metres
   for (int i = 0; i < 6; ++i) EXPECT_EQ(region.GetElev(1, lons[i], &level), feet[i]) << lons[i];
@@ -77,16 +77,16 @@ TEST(TerRegion, ServesBothSidesOf180) {
 // What the library writes is the file that was laid out by hand, stream for stream.
 TEST(TerRegion, WritesTheBytesOfTheFormat) {
   Files files;
-  const RegionSpec spec = Small();
+  const RegionPlan plan = Small();
 
   K7TerRegion region;
-  region.Init(K7ChartRect(spec.north, spec.south, spec.east, spec.west), spec.rows, spec.columns, 1, 1);
+  region.Init(K7ChartRect(plan.north, plan.south, plan.east, plan.west), plan.rows, plan.columns, 1, 1);
   region.SetWords(11, 22);
   region.SetTileTable(72, 6);
   ASSERT_EQ(region.AllocTilesMatrix(), 0);
   const std::unique_ptr<K7File> file(K7IO::Inst()->CreateFileX("r.ter", "wb"));
   file->Seek(72 + 6 * 44);
-  for (const TileSpec& made : spec.tiles) {
+  for (const TilePlan& made : plan.tiles) {
     K7TerTile* const tile = new K7TerTile(K7ChartRect(made.north, made.south, made.east, made.west), N, N);
     ASSERT_EQ(tile->AllocMesh(), 0);
     for (int i = 0; i < N * N; ++i) tile->GetMesh()[i / N][i % N] = made.posts[static_cast<size_t>(i)];
@@ -97,13 +97,13 @@ TEST(TerRegion, WritesTheBytesOfTheFormat) {
   file->Seek(0);
   ASSERT_EQ(region.Write(file.get()), 0);
   file->Close();
-  EXPECT_TRUE(files.Text() == spec.Bytes());
+  EXPECT_TRUE(files.Text() == plan.Bytes());
 }
 
 TEST(TerRegion, CutAtEveryByte) {
   Files files;
-  const RegionSpec spec = Small();
-  const std::string bytes = spec.Bytes();
+  const RegionPlan plan = Small();
+  const std::string bytes = plan.Bytes();
   for (size_t size = 0; size < bytes.size(); ++size) {
     K7TerRegion region;
     K7TerLevel level(120);
@@ -149,7 +149,7 @@ TEST(TerRegion, AbsurdHeaders) {
   EXPECT_EQ(K7TerRegion().Read(nullptr), K7_ERR_BAD_ARGUMENT);
   EXPECT_EQ(K7TerRegion().Read("absent"), K7_ERR_FILE_IO);
   // Two tiles in one cell: the later one counts.
-  RegionSpec twice = MadeRegion(40, 10, 1, 1, 1, [](int, int) { return 1; });
+  RegionPlan twice = MadeRegion(40, 10, 1, 1, 1, [](int, int) { return 1; });
   twice.tiles.push_back(twice.tiles[0]);
   twice.tiles[1].posts[0] = 1000;
   K7TerRegion region;
@@ -160,14 +160,14 @@ TEST(TerRegion, AbsurdHeaders) {
 
 TEST(TerRegion, StreamsMakeExactlyTheGrid) {
   Files files;
-  const RegionSpec spec = MadeRegion(40, 10, 1, 1, N, Post);
+  const RegionPlan plan = MadeRegion(40, 10, 1, 1, N, Post);
   const std::vector<int16_t> posts(N * N + 1, 7);
   const std::string whole = Packed(posts.data(), N * N * 2);
   std::string wrongSum = whole, zeros(1 << 20, '\0');
   wrongSum.back() = static_cast<char>(wrongSum.back() ^ 1);
   const auto code = [&](const std::string& stream) {
     K7TerRegion region;
-    EXPECT_EQ(region.Read(files.Write(spec.Bytes({stream}))), 0);
+    EXPECT_EQ(region.Read(files.Write(plan.Bytes({stream}))), 0);
     const int read = region.Tile(0, 0)->Read();
     EXPECT_EQ(region.Tile(0, 0)->GetElev(40.5, 10.5, true, 0), read == 0 ? 7 : K7_NO_ELEV);
     return read;

@@ -11,7 +11,7 @@
 namespace {
 
 int Feet(int metres) { return static_cast<int>(std::lround(metres * 3.2808399)); }
-RegionSpec FlatRegion(double south, double west, int side, int metres) {
+RegionPlan FlatRegion(double south, double west, int side, int metres) {
   return MadeRegion(south, west, side, side, 2, [=](int, int) { return metres; });
 }
 
@@ -70,7 +70,7 @@ TEST_F(Terrain, LevelIndex) {
 }
 
 TEST_F(Terrain, FallsBackToCoarserLevels) {
-  RegionSpec fine = FlatRegion(40, 0, 2, 700);
+  RegionPlan fine = FlatRegion(40, 0, 2, 700);
   fine.tiles[0].posts.assign(4, K7_NO_ELEV);
   fine.tiles.pop_back();
   m_folder.Write("3600_N30E000.ter", fine.Bytes());
@@ -123,7 +123,7 @@ TEST_F(Terrain, LimitsAndSettings) {
 
 // Whatever is asked, the grids stay within the setting, and every answer is right all the same.
 TEST_F(Terrain, CacheKeepsItsSize) {
-  const RegionSpec region = MadeRegion(30, 0, 6, 6, 200, [](int row, int column) { return row + column; });
+  const RegionPlan region = MadeRegion(30, 0, 6, 6, 200, [](int row, int column) { return row + column; });
   m_folder.Write("1200_N30E000.ter", region.Bytes());
   std::minstd_rand random(3);
   std::uniform_real_distribution<double> degrees(0, 6);
