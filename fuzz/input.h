@@ -19,7 +19,7 @@ class Input {
   T Take() {
     T value{};
     const size_t n = sizeof value < m_size ? sizeof value : m_size;
-    std::memcpy(&value, m_data, n);
+    if (n > 0) std::memcpy(&value, m_data, n);
     m_data += n;
     m_size -= n;
     return value;

@@ -6,53 +6,29 @@
 #include <k7/foundation/error_string.h>
 #include <k7/geometry.h>
 
+#include "input.h"
+
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <vector>
 
 namespace {
 
-void Require(bool condition) {
-  if (!condition) std::abort();
+double TakeNumber(Input& in, double before) {
+  const int how = in.Take<uint8_t>();
+  switch (how % 8) {
+    case 0:
+      return in.Take<double>();
+    case 1:
+      return std::nextafter(before, how < 128 ? 1e300 : -1e300);
+    case 2:
+      return before + in.Take<int8_t>() * 1e-15;
+    case 3:
+      return in.Take<int16_t>() / 180.0;
+    default:
+      return how / 8 % 8;
+  }
 }
-
-class Input {
- public:
-  Input(const uint8_t* data, size_t size) : m_data(data), m_size(size) {}
-
-  bool IsEmpty() const { return m_size == 0; }
-  template <class T>
-  T Take() {
-    T value{};
-    const size_t n = std::min(sizeof value, m_size);
-    if (n > 0) std::memcpy(&value, m_data, n);
-    m_data += n;
-    m_size -= n;
-    return value;
-  }
-  double Number(double before) {
-    const int how = Take<uint8_t>();
-    switch (how % 8) {
-      case 0:
-        return Take<double>();
-      case 1:
-        return std::nextafter(before, how < 128 ? 1e300 : -1e300);
-      case 2:
-        return before + Take<int8_t>() * 1e-15;
-      case 3:
-        return Take<int16_t>() / 180.0;
-      default:
-        return how / 8 % 8;
-    }
-  }
-
- private:
-  const uint8_t* m_data;
-  size_t m_size;
-};
 
 double Area(const K7ShpXY& a, const K7ShpXY& b, const K7ShpXY& c) {
   return ((b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x)) / 2;
@@ -69,7 +45,7 @@ Polygon TakePolygon(Input& in) {
     const int size = in.Take<uint8_t>() % 64;
     polygon.sizes.push_back(size);
     K7ShpXY p = {0, 0};
-    for (int i = 0; i < size; ++i) polygon.points.push_back(p = {in.Number(p.x), in.Number(p.y)});
+    for (int i = 0; i < size; ++i) polygon.points.push_back(p = {TakeNumber(in, p.x), TakeNumber(in, p.y)});
   }
   polygon.points.push_back({0, 0});  // never an empty array
   return polygon;

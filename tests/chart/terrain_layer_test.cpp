@@ -13,7 +13,8 @@ namespace {
 
 struct ImageGrfx : K7GrfxK7 {
   ImageGrfx(int width, int height) : K7GrfxK7(width, height) {}
-  void Image(const uint32_t* pixels, int w, int h, double left, double top, double right, double bottom) override {
+  void Image(const uint32_t* pixels, int w, int h, double left, double top, double right,
+             double bottom) override {
     for (int y = 0; y < Height(); ++y)
       for (int x = 0; x < Width(); ++x) {
         const int column = static_cast<int>((x + 0.5 - left) / (right - left) * w);
