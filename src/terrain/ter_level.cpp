@@ -27,6 +27,7 @@ K7TerLevel::K7TerLevel(int resolution, K7Cache* cache, const K7Mutex& cacheMutex
 K7TerLevel::~K7TerLevel() { Clear(); }
 
 void K7TerLevel::Clear() {
+  m_rings.Clear();  // merged from the regions' tiles
   const K7LockGuard cacheLock(m_cacheMutex);
   const K7LockGuard lock(m_mutex);
   for (K7TerRegion*& region : m_regions) {

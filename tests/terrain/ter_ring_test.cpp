@@ -1,4 +1,5 @@
 #include <k7/terrain/ter_color_map.h>
+#include <k7/terrain/ter_level.h>
 #include <k7/terrain/ter_ring.h>
 
 #include <gtest/gtest.h>
@@ -74,13 +75,17 @@ TEST(TerRing, RefusesWhatIsNoBand) {
 }
 
 TEST(TerRing, RingsOfALevelCoverEveryLatitudeBut90) {
-  K7TerRings rings;
+  K7TerLevel level(40);
+  K7TerRings& rings = level.Rings();
+  EXPECT_EQ(nullptr, level.GetTerRing(0));
   ASSERT_EQ(0, rings.Init(7.5F, 2, 2));
   EXPECT_EQ(24, rings.Count());
-  EXPECT_EQ(rings.Ring(12), rings.GetTerRing(0));
+  EXPECT_EQ(rings.Ring(12), level.GetTerRing(0));
   EXPECT_EQ(rings.Ring(11), rings.GetTerRing(-0.001));
   EXPECT_EQ(rings.Ring(0), rings.GetTerRing(-90));
   EXPECT_EQ(nullptr, rings.GetTerRing(90));
+  level.Clear();
+  EXPECT_EQ(0, rings.Count());
   EXPECT_EQ(-11003, rings.Init(7, 2, 2));
   EXPECT_EQ(0, rings.Count());
 }

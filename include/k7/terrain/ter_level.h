@@ -4,6 +4,7 @@
 #include <k7/export.h>
 #include <k7/foundation/array.h>
 #include <k7/foundation/mutex.h>
+#include <k7/terrain/ter_ring.h>
 
 #include <cstdint>
 
@@ -71,6 +72,10 @@ class K7_API K7TerLevel {
   bool AddToCache(K7TerTile* tile);
   /// Drops the shaded-relief images of all tiles.
   void ClearSRTImages();
+  /// Answers the rings of the level; there are none until `K7TerRings::Init`, and again after `Clear`.
+  K7TerRings& Rings() { return m_rings; }
+  /// Answers the ring of a latitude, as `K7TerRings::GetTerRing`.
+  K7TerRing* GetTerRing(double lat) const { return m_rings.GetTerRing(lat); }
   /// @}
 
  private:
@@ -86,4 +91,5 @@ class K7_API K7TerLevel {
   K7Mutex m_mutex;
   K7Cache* m_cache;
   K7Mutex m_cacheMutex;
+  K7TerRings m_rings;
 };
