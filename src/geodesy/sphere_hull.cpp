@@ -2,6 +2,8 @@
 
 #include <k7/foundation/error_string.h>
 
+#include "geodesy/exact_sum.h"
+
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -25,48 +27,17 @@ Real Volume(const K7ECEF& a, const K7ECEF& b, const K7ECEF& c, const K7ECEF& d, 
   return az * (bc - cb) + bz * (ca - ac) + cz * (ab - ba);
 }
 
-// An exact sum (Shewchuk, "Adaptive Precision Floating-Point Arithmetic", 1997: grow expansion).
-class Sum {
- public:
-  void AddProduct(double x, double y, double z) {
-    const double xy = x * y, rest = std::fma(x, y, -xy);
-    for (const double part : {rest, xy}) {
-      const double product = part * z;
-      Add(std::fma(part, z, -product));
-      Add(product);
-    }
-  }
-  // a . (b x c)
-  void AddTriple(double sign, const K7ECEF& a, const K7ECEF& b, const K7ECEF& c) {
-    AddProduct(sign * a.X(), b.Y(), c.Z());
-    AddProduct(-sign * a.X(), b.Z(), c.Y());
-    AddProduct(sign * a.Y(), b.Z(), c.X());
-    AddProduct(-sign * a.Y(), b.X(), c.Z());
-    AddProduct(sign * a.Z(), b.X(), c.Y());
-    AddProduct(-sign * a.Z(), b.Y(), c.X());
-  }
-  double Value() const {
-    double sum = 0;
-    for (int i = 0; i < m_count; i++) sum += m_terms[i];
-    return sum;
-  }
+using Sum = ExactSum<96>;
 
- private:
-  void Add(double term) {
-    int kept = 0;
-    for (int i = 0; i < m_count; i++) {
-      const double sum = term + m_terms[i], virtualTerm = sum - term;
-      const double error = (term - (sum - virtualTerm)) + (m_terms[i] - virtualTerm);
-      if (error != 0) m_terms[kept++] = error;
-      term = sum;
-    }
-    if (term != 0) m_terms[kept++] = term;
-    m_count = kept;
-  }
-
-  double m_terms[96];
-  int m_count = 0;
-};
+// a . (b x c)
+void AddTriple(Sum& sum, double sign, const K7ECEF& a, const K7ECEF& b, const K7ECEF& c) {
+  sum.AddProduct(sign * a.X(), b.Y(), c.Z());
+  sum.AddProduct(-sign * a.X(), b.Z(), c.Y());
+  sum.AddProduct(sign * a.Y(), b.Z(), c.X());
+  sum.AddProduct(-sign * a.Y(), b.X(), c.Z());
+  sum.AddProduct(sign * a.Z(), b.X(), c.Y());
+  sum.AddProduct(-sign * a.Z(), b.Y(), c.X());
+}
 
 // Positive for d below the face a b c, counter-clockwise from outside; the sign is exact. The rounding of
 // either expression is within 8 epsilon of its terms.
@@ -80,10 +51,10 @@ double Below(const K7ECEF& a, const K7ECEF& b, const K7ECEF& c, const K7ECEF& d)
   if (std::fabs(longVolume) > 8 * std::numeric_limits<Long>::epsilon() * longSize)
     return longVolume > 0 ? 1 : -1;
   Sum sum;
-  sum.AddTriple(1, a, b, c);
-  sum.AddTriple(-1, b, c, d);
-  sum.AddTriple(1, c, d, a);
-  sum.AddTriple(-1, d, a, b);
+  AddTriple(sum, 1, a, b, c);
+  AddTriple(sum, -1, b, c, d);
+  AddTriple(sum, 1, c, d, a);
+  AddTriple(sum, -1, d, a, b);
   return sum.Value();
 }
 

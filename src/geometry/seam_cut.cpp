@@ -7,6 +7,7 @@
 #include "foundation/append.h"
 #include "foundation/buffer.h"
 #include "geometry/tile_grid.h"
+#include "projection/seam.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,13 +18,6 @@ static_assert(std::is_trivially_copyable_v<K7LatLon>);
 
 // Longitudes that wind on further than that are no feature of a chart.
 constexpr double MAX_LON = 180 + 360 * 16;
-constexpr double SAME_PLACE = 1e-6;
-
-// The longitude carried on to within half a turn of the one before. An edge of exactly 180 stays as it runs.
-double CarriedOn(double before, double lon) {
-  const double step = before - lon;
-  return std::fabs(step) > 180 ? lon + 360 * std::nearbyint(step / 360) : lon;
-}
 
 bool RunsAcross(const K7TileFeature& feature, int part, bool ring) {
   const int start = feature.PartStart(part), count = feature.PartSize(part);

@@ -10,9 +10,6 @@
 
 namespace {
 
-// A point on a border belongs to the tile north or east of it, also when it is there by rounding only.
-constexpr double BORDER_WIDTH = 1e-8;
-
 // Whole degrees, so that columns of all rows meet every so often, as square on the ground as that allows.
 int DegreesOf(int r, double height) {
   static constexpr double WIDEST = 30;

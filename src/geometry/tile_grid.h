@@ -6,6 +6,10 @@
 #include <algorithm>
 #include <cmath>
 
+/// Points so close south or west of a border, in degrees, belong to the tile beyond it, so that one that lies
+/// there by rounding lies in it: a tile's bounds begin so much before its borders.
+inline constexpr double BORDER_WIDTH = 0.00000001;
+
 struct K7TileGrid {
   struct Row {
     int cols = 0;
@@ -38,6 +42,6 @@ struct K7TileGrid {
   double ClampLon(double lon) const { return lon < west ? west : lon > east ? east : lon; }
   /// Poles that a data set misses by rounding are poles.
   static double ClampLat(double lat) {
-    return std::fabs(lat) < 90 + 1e-8 ? std::clamp(lat, -90.0, 90.0) : lat;
+    return std::fabs(lat) < 90 + BORDER_WIDTH ? std::clamp(lat, -90.0, 90.0) : lat;
   }
 };

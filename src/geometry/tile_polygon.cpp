@@ -70,7 +70,11 @@ int K7PolygonTileMngr::TilizePolygon(const K7PolyPolygon* polygon, K7PolyPtMngr*
   if (polygon->PartCount() == 0) return 0;
   Job job{*polygon, *points};
   points->Begin(*polygon);
-  if (const int err = CutRings(job)) return err;
+  const int before = points->Count();
+  if (const int err = CutRings(job)) {
+    points->Truncate(before);
+    return err;
+  }
   const Buffer<CutPiece>& pieces = m_scratch->pieces;
   for (int first = 0, next; first < pieces.Count(); first = next) {
     next = first;
@@ -141,15 +145,21 @@ int K7PolygonTileMngr::AddPolygon(Job& job) {
   return AppendPtr(job.tile->m_polygons, feature);
 }
 
+// In its tile, which owns it from then on; null without memory.
+K7LineString* K7PolygonTileMngr::NewPiece(Job& job) {
+  auto* const piece = new (std::nothrow) K7LineString(&job.polygon, &job.points);
+  if (piece && AppendPtr(job.tile->m_pieces, piece) == 0) {
+    piece->SetTile(job.tile);
+    return piece;
+  }
+  delete piece;
+  return nullptr;
+}
+
 int K7PolygonTileMngr::AddPiece(Job& job, int number) {
   const CutPiece& cut = m_scratch->pieces[number];
-  auto* const piece = new (std::nothrow) K7LineString(&job.polygon, &job.points);
+  K7LineString* const piece = NewPiece(job);
   if (!piece) return K7_ERR_MEMORY;
-  if (const int err = AppendPtr(job.tile->m_pieces, piece)) {
-    delete piece;
-    return err;
-  }
-  piece->SetTile(job.tile);
   const bool hasTail = cut.tailEnd >= cut.tailStart;
   CutPiece run = cut;
   if (hasTail) run.entry = -1;
@@ -299,13 +309,8 @@ int K7PolygonTileMngr::ProcessBorderCorners(int from, const K7PtrArray& border, 
 }
 
 int K7PolygonTileMngr::AddWholeTile(Job& job) {
-  auto* const piece = new (std::nothrow) K7LineString(&job.polygon, &job.points);
+  K7LineString* const piece = NewPiece(job);
   if (!piece) return K7_ERR_MEMORY;
-  if (const int err = AppendPtr(job.tile->m_pieces, piece)) {
-    delete piece;
-    return err;
-  }
-  piece->SetTile(job.tile);
   for (int k = 0; k < 4; ++k) {
     const int corner = job.points.AddCorner((K7_SIDE_WEST + k) % 4);
     if (corner < 0) return corner;

@@ -6,6 +6,7 @@
 
 #include "foundation/append.h"
 #include "geometry/tile_scratch.h"
+#include "projection/seam.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,14 +31,11 @@ bool AddVectors(const K7TileString& piece, int from, int count, Buffer<K7ECEF>& 
   return !vectors.Failed();
 }
 
-// Where the plane ends, at 180 degrees and the poles, areas have corners that are none on the globe. Data
-// sets end up to this far beside.
-constexpr double EDGE_WIDTH = 2e-3;
-
+// Where the plane ends areas have corners that are none on the globe.
 bool IsFixed(const K7TileString& piece, int i) {
   double lat, lon;
   piece.GetPoint(i, lat, lon);
-  return !piece.IsOwnPoint(i) || std::fabs(lat) > 90 - EDGE_WIDTH || std::fabs(lon) > 180 - EDGE_WIDTH;
+  return !piece.IsOwnPoint(i) || OnPole(lat) || OnSeam(lon);
 }
 
 // The departures of all points of a tree. A tree may be as deep as it has points.

@@ -63,7 +63,7 @@ bool TileWalk::Find(double lat, double lon, int& row, int& col) const {
 }
 
 void TileWalk::Enter(int row, int col, int next) {
-  static constexpr double MARGIN = 2e-8;
+  static constexpr double MARGIN = 2 * BORDER_WIDTH;
   m_piece.row = row;
   m_piece.col = col;
   m_piece.start = next;

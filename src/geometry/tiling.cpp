@@ -14,9 +14,6 @@
 
 namespace {
 
-// Points so close to a border belong to the tile beyond it: its bounds begin there.
-constexpr double BORDER_WIDTH = 0.00000001;
-
 double BoundOf(double border, double least) { return border > least ? border - BORDER_WIDTH : least; }
 
 void SetCode(int* err, int code) {
@@ -136,9 +133,13 @@ int K7PolygonTileMngr::TilizePolyline(const K7Polyline* polyline, K7PolyPtMngr* 
   Buffer<CutPiece>& pieces = m_scratch->pieces;
   pieces.Clear();
   points->Begin(*polyline);
+  const int before = points->Count();
   TileWalk walk(*m_grid, *polyline, *points, pieces);
   for (int part = 0; part < polyline->PartCount(); ++part)
-    if (const int err = walk.Line(polyline->PartStart(part), polyline->PartSize(part))) return err;
+    if (const int err = walk.Line(polyline->PartStart(part), polyline->PartSize(part))) {
+      points->Truncate(before);
+      return err;
+    }
   for (int i = 0; i < pieces.Count(); ++i) {
     const CutPiece& cut = pieces[i];
     int err;

@@ -3,6 +3,7 @@
 #include <k7/foundation/error_string.h>
 
 #include "projection/feature_store.h"
+#include "projection/seam.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,21 +13,6 @@ namespace {
 
 // As far as rows are carried on from 180 to 180.
 constexpr double MAX_LON = 540;
-// Data sets were cut along 180 degrees and closed along a pole with points up to this far beside them.
-constexpr double SEAM_WIDTH = 1e-3;
-constexpr double POLE_WIDTH = 2e-3;
-constexpr double SAME_PLACE = 1e-6;
-
-// The longitude, carried on across 180 to within half a turn of the one before. An edge of exactly 180 is one
-// already, and stays as it runs: ties go to even, which is no turn.
-double CarriedOn(double before, double lon) {
-  const double step = before - lon;
-  return std::fabs(step) > 180 ? lon + 360 * std::nearbyint(step / 360) : lon;
-}
-
-bool OnSeam(double lon) { return std::fabs(std::fabs(lon) - 180) < SEAM_WIDTH; }
-bool OnPole(double lat) { return std::fabs(lat) > 90 - POLE_WIDTH; }
-
 // The rows of one feature while they are repaired, in place at the end of the store's arrays.
 class Row {
  public:

@@ -444,6 +444,7 @@ TEST(Tiling, HostilePlacesGiveACode) {
     EXPECT_EQ(tiles.TilizePolygon(&area.feature, &points), K7_ERR_BAD_ARGUMENT);
     EXPECT_EQ(lines.TilizePolyline(&line.feature, &points), K7_ERR_BAD_ARGUMENT);
     tiles.VisitPieces([](const K7ShapeTile&, const K7TileString&) { FAIL(); });
+    EXPECT_EQ(points.Count(), 0);
     Area across({{{0, 0}, {bad, -179}, {20, 179}}});
     EXPECT_EQ(across.feature.CutAtSeam(), K7_ERR_INVALID_DATA);
     EXPECT_EQ(across.feature.PointCount(), 3);

@@ -80,7 +80,7 @@ class K7_API K7TileString {
   int Rank();
   /// Appends, in their order, which points (0 to `PointCount` - 1) are left at a tolerance in NM: those whose
   /// departure, kept as a float, is at least the tolerance, the ends of a line, all points of borders and
-  /// corners, and those within 0.002 degrees of 180 and of the poles, where the plane ends. A ring of which
+  /// corners, and those at 180 degrees (0.001) and the poles (0.002), where the plane ends. A ring of which
   /// less than three are left gives none. Without `Rank` it gives all. 0 or K7_ERR_MEMORY.
   int Select(double tolerance, K7IntArray& out) const;
   /// @}

@@ -113,6 +113,7 @@ class K7_API K7PolygonTileMngr {
   int CutRings(Job& job);
   int StoreCell(Job& job, int first, int count);
   static int AddPolygon(Job& job);
+  static K7LineString* NewPiece(Job& job);
   int AddPiece(Job& job, int number);
   int AddBorderPt(Job& job, K7LineString& piece, int created, K7TileSide side, bool isEntry);
   int JoinPieces(Job& job);
