@@ -143,6 +143,18 @@ TEST_F(LabelTest, WorldChartsKeepAllTheirMeridians) {
             2);
 }
 
+// However the middle of the picture falls beside the pole, meridians lie whole degrees apart.
+TEST_F(LabelTest, PolesHaveMeridiansAllAround) {
+  for (const K7ProjType type : {K7_PROJ_LAMBERT, K7_PROJ_ALBERS, K7_PROJ_STEREOGRAPHIC}) {
+    Plan({type, {90, 0}, 1500, {}}, 500, 330);
+    std::set<std::string> meridians;
+    for (const Label& label : plan->Labels())
+      if (!std::strchr("NS", label.text[0])) meridians.insert(label.text);
+    EXPECT_TRUE(meridians.count("W090°") && meridians.count("E090°")) << type;
+    EXPECT_LE(meridians.size(), 12u) << type;
+  }
+}
+
 const std::set<int> COUNTED = {1, 2, 3, 5, 10, 15, 20, 30, 45, 60};
 
 // Steps that a reader counts in, of degrees, minutes or seconds, four to eight of them over any span; ticks

@@ -105,7 +105,7 @@ void GraticuleLayer::Prepare(const LayerContext& context) {
   m_lonStep = StepFor(LineKind::Meridian, std::min(lons, m_east - m_west));
   // A straight walk past a pole says little about meridians.
   const bool polar = m_seesPole && std::fabs(view.CenterLat()) > 60;
-  if (polar && view.IsGlobe()) m_lonStep = {POLAR_STEP, 0};
+  if (polar && m_converge) m_lonStep = {POLAR_STEP, 0};
   m_lines.clear();
   m_features.Clear();
   AddFamily(m_features, m_lines, LineKind::Parallel, m_latStep.lines);
