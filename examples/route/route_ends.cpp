@@ -11,6 +11,7 @@
 #include <memory>
 #include <vector>
 
+#include "app_common/position_text.h"
 #include "store/nav_store.h"
 #include "store/spelling.h"
 #include "store/text_1252.h"
@@ -94,13 +95,6 @@ std::string NotThere(NavStore& store, const std::string& ident) {
   return text;
 }
 
-std::string PositionText(const K7LatLon& place) {
-  K7String lat, lon;
-  place.FormatLat("%H%02d %04.1M", lat);
-  place.FormatLon("%H%03d %04.1M", lon);
-  return std::string(lat) + " " + std::string(lon);
-}
-
 std::string Rounded(double nm) {
   K7String text;
   text.Format("%.0f NM", nm);
@@ -119,8 +113,43 @@ std::string NoteOn(const RouteEnd& chosen, const std::vector<RouteEnd>& places, 
   return chosen.ident + " is also " +
          (others > 1 ? std::to_string(others) + " other places" : "another place") +
          ": taken is the one nearest to " + other.ident + ", " + chosen.what + " at " +
-         PositionText(chosen.place) + ", " + Rounded(chosen.place.Distance(other.place)) + "; the next is " +
-         next->what + " at " + PositionText(next->place) + ", " + Rounded(next->place.Distance(other.place));
+         PositionText(chosen.place, 1) + ", " + Rounded(chosen.place.Distance(other.place)) +
+         "; the next is " + next->what + " at " + PositionText(next->place, 1) + ", " +
+         Rounded(next->place.Distance(other.place));
+}
+
+// The nearest two. False for the same place, which is no route; opposite places have no course either.
+bool FindNearest(const std::vector<RouteEnd>& starts, const std::vector<RouteEnd>& ends, RouteEnd& first,
+                 RouteEnd& second) {
+  static constexpr double FAR_NM = 5400;
+  double nearest = INFINITY;
+  for (const RouteEnd& start : starts)
+    for (const RouteEnd& end : ends) {
+      const double distance = start.place.Distance(end.place);
+      if (distance >= nearest || (distance < FAR_NM && start.place.InitCourse(end.place) < 0)) continue;
+      if (start.key == end.key && !start.key.NoRecord()) continue;
+      nearest = distance;
+      first = start;
+      second = end;
+    }
+  return std::isfinite(nearest);
+}
+
+std::string SamePlace(const std::string& from, const std::string& to) {
+  return from + " and " + to + " are the same place";
+}
+
+// An identifier comes first: some, as 3W5, would also read as a position.
+std::string PlacesOrPosition(NavStore& store, const std::string& text, std::vector<RouteEnd>& places) {
+  if (MayBeIdent(text)) places = PlacesOf(store, text);
+  if (!places.empty()) return {};
+  RouteEnd position;
+  const std::string problem = ReadPosition(text, position.place);
+  if (!problem.empty()) return MayBeIdent(text) ? NotThere(store, text) : problem;
+  position.ident = PositionText(position.place, 1);
+  position.what = "position";
+  places.push_back(position);
+  return {};
 }
 
 }  // namespace
@@ -130,18 +159,37 @@ std::string FindEnds(NavStore& store, const std::string& from, const std::string
   const std::vector<RouteEnd> starts = PlacesOf(store, from), ends = PlacesOf(store, to);
   if (starts.empty()) return NotThere(store, from);
   if (ends.empty()) return NotThere(store, to);
-  double nearest = INFINITY;
-  for (const RouteEnd& start : starts)
-    for (const RouteEnd& end : ends) {
-      const double distance = start.place.Distance(end.place);
-      // The same place twice is no route.
-      if (distance >= nearest || start.key == end.key || start.place.InitCourse(end.place) < 0) continue;
-      nearest = distance;
-      first = start;
-      second = end;
-    }
-  if (!std::isfinite(nearest)) return from + " and " + to + " are the same place";
+  if (!FindNearest(starts, ends, first, second)) return SamePlace(from, to);
   first.note = NoteOn(first, starts, second);
   second.note = NoteOn(second, ends, first);
   return {};
+}
+
+std::string FindPlaces(NavStore& store, const std::vector<std::string>& texts,
+                       std::vector<RouteEnd>& places) {
+  places.clear();
+  std::vector<RouteEnd> before, here;
+  for (size_t i = 0; i < texts.size(); ++i) {
+    here.clear();
+    if (std::string problem = PlacesOrPosition(store, texts[i], here); !problem.empty()) return problem;
+    if (i > 0) {
+      RouteEnd from, to;
+      if (!FindNearest(before, here, from, to)) return SamePlace(texts[i - 1], texts[i]);
+      if (i == 1) {
+        from.note = NoteOn(from, before, to);
+        places.push_back(from);
+      }
+      to.note = NoteOn(to, here, from);
+      places.push_back(to);
+      here.assign(1, to);
+    }
+    before = here;
+  }
+  return {};
+}
+
+bool MayBeIdent(const std::string& text) {
+  return std::all_of(text.begin(), text.end(), [](char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '-' || c == '_';
+  });
 }

@@ -5,6 +5,7 @@
 #include <k7/navdata/nav_key.h>
 
 #include <string>
+#include <vector>
 
 class NavStore;
 
@@ -19,3 +20,10 @@ struct RouteEnd {
 /// Of all pairs of places that the identifiers stand for, the nearest to each other. Empty, or what is wrong.
 std::string FindEnds(NavStore& store, const std::string& from, const std::string& to, RouteEnd& first,
                      RouteEnd& second);
+
+/// The places of a way that is flown without airways: each text is an identifier, or a position. Of all pairs
+/// of places that the first two stand for, the nearest to each other; then always the nearest to the one
+/// before. Empty, or what is wrong. The store need be open only for what `MayBeIdent`.
+std::string FindPlaces(NavStore& store, const std::vector<std::string>& texts, std::vector<RouteEnd>& places);
+/// No blank, point or other sign that identifiers lack and positions have.
+bool MayBeIdent(const std::string& text);

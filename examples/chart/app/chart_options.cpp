@@ -1,6 +1,7 @@
 #include "app/chart_options.h"
 
 #include <cstring>
+#include "app_common/position_text.h"
 #include "app_common/shared_data.h"
 
 namespace {
@@ -50,27 +51,7 @@ std::string AddParam(const char* text, ChartRequest& request) {
   return {};
 }
 
-// A latitude with its letter and a longitude without one, or the other way round, is half a position that
-// reads as a whole one: "N48 30.0" would lie at N48 E30. Signs and commas tell the halves apart as well, and
-// the quadrant form ("50N40") has one letter for both.
-std::string MissingHalf(const char* text) {
-  K7LatLon quadrant;
-  if (quadrant.ParseLatLon424Format(text) || std::strpbrk(text, "+-,;")) return {};
-  const bool latitude = std::strpbrk(text, "NSns");
-  const bool longitude = std::strpbrk(text, "EWew");
-  if (latitude == longitude) return {};
-  return latitude ? "no longitude: there is no E or W" : "no latitude: there is no N or S";
-}
-
-std::string SetCentre(const char* text, ChartRequest& request) {
-  static const char* const EXAMPLE = " (write it as \"N48 30.0 W123 30.0\")";
-  const std::string missing = MissingHalf(text);
-  if (!missing.empty()) return "the position " + Quoted(text) + " has " + missing + EXAMPLE;
-  K7LatLon centre;
-  if (centre.ParsePosition(text) == 0) return "cannot read the position " + Quoted(text) + EXAMPLE;
-  request.center = centre;
-  return {};
-}
+std::string SetCentre(const char* text, ChartRequest& request) { return ReadPosition(text, request.center); }
 
 std::string SetRange(const char* text, ChartRequest& request) {
   double range = 0;
@@ -111,10 +92,13 @@ constexpr OptionRow<ChartRequest> PLACE_OPTIONS[] = {
      SetRange},
 };
 
-constexpr OptionRow<LookOptions> LOOK_OPTIONS[] = {
+constexpr OptionRow<LookOptions> THEME_OPTIONS[] = {
     {"--theme", "THEME",
      "day (default), night, or FILE.xml with colours and lines of your own, as data/themes/day.xml",
      SetTheme},
+};
+
+constexpr OptionRow<LookOptions> PART_OPTIONS[] = {
     {"--no-graticule", nullptr, "leaves out meridians and parallels",
      [](const char*, LookOptions& look) {
        look.graticule = false;
@@ -137,4 +121,9 @@ void AddProjectionOptions(OptionTable& table, ChartRequest& request) {
 
 void AddPlaceOptions(OptionTable& table, ChartRequest& request) { table.Add(PLACE_OPTIONS, request); }
 
-void AddLookOptions(OptionTable& table, LookOptions& look) { table.Add(LOOK_OPTIONS, look); }
+void AddThemeOption(OptionTable& table, LookOptions& look) { table.Add(THEME_OPTIONS, look); }
+
+void AddLookOptions(OptionTable& table, LookOptions& look) {
+  AddThemeOption(table, look);
+  table.Add(PART_OPTIONS, look);
+}

@@ -26,5 +26,7 @@ struct LookOptions {
   bool legend = true;
 };
 
+/// --theme
+void AddThemeOption(OptionTable& table, LookOptions& look);
 /// --theme, --no-graticule, --no-legend.
 void AddLookOptions(OptionTable& table, LookOptions& look);

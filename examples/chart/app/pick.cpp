@@ -3,6 +3,7 @@
 #include "app/chart_options.h"
 #include "app/drawing.h"
 #include "app/progress_line.h"
+#include "app_common/position_text.h"
 #include "app_common/verb.h"
 #include "sheet/page.h"
 
@@ -77,11 +78,7 @@ class Pick : public Verb {
     } else if (!IsDrawn(*chart.View(), dx, dy, lat, lon)) {
       std::puts("off the map");
     } else {
-      const K7LatLon place(lat, lon);
-      K7String latText, lonText;
-      place.FormatLat("%H%02d %06.3M", latText);
-      place.FormatLon("%H%03d %06.3M", lonText);
-      std::printf("%s %s\n", static_cast<const char*>(latText), static_cast<const char*>(lonText));
+      std::puts(PositionText({lat, lon}).c_str());
       for (const std::string& found : chart.Pick(dx, dy)) std::printf("    %s\n", found.c_str());
     }
   }

@@ -2,18 +2,17 @@
 
 #include "app/chart_options.h"
 #include "app/drawing.h"
+#include "app/level_text.h"
 #include "app_common/verb.h"
 #include "layers/route_frame.h"
 #include "layers/route_layer.h"
 #include "route/airway_graph.h"
 
-#include <cmath>
 #include <cstdio>
 
 namespace {
 
 constexpr double MOST_DIRECT_NM = 1000;
-constexpr int MOST_FEET = 100000;
 
 std::string SetDirect(const char* text, RouteRequest& request) {
   if (ReadNumber(text, request.directNM) && request.directNM >= 0 && request.directNM <= MOST_DIRECT_NM)
@@ -22,14 +21,10 @@ std::string SetDirect(const char* text, RouteRequest& request) {
 }
 
 std::string SetLevel(const char* text, RouteRequest& request) {
-  const std::string level = text;
-  const bool flight = level.size() > 2 && K7String::IComp(level.substr(0, 2).c_str(), "FL") == 0;
-  double feet = 0;
-  if (ReadNumber(text + (flight ? 2 : 0), feet) && feet >= 0 && feet * (flight ? 100 : 1) <= MOST_FEET) {
-    request.feet = static_cast<int>(std::lround(feet * (flight ? 100 : 1)));
-    return {};
-  }
-  return "a level is FL350 or 35000 feet, up to FL1000, not " + Quoted(text);
+  int feet = 0;
+  if (std::string problem = ReadLevel(text, feet); !problem.empty()) return problem;
+  request.feet = feet;
+  return {};
 }
 
 constexpr OptionRow<RouteRequest> ROUTE_OPTIONS[] = {

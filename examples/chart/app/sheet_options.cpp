@@ -33,7 +33,10 @@ std::string SetOutput(const char* text, SheetOptions& options) {
 
 constexpr OptionRow<SheetOptions> SIZE_OPTIONS[] = {
     {"--size", "WIDTHxHEIGHT", "of the picture in pixels, each ", SetSize, false,
-     [](const SheetOptions& options) { return SizeRange(options) + " (default 1600x1000)"; }},
+     [](const SheetOptions& options) {
+       return SizeRange(options) + " (default " + std::to_string(options.width) + "x" +
+              std::to_string(options.height) + ")";
+     }},
 };
 
 constexpr OptionRow<SheetOptions> OUTPUT_OPTIONS[] = {
