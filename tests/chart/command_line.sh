@@ -164,6 +164,21 @@ for level in 0 200 90; do
     fail "the route at $level: $(cat route.txt)"
 done
 
+# Elevations in words, and profiles of the size that was asked for.
+[ "$("$chart" elev "48.7 -121.8" "N48 30.0 W130 00.0")" = $'N48 42.000 W121 48.000  no elevation\nN48 30.000 W130 00.000  no elevation' ] ||
+  fail "no elevation"
+"$chart" elev --resolution 100 "49.65,-123.2" | grep -q '^N49 39.000 W123 12.000  -*[0-9]* ft  -*[0-9]* m  posts 90 arc-seconds apart$' || fail "elev"
+for format in png svg pdf; do
+  "$chart" profile KSEA CYVR "49 50 N 122 10 W" --size 640x400 --altitude FL60 --output "profile.$format" >profile.txt || fail "profile.$format"
+done
+grep -q '^KSEA - CYVR - N49 50.0 W122 10.0  .* NM, highest ground ' profile.txt && grep -q '^no elevation at 0.0-' profile.txt &&
+  grep -q '^WARNING: 6000 ft does not clear' profile.txt || fail "the profile: $(cat profile.txt)"
+[ "$(od -An -tu1 -j16 -N8 profile.png | tr -s ' ')" = ' 0 0 2 128 0 0 1 144' ] || fail "the size of profile.png"
+grep -qF 'width="640px" height="400px"' profile.svg || fail "the size of profile.svg"
+"$chart" profile KSEA CYVR --size 640x400 --theme night --output night.png >/dev/null && ! cmp -s night.png profile.png || fail "a profile by night"
+"$chart" profile "48 -123" "48.5 -124" --nav none.db --output plain.png >/dev/null || fail "positions need no navigation data"
+"$chart" profile "48 -123" "48.5 -124" --output /dev/stdout 2>/dev/null | cmp - plain.png || fail "a profile for the standard output"
+
 # Wrong words, files and values: one line that names the culprit, not zero, and no picture, whole or half.
 refuses() {  # what the line must hold, then arguments
   local expected=$1 said status
@@ -222,6 +237,21 @@ refuses "no route from KSEA to CYVR: no airway lies within 0.0 NM of KSEA; the n
 refuses "no route from KSEA to CYVR: there is no airway flown at 70000 ft" route KSEA CYVR --level FL700
 refuses "not 'FL'" route KSEA CYVR --level FL
 refuses "not '-1'" route KSEA CYVR --direct=-1
+refuses "a profile needs two identifiers or positions" profile KSEA
+refuses "there is no airport, navaid or fix 'KSAE'; spelled like it are KPAE, KSEA" profile KSAE CYVR
+refuses "KSEA and ksea are the same place" profile KSEA ksea
+refuses "has no longitude" profile KSEA "N48 30.0"
+refuses "lie opposite each other" profile "10 20" "-10 -160"
+refuses "not 'FL1001'" profile KSEA CYVR --altitude FL1001
+refuses "profile takes no --no-legend" profile KSEA CYVR --no-legend
+refuses "elev needs at least one position" elev
+refuses "cannot read the position '91 10'" elev "48 -123" "91 10"
+refuses "up to 3600, not '0'" elev --resolution 0 "48 -123"
+refuses "cannot read the folder none" elev --terrain none "48 -123"
+mkdir odd
+cp "$sample"/terrain/120_N30W150.ter odd/7_N30W150.ter
+refuses "as 120_N30W150.ter" elev --terrain odd "48 -123"
+refuses "there are no region files (.ter) in empty" profile KSEA CYVR --terrain empty
 refuses "unexpected argument '-5'" draw -5
 refuses "unexpected argument ''" draw ""
 refuses "no verb ''" ""

@@ -5,6 +5,8 @@ std::unique_ptr<Verb> MakeDraw();
 std::unique_ptr<Verb> MakeGallery();
 std::unique_ptr<Verb> MakePick();
 std::unique_ptr<Verb> MakeRoute();
+std::unique_ptr<Verb> MakeProfile();
+std::unique_ptr<Verb> MakeElev();
 std::unique_ptr<Verb> MakeLayers();
 std::unique_ptr<Verb> MakeProjections();
 
@@ -17,6 +19,9 @@ constexpr VerbRow VERBS[] = {
      MakePick},
     {"route", "FROM TO [OPTION]...", "Finds a route over the airways, draws it and prints it as a table.",
      MakeRoute},
+    {"profile", "FROM [VIA]... TO [OPTION]...",
+     "Draws the ground under the great circles between identifiers or positions.", MakeProfile},
+    {"elev", "POSITION... [OPTION]...", "Says how high the ground is at positions.", MakeElev},
     {"layers", "[OPTION]...", "Lists the layers and which of them the data folder has.", MakeLayers},
     {"projections", "", "Lists the projections with their parameters.", MakeProjections},
     HELP_VERB,
