@@ -1,4 +1,4 @@
-// FindRoute: from one identifier to another over the airways, with what a flight log says of each leg.
+// FindRoute: from one place to another over the airways, with what a flight log says of each leg.
 #pragma once
 
 #include <k7/geodesy/latlon.h>
@@ -12,7 +12,7 @@ class AirwayGraph;
 class NavStore;
 
 struct RouteRequest {
-  std::string from, to;     ///< identifiers of airports, navaids or fixes; UTF-8, in any case
+  std::string from, to;     ///< identifiers of airports, navaids or fixes, or positions; UTF-8, in any case
   double directNM = 25;     ///< at most, of the direct leg to the airways, and of that from them
   std::optional<int> feet;  ///< altitude that the airways must be flown at; none: any
 };

@@ -28,6 +28,8 @@ constexpr struct {
 constexpr size_t MOST_PLACES = 1000;
 // A beacon beside its VOR is the same place to whoever flies there.
 constexpr double SAME_PLACE_NM = 1;
+// What rounding leaves between two writings of one place; data keep 7e-6.
+constexpr double NO_WAY_NM = 1e-6;
 
 template <class Record>
 const char* NameOf(const K7NavRec& rec) {
@@ -51,6 +53,16 @@ std::string NameOf(const K7NavRec& rec) {
       name = NameOf<K7Waypoint>(rec);
   }
   return name ? Utf8Of1252(name) : std::string();
+}
+
+// As flight plans write positions, to the minute: "4842N12148W".
+std::string IdentOf(const K7LatLon& place) {
+  const auto minutes = [](double degrees) { return static_cast<int>(std::lround(std::fabs(degrees) * 60)); };
+  const int lat = minutes(place.Lat()), lon = minutes(place.Lon());
+  K7String text;
+  text.Format("%02d%02d%s%03d%02d%s", lat / 60, lat % 60, place.Lat() < 0 ? "S" : "N", lon / 60, lon % 60,
+              place.Lon() < 0 ? "W" : "E");
+  return std::string(text);
 }
 
 std::vector<RouteEnd> PlacesOf(NavStore& store, const std::string& ident) {
@@ -118,16 +130,14 @@ std::string NoteOn(const RouteEnd& chosen, const std::vector<RouteEnd>& places, 
          Rounded(next->place.Distance(other.place));
 }
 
-// The nearest two. False for the same place, which is no route; opposite places have no course either.
+// The nearest two. False for the same place, which is no route.
 bool FindNearest(const std::vector<RouteEnd>& starts, const std::vector<RouteEnd>& ends, RouteEnd& first,
                  RouteEnd& second) {
-  static constexpr double FAR_NM = 5400;
   double nearest = INFINITY;
   for (const RouteEnd& start : starts)
     for (const RouteEnd& end : ends) {
       const double distance = start.place.Distance(end.place);
-      if (distance >= nearest || (distance < FAR_NM && start.place.InitCourse(end.place) < 0)) continue;
-      if (start.key == end.key && !start.key.NoRecord()) continue;
+      if (distance >= nearest || distance < NO_WAY_NM) continue;
       nearest = distance;
       first = start;
       second = end;
@@ -146,8 +156,8 @@ std::string PlacesOrPosition(NavStore& store, const std::string& text, std::vect
   RouteEnd position;
   const std::string problem = ReadPosition(text, position.place);
   if (!problem.empty()) return MayBeIdent(text) ? NotThere(store, text) : problem;
-  position.ident = PositionText(position.place, 1);
-  position.what = "position";
+  position.ident = IdentOf(position.place);
+  position.what = "position " + PositionText(position.place, 1);
   places.push_back(position);
   return {};
 }
@@ -156,9 +166,9 @@ std::string PlacesOrPosition(NavStore& store, const std::string& text, std::vect
 
 std::string FindEnds(NavStore& store, const std::string& from, const std::string& to, RouteEnd& first,
                      RouteEnd& second) {
-  const std::vector<RouteEnd> starts = PlacesOf(store, from), ends = PlacesOf(store, to);
-  if (starts.empty()) return NotThere(store, from);
-  if (ends.empty()) return NotThere(store, to);
+  std::vector<RouteEnd> starts, ends;
+  if (std::string problem = PlacesOrPosition(store, from, starts); !problem.empty()) return problem;
+  if (std::string problem = PlacesOrPosition(store, to, ends); !problem.empty()) return problem;
   if (!FindNearest(starts, ends, first, second)) return SamePlace(from, to);
   first.note = NoteOn(first, starts, second);
   second.note = NoteOn(second, ends, first);

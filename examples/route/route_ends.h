@@ -1,4 +1,4 @@
-// The two ends of a route: which of the places that an identifier stands for is meant.
+// The two ends of a route: positions, and which of the places that an identifier stands for is meant.
 #pragma once
 
 #include <k7/geodesy/latlon.h>
@@ -12,12 +12,13 @@ class NavStore;
 struct RouteEnd {
   std::string ident;
   std::string what;  ///< "airport SEATTLE-TACOMA INTL", UTF-8
-  K7NavKey key;
+  K7NavKey key;      ///< no record for a position
   K7LatLon place;
   std::string note;  ///< how it was chosen among several; empty for the only one
 };
 
-/// Of all pairs of places that the identifiers stand for, the nearest to each other. Empty, or what is wrong.
+/// Of all pairs of places that two identifiers stand for, the nearest to each other; a text that is none, and
+/// that `K7LatLon::ParsePosition` reads, is a position. Empty, or what is wrong.
 std::string FindEnds(NavStore& store, const std::string& from, const std::string& to, RouteEnd& first,
                      RouteEnd& second);
 

@@ -27,12 +27,12 @@ std::string RouteTable(const Route& route) {
   std::string table = first.ident + " (" + route.fromName + ") to " + last.ident + " (" + route.toName +
                       "), " + std::string(line);
   for (const std::string& note : route.notes) table += note + "\n";
-  table += "\nfix       airway    course  distance    total   minimum   maximum\n" + first.ident + "\n";
+  table += "\nfix         airway    course  distance    total   minimum   maximum\n" + first.ident + "\n";
   double total = 0;
   for (size_t i = 0; i < route.legs.size(); ++i) {
     const RouteLeg& leg = route.legs[i];
     total += leg.distance;
-    line.Format("%-9s %-9s %6s%10.1f%9.1f%10s%10s", route.fixes[i + 1].ident.c_str(),
+    line.Format("%-11s %-9s %6s%10.1f%9.1f%10s%10s", route.fixes[i + 1].ident.c_str(),
                 leg.airway.empty() ? "direct" : leg.airway.c_str(), CourseText(leg).c_str(), leg.distance,
                 total, AltitudeText(leg.minimum).c_str(), AltitudeText(leg.maximum).c_str());
     std::string row(line);

@@ -171,13 +171,15 @@ done
 for format in png svg pdf; do
   "$chart" profile KSEA CYVR "49 50 N 122 10 W" --size 640x400 --altitude FL60 --output "profile.$format" >profile.txt || fail "profile.$format"
 done
-grep -q '^KSEA - CYVR - N49 50.0 W122 10.0  .* NM, highest ground ' profile.txt && grep -q '^no elevation at 0.0-' profile.txt &&
+grep -q '^KSEA - CYVR - 4950N12210W  .* NM, highest ground ' profile.txt && grep -q '^no elevation at 0.0-' profile.txt &&
   grep -q '^WARNING: 6000 ft does not clear' profile.txt || fail "the profile: $(cat profile.txt)"
 [ "$(od -An -tu1 -j16 -N8 profile.png | tr -s ' ')" = ' 0 0 2 128 0 0 1 144' ] || fail "the size of profile.png"
 grep -qF 'width="640px" height="400px"' profile.svg || fail "the size of profile.svg"
 "$chart" profile KSEA CYVR --size 640x400 --theme night --output night.png >/dev/null && ! cmp -s night.png profile.png || fail "a profile by night"
 "$chart" profile "48 -123" "48.5 -124" --nav none.db --output plain.png >/dev/null || fail "positions need no navigation data"
 "$chart" profile "48 -123" "48.5 -124" --output /dev/stdout 2>/dev/null | cmp - plain.png || fail "a profile for the standard output"
+"$chart" route "48.7 -121.8" CYVR --direct 40 --output position.png >route.txt && test -s position.png &&
+  grep -q '^4842N12148W (position N48 42.0 W121 48.0) to CYVR' route.txt || fail "a route from a position: $(cat route.txt)"
 
 # Wrong words, files and values: one line that names the culprit, not zero, and no picture, whole or half.
 refuses() {  # what the line must hold, then arguments
@@ -230,7 +232,7 @@ refuses "pick needs at least one pixel" pick
 refuses "not '3'" pick 3
 refuses "not '3,x'" pick 3,x
 refuses "not 'x,3'" pick x,3
-refuses "a route needs two identifiers" route KSEA
+refuses "a route needs two ends" route KSEA
 refuses "unexpected argument 'KPAE'" route KSEA CYVR KPAE
 refuses "there is no airport, navaid or fix 'KSAE'; spelled like it are KPAE, KSEA" route KSAE CYVR
 refuses "no route from KSEA to CYVR: no airway lies within 0.0 NM of KSEA; the nearest passes SEA, 0.9 NM" route KSEA CYVR --direct 0

@@ -219,6 +219,32 @@ TEST_F(RouteTest, AnIdentifierMeansThePlaceNearestToTheOtherEnd) {
             "there is no airport, navaid or fix 'SAEM'; spelled like it are SAME");
 }
 
+// A position joins the network like an airport off it; segments whose ends have no record are not its own.
+TEST_F(RouteTest, PositionsAreEndsAndIdentifiersThatReadAsOneComeFirst) {
+  AddFix("5040N", 48, -123);
+  AddFix("MID", 49, -123.1);
+  AddFix("END", 50, -123);
+  AddBothWays(0, 1, "V1");
+  keys[2].Reset();
+  AddBothWays(1, 2, "V1");
+  Read();
+  const K7LatLon start(47.9, -122.95), end(50.1, -122.9);
+  Route route = Find({"47.9 -122.95", "N50 06.0 W122 54.0", 12, {}});
+  EXPECT_NEAR(route.distance,
+              Apart(start, places[0]) + Apart(places[0], places[1]) + Apart(places[1], places[2]) +
+                  Apart(places[2], end),
+              1e-6);
+  ASSERT_EQ(route.legs.size(), 4U);
+  EXPECT_TRUE(route.legs[0].airway.empty() && route.legs[1].airway == "V1" && route.legs[3].airway.empty());
+  EXPECT_EQ(route.fixes[0].ident, "4754N12257W");
+  EXPECT_EQ(route.toName, "position N50 06.0 W122 54.0");
+  EXPECT_EQ(Find({"5040N", "47.9,-122.95", 12, {}}).fixes[0].place.Lat(), places[0].Lat());
+  EXPECT_EQ(FindRoute(store, graph, {"0 180", "0 -180", 12, {}}, route),
+            "0 180 and 0 -180 are the same place");
+  EXPECT_NE(FindRoute(store, graph, {"48.7 -190", "MID", 12, {}}, route).find("there is no airport"),
+            std::string::npos);
+}
+
 TEST_F(RouteTest, ChangesAirwaysAsSeldomAsItsWayAllows) {
   for (const char* const ident : {"A1", "B1", "C1", "D1"})
     AddFix(ident, 48 + static_cast<double>(places.size()) / 3, -123);

@@ -64,7 +64,7 @@ class RouteVerb : public Verb {
   }
 
   std::string TakeArgument(const std::string& argument) override {
-    if (argument.empty()) return "an identifier has letters";
+    if (argument.empty()) return "an identifier or a position has letters or figures";
     std::string& end = m_route.from.empty() ? m_route.from : m_route.to;
     if (!end.empty()) return Verb::TakeArgument(argument);
     end = argument;
@@ -72,7 +72,8 @@ class RouteVerb : public Verb {
   }
 
   std::string Run() override {
-    if (m_route.to.empty()) return "a route needs two identifiers, as KSEA CYVR";
+    if (m_route.to.empty())
+      return "a route needs two ends, identifiers or positions, as KSEA \"48.7 -121.8\"";
     Route route;
     if (std::string problem = Find(route); !problem.empty()) return problem;
     std::fputs(RouteTable(route).c_str(), stdout);
