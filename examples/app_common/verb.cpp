@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -130,7 +131,12 @@ int RunProgram(const Program& program, int argc, char** argv) {
   // A file that may not grow further is a reason like a full disk, not the end.
   std::signal(SIGXFSZ, SIG_IGN);
 #endif
-  std::string problem = RunCommand({argv + std::min(argc, 1), argv + argc});
+  std::string problem;
+  try {
+    problem = RunCommand({argv + std::min(argc, 1), argv + argc});
+  } catch (const std::bad_alloc&) {
+    problem = "out of memory";
+  }
   if (problem.empty() && std::fflush(stdout) != 0)
     problem = std::string("cannot write to the standard output: ") + std::strerror(errno);
   K7IO::Destroy();

@@ -64,19 +64,23 @@ class TerrainBuild : public ::testing::Test {
       }
     return bytes;
   }
-  std::string Asc(const std::string& place) const {
+  // `none`: what stands for no elevation; a header need not say so of -9999.
+  std::string Asc(const std::string& place, const char* none = "-9999") const {
     std::ostringstream text;
     text.precision(17);
-    text << "ncols 13\nNROWS 13\n" << place << "\ncellsize " << 1.0 / 12 << "\nNODATA_value -9999\n";
+    text << "ncols 13\nNROWS 13\n" << place << "\ncellsize " << 1.0 / 12 << "\n";
+    if (none != std::string("-9999")) text << "NODATA_value " << none << '\n';
     for (int row = SIDE - 1; row >= 0; --row)
       for (int col = 0; col < SIDE; ++col)
-        text << (Made(row, col) == GAP ? -9999 : Made(row, col)) << (col + 1 < SIDE ? " " : "\r\n");
+        text << (Made(row, col) == GAP ? none : std::to_string(Made(row, col)))
+             << (col + 1 < SIDE ? " " : "\r\n");
     return text.str();
   }
   std::string Csv() const {
     std::ostringstream text;
     text.precision(7);
-    text << "elevation_m,longitude,latitude\n";
+    text << "\xEF\xBB\xBF"
+         << "elevation_m,longitude,latitude\n";
     for (int col = 0; col < SIDE; ++col)
       for (int row = 0; row < SIDE; ++row) {
         if (Made(row, col) != GAP) text << Made(row, col);
@@ -91,25 +95,36 @@ class TerrainBuild : public ::testing::Test {
 
 TEST_F(TerrainBuild, EveryFormatGivesItsPosts) {
   Put("n48w123.hgt", Hgt());
-  Put("corner.asc", Asc("xllcorner -123.04166666666667\nyllcorner 47.958333333333333"));
+  Put("corner.asc", Asc("xllcorner -123.04166666666667\nyllcorner 47.958333333333333", "NaN"));
   Put("center.asc", Asc("xllcenter 237\nyllcenter 48"));
   Put("table.csv", Csv());
   std::vector<std::string> names = {"n48w123.hgt", "corner.asc", "center.asc", "table.csv"};
 #if defined(K7TERRAIN_GDAL)
   GDALAllRegister();
-  GDALDatasetH tiff = GDALCreate(GDALGetDriverByName("GTiff"), (m_dir / "made.tif").c_str(), SIDE, SIDE, 1,
-                                 GDT_Int16, nullptr);
-  double place[6] = {-123 - 0.5 / 12, 1.0 / 12, 0, 49 + 0.5 / 12, 0, -1.0 / 12};
-  GDALSetGeoTransform(tiff, place);
-  std::vector<int16_t> down;
-  for (int i = 0; i < SIDE * SIDE; ++i)
-    down.push_back(static_cast<int16_t>(Made(SIDE - 1 - i / SIDE, i % SIDE)));
-  GDALRasterBandH band = GDALGetRasterBand(tiff, 1);
-  GDALSetRasterNoDataValue(band, GAP);
-  ASSERT_EQ(GDALRasterIO(band, GF_Write, 0, 0, SIDE, SIDE, down.data(), SIDE, SIDE, GDT_Int16, 0, 0),
-            CE_None);
-  GDALClose(tiff);
-  names.emplace_back("made.tif");
+  // Metres that say what stands for none; tenths of feet that leave it to be known.
+  for (const bool feet : {false, true}) {
+    names.emplace_back(feet ? "feet.tif" : "made.tif");
+    GDALDatasetH tiff = GDALCreate(GDALGetDriverByName("GTiff"), (m_dir / names.back()).c_str(), SIDE, SIDE,
+                                   1, GDT_Float64, nullptr);
+    double place[6] = {-123 - 0.5 / 12, 1.0 / 12, 0, 49 + 0.5 / 12, 0, -1.0 / 12};
+    GDALSetGeoTransform(tiff, place);
+    GDALRasterBandH band = GDALGetRasterBand(tiff, 1);
+    std::vector<double> down;
+    for (int i = 0; i < SIDE * SIDE; ++i) {
+      const double metres = Made(SIDE - 1 - i / SIDE, i % SIDE);
+      down.push_back(!feet ? metres : metres == GAP ? -32768 : (metres / 0.3048 - 7) * 10);
+    }
+    if (feet) {
+      GDALSetRasterUnitType(band, "ft");
+      GDALSetRasterScale(band, 0.1);
+      GDALSetRasterOffset(band, 7);
+    } else {
+      GDALSetRasterNoDataValue(band, GAP);
+    }
+    ASSERT_EQ(GDALRasterIO(band, GF_Write, 0, 0, SIDE, SIDE, down.data(), SIDE, SIDE, GDT_Float64, 0, 0),
+              CE_None);
+    GDALClose(tiff);
+  }
 #endif
   for (const std::string& name : names) {
     ASSERT_EQ(Build({name}, 12), "") << name;
@@ -206,6 +221,47 @@ TEST_F(TerrainBuild, CoarserLevelsHaveMeansAndSeamsBetweenFilesAreClosed) {
   EXPECT_EQ(fine.Metres(10 + 5.0 / 1200, 21 + 5.0 / 1200), -4999);
 }
 
+// Whatever is interpolated or averaged of a plane lies in it, so a seam that shows is a fault: on four files
+// that meet at 180 degrees, with posts on their edges, and half a post inside them.
+TEST_F(TerrainBuild, SeamsBetweenFilesDoNotShow) {
+  const auto plane = [](double lat, double lon) { return 400 * (lat - 47) + 60 * (lon - 179); };
+  for (const bool areas : {false, true}) {
+    std::vector<std::string> names;
+    for (const int south : {47, 48})
+      for (const int west : {179, 180}) {
+        const double spacing = 1.0 / 24, first = areas ? spacing / 2 : 0;
+        std::ostringstream hgt, asc;
+        asc.precision(17);
+        asc << "ncols 24\nnrows 24\ncellsize " << spacing << "\nyllcorner " << south << "\nxllcorner " << west
+            << '\n';
+        for (int row = areas ? 23 : 24; row >= 0; --row)
+          for (int col = 0; col < (areas ? 24 : 25); ++col) {
+            const double metres = plane(south + first + row * spacing, west + first + col * spacing);
+            const long whole = std::lround(metres);
+            hgt << static_cast<char>(whole >> 8) << static_cast<char>(whole);
+            asc << metres << ' ';
+          }
+        names.push_back("N" + std::to_string(south) + (west == 179 ? "E179" : "W180") +
+                        (areas ? ".asc" : ".hgt"));
+        Put(names.back(), areas ? asc.str() : hgt.str());
+      }
+    for (const int resolution : {12, 40}) {
+      ASSERT_EQ(Build(names, resolution), "");
+      const RegionBytes west = Region(std::to_string(resolution) + "_N30E150"),
+                        east = Region(std::to_string(resolution) + "_N30W180");
+      for (int i = 1; i < 2 * resolution; ++i)
+        for (int j = 1; j < 2 * resolution; ++j) {
+          const double lat = 47 + 1.0 * i / resolution, lon = 179 + 1.0 * j / resolution;
+          for (const bool inEast : {false, true}) {
+            if (inEast ? j < resolution : j > resolution) continue;
+            EXPECT_NEAR((inEast ? east : west).Metres(lat, lon - (inEast ? 360 : 0)), plane(lat, lon), 1.01)
+                << lat << ' ' << lon << ' ' << resolution << names[0];
+          }
+        }
+    }
+  }
+}
+
 TEST_F(TerrainBuild, DamageIsToldAndMakesNothing) {
   const std::string csv = Csv(), asc = Asc("xllcenter -123\nyllcenter 48");
   const auto swapped = [](std::string text, const std::string& from, const std::string& to) {
@@ -220,6 +276,8 @@ TEST_F(TerrainBuild, DamageIsToldAndMakesNothing) {
       {"n48w123.hgt", "", "no square grid"},
       {"north.hgt", Hgt(), "where it lies"},
       {"n98w123.hgt", Hgt(), "where it lies"},
+      {"N-8W123.hgt", Hgt(), "where it lies"},
+      {"a.asc", swapped(asc, "cellsize 0.08", "cellsize 0.00000008"), "too close together"},
       {"a.asc", asc.substr(0, asc.size() - 9), "before its last post"},
       {"a.asc", asc.substr(0, 40), "header"},
       {"a.asc", asc + "7", "behind its last post"},

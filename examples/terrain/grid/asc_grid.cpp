@@ -12,6 +12,8 @@ namespace {
 // Of a header, generously.
 constexpr int MOST_KEYS = 10;
 constexpr uintmax_t HEADER_SIZE = 4096;
+// Of a header that does not say otherwise.
+constexpr double NO_DATA = -9999;
 
 class AscGrid : public ElevGrid {
  public:
@@ -38,7 +40,11 @@ std::string AscGrid::ReadHeader(Words& words) {
     const std::string name = Lower(ahead.Next());
     double value = 0;
     if (ReadNumber(name, value) || name == "nan") return {};
-    if (!ReadNumber(ahead.Next(), value)) break;
+    const std::string_view word = ahead.Next();
+    if (name == "nodata_value" && Lower(word) == "nan")
+      value = std::numeric_limits<double>::quiet_NaN();
+    else if (!ReadNumber(word, value))
+      break;
     m_header[name] = value;
     words = ahead;
   }
@@ -51,8 +57,8 @@ std::string AscGrid::Place(uintmax_t textSize) {
   const bool corner = has("xllcorner") && has("yllcorner"), center = has("xllcenter") && has("yllcenter");
   const double dx = has("dx") ? m_header["dx"] : m_header["cellsize"];
   const double dy = has("dy") ? m_header["dy"] : m_header["cellsize"];
-  if (!(rows >= 2 && cols >= 2 && dx > 0 && dy > 0) || corner == center || rows != std::floor(rows) ||
-      cols != std::floor(cols))
+  if (!(rows >= 2 && rows <= INT32_MAX && cols >= 2 && cols <= INT32_MAX && dx > 0 && dy > 0) ||
+      corner == center || rows != std::floor(rows) || cols != std::floor(cols))
     return Path() + ": its header lacks the size or the place of the grid";
   // A digit and a space each.
   if (rows * cols * 2 > static_cast<double>(textSize) + 1)
@@ -76,7 +82,8 @@ std::string AscGrid::Load() {
   if (!ReadText(Path(), text)) return "cannot open " + Path();
   Words words(text);
   if (std::string problem = ReadHeader(words); !problem.empty()) return problem;
-  const auto noData = m_header.find("nodata_value");
+  const auto stated = m_header.find("nodata_value");
+  const double noData = stated != m_header.end() ? stated->second : NO_DATA;
   const auto rows = static_cast<size_t>(Lats().Count()), cols = static_cast<size_t>(Lons().Count());
   std::vector<float> metres(rows * cols, std::numeric_limits<float>::quiet_NaN());
   for (size_t row = rows; row-- > 0;)
@@ -84,7 +91,7 @@ std::string AscGrid::Load() {
       double value = 0;
       const std::string_view word = words.Next();
       if (word.empty()) return Path() + ": ends before its last post";
-      if (noData != m_header.end() && ReadNumber(word, value) && value == noData->second) continue;
+      if (std::isnan(noData) ? Lower(word) == "nan" : ReadNumber(word, value) && value == noData) continue;
       if (std::string problem; !ReadMetres(word, value, problem)) return Path() + ": " + problem;
       metres[row * cols + col] = static_cast<float>(value);
     }

@@ -81,6 +81,8 @@ std::string CsvGrid::ReadPosts(std::vector<CsvPost>& posts) const {
   std::string text;
   if (!ReadText(Path(), text)) return "cannot open " + Path();
   std::string_view rest = text;
+  // Spreadsheets begin with a byte order mark.
+  if (rest.starts_with("\xEF\xBB\xBF")) rest.remove_prefix(3);
   CsvColumns columns;
   if (!FindColumns(NextLine(rest), columns))
     return Path() + ": its first line names no latitude, longitude and elevation";

@@ -49,8 +49,11 @@ std::string OpenGrid(const std::string& path, std::unique_ptr<ElevGrid>& grid);
 /// A name that `OpenGrid` knows the format of.
 bool IsGridName(const std::string& path);
 
+/// Stands in 16-bit grids, and in what is made of them, where there is no elevation, whether they say so or
+/// not.
+inline constexpr int VOID_POST = -32768;
 /// Metres that 16 bits hold; false for what is not a number.
-inline bool IsPost(double metres) { return metres >= -32768 && metres <= 32767; }
+inline bool IsPost(double metres) { return metres >= VOID_POST && metres <= 32767; }
 
 /// Elevations of a whole grid, of formats that cannot be read in parts.
 class LoadedPosts {

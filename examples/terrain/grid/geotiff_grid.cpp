@@ -1,4 +1,5 @@
 #include "grid/formats.h"
+#include "grid/text.h"
 
 #if defined(K7TERRAIN_GDAL)
 
@@ -23,9 +24,12 @@ class GeoTiffGrid final : public ElevGrid {
  private:
   bool OpenFile();
   bool IsInDegrees() const;
+  void TakeUnits();
 
   GDALDatasetH m_file = nullptr;
   GDALRasterBandH m_band = nullptr;
+  double m_scale = 1;  // metres of what the file holds
+  double m_offset = 0;
 };
 
 bool GeoTiffGrid::OpenFile() {
@@ -47,6 +51,18 @@ bool GeoTiffGrid::IsInDegrees() const {
   return !system || OSRIsGeographic(system);
 }
 
+// Decimetres and feet are published too.
+void GeoTiffGrid::TakeUnits() {
+  constexpr double METRES_PER_FOOT = 0.3048;
+  m_scale = GDALGetRasterScale(m_band, nullptr);
+  m_offset = GDALGetRasterOffset(m_band, nullptr);
+  const std::string unit = Lower(GDALGetRasterUnitType(m_band));
+  if (unit.find("ft") == std::string::npos && unit.find("foot") == std::string::npos && unit != "feet")
+    return;
+  m_scale *= METRES_PER_FOOT;
+  m_offset *= METRES_PER_FOOT;
+}
+
 std::string GeoTiffGrid::Open() {
   if (!OpenFile()) return "cannot open " + Path() + " as a GeoTIFF";
   // Where a pixel's corner lies: x0, its width, 0, y0, 0, its height downwards.
@@ -54,6 +70,7 @@ std::string GeoTiffGrid::Open() {
   if (GDALGetGeoTransform(m_file, place) != CE_None || !(place[1] > 0) || !(place[5] < 0) || place[2] != 0 ||
       place[4] != 0 || !IsInDegrees())
     return Path() + ": does not lie north up in degrees of latitude and longitude";
+  TakeUnits();
   const int rows = GDALGetRasterYSize(m_file), cols = GDALGetRasterXSize(m_file);
   return SetAxes(GridAxis(place[3] + place[5] * (rows - 0.5), -place[5], rows),
                  GridAxis(place[0] + place[1] / 2, place[1], cols));
@@ -64,19 +81,23 @@ std::string GeoTiffGrid::Read(const GridWindow& window, std::vector<float>& metr
       GDALGetRasterXSize(m_file) != Lons().Count())
     return "cannot open " + Path() + " again";
   std::vector<float> downwards(static_cast<size_t>(window.rows) * static_cast<size_t>(window.cols));
-  if (GDALRasterIO(m_band, GF_Read, window.col, Lats().Count() - window.row - window.rows, window.cols,
-                   window.rows, downwards.data(), window.cols, window.rows, GDT_Float32, 0, 0) != CE_None)
+  std::vector<unsigned char> there(downwards.size());
+  const auto read = [&](GDALRasterBandH band, void* into, GDALDataType type) {
+    return GDALRasterIO(band, GF_Read, window.col, Lats().Count() - window.row - window.rows, window.cols,
+                        window.rows, into, window.cols, window.rows, type, 0, 0) == CE_None;
+  };
+  // The mask knows the value that stands for none, and whatever else says where there is something.
+  if (!read(m_band, downwards.data(), GDT_Float32) || !read(GDALGetMaskBand(m_band), there.data(), GDT_Byte))
     return Path() + ": cannot be read to its end";
-  int given = 0;
-  const auto noData = static_cast<float>(GDALGetRasterNoDataValue(m_band, &given));
   metres.clear();
   for (int row = window.rows; row-- > 0;)
     for (int col = 0; col < window.cols; ++col) {
-      const float value =
-          downwards[static_cast<size_t>(row) * static_cast<size_t>(window.cols) + static_cast<size_t>(col)];
-      const bool absent = std::isnan(value) || (given && value == noData);
+      const size_t at =
+          static_cast<size_t>(row) * static_cast<size_t>(window.cols) + static_cast<size_t>(col);
+      const double value = downwards[at] * m_scale + m_offset;
+      const bool absent = !there[at] || downwards[at] == VOID_POST || std::isnan(downwards[at]);
       if (!absent && !IsPost(value)) return Path() + ": has an elevation that is none";
-      metres.push_back(absent ? std::numeric_limits<float>::quiet_NaN() : value);
+      metres.push_back(absent ? std::numeric_limits<float>::quiet_NaN() : static_cast<float>(value));
     }
   return {};
 }

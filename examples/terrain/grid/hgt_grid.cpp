@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr int VOID_POST = -32768;
 // A third of an arc-second.
 constexpr int MOST_POSTS = 10801;
 
@@ -29,6 +28,7 @@ bool CornerOf(const std::string& path, int& south, int& west) {
   const std::string name = std::filesystem::path(path).stem().string();
   char northSouth = 0, eastWest = 0;
   int read = 0;
+  if (name.find_first_of("+- ") < 7) return false;
   if (std::sscanf(name.c_str(), "%c%2d%c%3d%n", &northSouth, &south, &eastWest, &west, &read) != 4 ||
       read != 7)
     return false;

@@ -8,45 +8,52 @@ namespace {
 
 constexpr float NOTHING = std::numeric_limits<float>::quiet_NaN();
 
-// A place along one axis of a grid: between post `index` and the next, whose weight is `share`.
+// A place along one axis of a grid: between post `index` and the next, whose share is `share`. Beyond the
+// outermost posts these go on, with a weight that falls to nothing one post away: there the posts of the next
+// grid begin.
 struct Place {
   int index = 0;
   float share = 0;
-  bool within = false;   // the posts on both sides are there
-  bool reached = false;  // at least half a post beyond the outermost
+  float weight = 0;
+
+  bool IsWithin() const { return weight >= 1; }
+  // Half a post beyond the outermost at most, by and large.
+  bool IsReached() const { return weight >= 0.4999F; }
 };
 
-// Target posts along one axis, each by the samples about it, against a grid's axis.
+// The samples of target posts along one axis, against a grid's axis.
 struct Places {
   std::vector<Place> samples;
-  int perPost = 1;
   int first = 0;  // the posts of the grid that they need
   int last = -1;
 };
 
+// Along each side of a post.
+struct SamplesPerPost {
+  int lat = 1;
+  int lon = 1;
+};
+
 Place PlaceAt(const GridAxis& axis, double degrees) {
   const double index = axis.IndexOf(degrees), end = axis.Count() - 1;
+  const double beyond = std::max({-index, index - end, 0.0});
   Place place;
-  place.within = index >= 0 && index <= end;
-  place.reached = index >= -0.5 && index <= end + 0.5;
-  if (!place.reached) return place;
+  if (!(beyond < 1)) return place;
   const double clamped = std::clamp(index, 0.0, end);
   place.index = std::min(static_cast<int>(clamped), axis.Count() - 2);
   place.share = static_cast<float>(clamped - place.index);
+  place.weight = static_cast<float>(1 - beyond);
   return place;
 }
 
-Places PlacesAlong(const GridAxis& axis, double first, double spacing, int count) {
+Places PlacesAlong(const GridAxis& axis, double first, double spacing, int count, int perPost) {
   Places places;
-  const double ratio = spacing / axis.Spacing();
-  places.perPost = ratio < 1.5 ? 1 : static_cast<int>(std::lround(std::min(ratio, 1000.0)));
   places.first = axis.Count();
-  for (int i = 0; i < count * places.perPost; ++i) {
-    const int post = i / places.perPost, sample = i % places.perPost;
-    const double offset = (sample + 0.5) / places.perPost - 0.5;
-    places.samples.push_back(PlaceAt(axis, first + (post + offset) * spacing));
-    const Place& place = places.samples.back();
-    if (!place.reached) continue;
+  for (int i = 0; i < count * perPost; ++i) {
+    const double offset = (i % perPost + 0.5) / perPost - 0.5;
+    const Place place = PlaceAt(axis, first + (i / perPost + offset) * spacing);
+    places.samples.push_back(place);
+    if (place.weight <= 0) continue;
     places.first = std::min(places.first, place.index);
     places.last = std::max(places.last, place.index + 1);
   }
@@ -63,21 +70,20 @@ void Weigh(float metres, float weight, float& sum, float& known) {
 // One grid, as far as it is needed, shifted by whole turns.
 class Sampler {
  public:
-  Sampler(const TargetPosts& posts, const GridAxis& lats, const GridAxis& lons, int turn)
-      : m_lats(PlacesAlong(lats, posts.south, posts.spacing, posts.rows)),
-        m_lons(PlacesAlong(lons, posts.west + turn, posts.spacing, posts.cols)) {}
+  Sampler(const TargetPosts& posts, const SamplesPerPost& perPost, const ElevGrid& grid, int turn)
+      : m_lats(PlacesAlong(grid.Lats(), posts.south, posts.spacing, posts.rows, perPost.lat)),
+        m_lons(PlacesAlong(grid.Lons(), posts.west + turn, posts.spacing, posts.cols, perPost.lon)) {}
 
   bool IsEmpty() const { return m_lats.last < m_lats.first || m_lons.last < m_lons.first; }
   std::string Read(ElevGrid& grid) {
     m_window = {m_lats.first, m_lons.first, m_lats.last - m_lats.first + 1, m_lons.last - m_lons.first + 1};
     return grid.Read(m_window, m_metres);
   }
-  // The mean of a post's samples, NaN when fewer than half have an elevation. `edges`: also such samples as
-  // lie beyond the outermost posts.
-  float At(int row, int col, bool edges) const;
+  const Place& Lat(int row) const { return m_lats.samples[static_cast<size_t>(row)]; }
+  const Place& Lon(int col) const { return m_lons.samples[static_cast<size_t>(col)]; }
+  float At(const Place& lat, const Place& lon) const;
 
  private:
-  float Sample(const Place& lat, const Place& lon) const;
   float Post(int row, int col) const {
     return m_metres[static_cast<size_t>(row - m_window.row) * static_cast<size_t>(m_window.cols) +
                     static_cast<size_t>(col - m_window.col)];
@@ -89,7 +95,7 @@ class Sampler {
   std::vector<float> m_metres;
 };
 
-float Sampler::Sample(const Place& lat, const Place& lon) const {
+float Sampler::At(const Place& lat, const Place& lon) const {
   float sum = 0, known = 0;
   Weigh(Post(lat.index, lon.index), (1 - lat.share) * (1 - lon.share), sum, known);
   Weigh(Post(lat.index, lon.index + 1), (1 - lat.share) * lon.share, sum, known);
@@ -98,31 +104,35 @@ float Sampler::Sample(const Place& lat, const Place& lon) const {
   return known >= 0.5F ? sum / known : NOTHING;
 }
 
-float Sampler::At(int row, int col, bool edges) const {
+// The first grid in which a sample lies has it; between grids, and at most half a post beyond the last, those
+// about it.
+float Sample(const std::vector<Sampler>& samplers, int row, int col) {
+  float sum = 0, known = 0;
+  bool isReached = false;
+  for (const Sampler& sampler : samplers) {
+    const Place &lat = sampler.Lat(row), &lon = sampler.Lon(col);
+    if (lat.weight <= 0 || lon.weight <= 0) continue;
+    const float metres = sampler.At(lat, lon);
+    if (std::isnan(metres)) continue;
+    if (lat.IsWithin() && lon.IsWithin()) return metres;
+    Weigh(metres, lat.weight * lon.weight, sum, known);
+    isReached |= lat.IsReached() && lon.IsReached();
+  }
+  return isReached ? sum / known : NOTHING;
+}
+
+// The mean of a post's samples, of which half must be there.
+float Post(const std::vector<Sampler>& samplers, const SamplesPerPost& perPost, int row, int col) {
   float sum = 0;
   int known = 0;
-  for (int i = row * m_lats.perPost; i < (row + 1) * m_lats.perPost; ++i)
-    for (int j = col * m_lons.perPost; j < (col + 1) * m_lons.perPost; ++j) {
-      const Place &lat = m_lats.samples[static_cast<size_t>(i)],
-                  &lon = m_lons.samples[static_cast<size_t>(j)];
-      if (edges ? !(lat.reached && lon.reached) : !(lat.within && lon.within)) continue;
-      const float metres = Sample(lat, lon);
+  for (int i = row * perPost.lat; i < (row + 1) * perPost.lat; ++i)
+    for (int j = col * perPost.lon; j < (col + 1) * perPost.lon; ++j) {
+      const float metres = Sample(samplers, i, j);
       if (std::isnan(metres)) continue;
       sum += metres;
       ++known;
     }
-  return known > 0 && known * 2 >= m_lats.perPost * m_lons.perPost ? sum / static_cast<float>(known)
-                                                                   : NOTHING;
-}
-
-// Fills what no grid has filled yet.
-void Fill(const Sampler& sampler, const TargetPosts& posts, bool edges, std::vector<float>& metres) {
-  for (int row = 0; row < posts.rows; ++row)
-    for (int col = 0; col < posts.cols; ++col) {
-      float& post =
-          metres[static_cast<size_t>(row) * static_cast<size_t>(posts.cols) + static_cast<size_t>(col)];
-      if (std::isnan(post)) post = sampler.At(row, col, edges);
-    }
+  return known > 0 && known * 2 >= perPost.lat * perPost.lon ? sum / static_cast<float>(known) : NOTHING;
 }
 
 int16_t Stored(float metres) {
@@ -131,39 +141,48 @@ int16_t Stored(float metres) {
   return static_cast<int16_t>(whole == K7_NO_ELEV ? K7_NO_ELEV + 1 : whole);
 }
 
-// The rows of `posts` alone that a run of them has.
-TargetPosts Strip(const TargetPosts& posts, int row, int rows) {
-  TargetPosts strip = posts;
-  strip.south += row * posts.spacing;
-  strip.rows = std::min(rows, posts.rows - row);
-  return strip;
+// A part of the posts that are wanted.
+struct Block {
+  int row, col, rows, cols;
+};
+
+TargetPosts PostsOf(const Block& block, const TargetPosts& posts) {
+  return {posts.south + block.row * posts.spacing, posts.west + block.col * posts.spacing, posts.spacing,
+          block.rows, block.cols};
 }
 
-// As many rows as need no more of the finest grid than a few million posts.
-int RowsAtOnce(std::span<ElevGrid* const> grids, const TargetPosts& posts) {
-  constexpr double MOST_POSTS = 4e6;
-  double finest = posts.spacing;
+// Of a grid, for one post: more is a mistake of the level, or of the grid.
+constexpr double MOST_PER_POST = 1000;  // along each side
+constexpr double MOST_AT_ONCE = 4e6;    // posts in memory
+
+// As the finest of the grids needs them.
+std::string FindSamples(std::span<ElevGrid* const> grids, double spacing, SamplesPerPost& perPost) {
+  const auto raise = [spacing](const GridAxis& axis, int& samples) {
+    const double ratio = spacing / axis.Spacing();
+    if (!(ratio <= MOST_PER_POST)) return false;
+    if (ratio >= 1.5) samples = std::max(samples, static_cast<int>(std::lround(ratio)));
+    return true;
+  };
   for (ElevGrid* const grid : grids)
-    finest = std::min({finest, grid->Lats().Spacing(), grid->Lons().Spacing()});
-  const double ratio = posts.spacing / finest;
-  return static_cast<int>(std::clamp(MOST_POSTS / (ratio * ratio * posts.cols), 1.0, 1.0 * posts.rows));
+    if (!raise(grid->Lats(), perPost.lat) || !raise(grid->Lons(), perPost.lon))
+      return grid->Path() + ": its posts stand too close together for this level";
+  return {};
 }
 
-std::string ResampleStrip(std::span<ElevGrid* const> grids, const TargetPosts& posts,
-                          std::vector<int16_t>& metres) {
+std::string ResampleBlock(std::span<ElevGrid* const> grids, const TargetPosts& posts,
+                          const SamplesPerPost& perPost, const Block& block, std::vector<int16_t>& metres) {
+  const TargetPosts part = PostsOf(block, posts);
   std::vector<Sampler> samplers;
   for (ElevGrid* const grid : grids)
     for (const int turn : {0, -360, 360}) {
-      Sampler sampler(posts, grid->Lats(), grid->Lons(), turn);
+      Sampler sampler(part, perPost, *grid, turn);
       if (sampler.IsEmpty()) continue;
       if (std::string problem = sampler.Read(*grid); !problem.empty()) return problem;
       samplers.push_back(std::move(sampler));
     }
-  std::vector<float> filled(static_cast<size_t>(posts.rows) * static_cast<size_t>(posts.cols), NOTHING);
-  // A grid's own posts come before what lies beyond the edge of another.
-  for (const bool edges : {false, true})
-    for (const Sampler& sampler : samplers) Fill(sampler, posts, edges, filled);
-  for (const float post : filled) metres.push_back(Stored(post));
+  auto post = metres.begin() + static_cast<ptrdiff_t>(block.row) * posts.cols + block.col;
+  for (int row = 0; row < block.rows; ++row, post += posts.cols)
+    for (int col = 0; col < block.cols; ++col) post[col] = Stored(Post(samplers, perPost, row, col));
   return {};
 }
 
@@ -171,10 +190,17 @@ std::string ResampleStrip(std::span<ElevGrid* const> grids, const TargetPosts& p
 
 std::string Resample(std::span<ElevGrid* const> grids, const TargetPosts& posts,
                      std::vector<int16_t>& metres) {
-  metres.clear();
-  const int rows = RowsAtOnce(grids, posts);
+  metres.assign(static_cast<size_t>(posts.rows) * static_cast<size_t>(posts.cols), K7_NO_ELEV);
+  SamplesPerPost perPost;
+  if (std::string problem = FindSamples(grids, posts.spacing, perPost); !problem.empty()) return problem;
+  const double most = MOST_AT_ONCE / perPost.lat / perPost.lon;
+  const int cols = static_cast<int>(std::clamp(most, 1.0, 1.0 * posts.cols));
+  const int rows = static_cast<int>(std::clamp(most / cols, 1.0, 1.0 * posts.rows));
   for (int row = 0; row < posts.rows; row += rows)
-    if (std::string problem = ResampleStrip(grids, Strip(posts, row, rows), metres); !problem.empty())
-      return problem;
+    for (int col = 0; col < posts.cols; col += cols) {
+      const Block block = {row, col, std::min(rows, posts.rows - row), std::min(cols, posts.cols - col)};
+      if (std::string problem = ResampleBlock(grids, posts, perPost, block, metres); !problem.empty())
+        return problem;
+    }
   return {};
 }

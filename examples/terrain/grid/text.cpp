@@ -7,6 +7,7 @@
 #include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <system_error>
 
 bool ReadText(const std::string& path, std::string& text, uintmax_t most) {
@@ -31,6 +32,7 @@ bool ReadMetres(std::string_view word, double& metres, std::string& problem) {
     problem = "has an elevation that is no number";
   else if (!IsPost(metres))
     problem = "has an elevation that is none";
+  if (metres == VOID_POST) metres = std::numeric_limits<double>::quiet_NaN();
   return problem.empty();
 }
 

@@ -21,6 +21,6 @@ class Words {
   std::string_view m_rest;
 };
 
-/// Reads metres that a post can have; what is wrong with those that it cannot goes into `problem`.
+/// Reads metres that a post can have, a void as not a number; what is wrong with others goes into `problem`.
 bool ReadMetres(std::string_view word, double& metres, std::string& problem);
 std::string Lower(std::string_view text);

@@ -58,7 +58,7 @@ int RegionWriter::MostTiles() const {
   for (int row = 0; row < m_plan.TilesAlong(); ++row) {
     const std::vector<ElevGrid*> grids = GridsIn(m_grids, m_plan.RowBounds(row));
     for (int col = 0; col < m_plan.TilesAlong(); ++col)
-      tiles += IsCovered(grids, m_plan.TileBounds(row, col));
+      tiles += !GridsIn(grids, m_plan.TileBounds(row, col)).empty();
   }
   return tiles;
 }
@@ -83,13 +83,13 @@ std::string RegionWriter::Append(std::unique_ptr<K7TerTile> tile) {
 std::string RegionWriter::WriteTile(int row, int col, GridSpan grids) {
   const int rows = m_plan.PostsOf(row), cols = m_plan.PostsOf(col);
   const K7ChartRect bounds = m_plan.TileBounds(row, col);
-  if (!IsCovered(grids, bounds)) return {};
+  const std::vector<ElevGrid*> near = GridsIn(grids, bounds);
+  if (near.empty()) return {};
   ++m_tried;
   const TargetPosts posts = {m_plan.south + 1.0 * row * m_plan.tilePosts / m_plan.resolution,
                              m_plan.west + 1.0 * col * m_plan.tilePosts / m_plan.resolution,
                              1.0 / m_plan.resolution, rows, cols};
-  if (std::string problem = Resample(GridsIn(grids, bounds), posts, m_metres); !problem.empty())
-    return problem;
+  if (std::string problem = Resample(near, posts, m_metres); !problem.empty()) return problem;
   if (std::all_of(m_metres.begin(), m_metres.end(), [](int16_t post) { return post == K7_NO_ELEV; }))
     return {};
   auto tile = std::make_unique<K7TerTile>(bounds, rows, cols);
@@ -105,14 +105,16 @@ std::string RegionWriter::WriteRow(int row) {
   for (int col = 0; col < m_plan.TilesAlong() && problem.empty(); ++col) problem = WriteTile(row, col, grids);
   // What a grid keeps in memory is of no use when the rows have passed it.
   for (ElevGrid* const grid : grids)
-    if (grid->Lats().Last() < m_plan.RowBounds(row).North()) grid->Release();
+    if (grid->Lats().Last() + grid->Lats().Spacing() < m_plan.RowBounds(row).North()) grid->Release();
   return problem;
 }
 
 std::string RegionWriter::Write(const std::string& path, const RegionProgress& progress) {
   m_file.reset(K7IO::Inst()->CreateFileX(path.c_str(), "wb"));
   if (!m_file || !m_file->IsValid()) return Code(K7_ERR_FILE_IO);
-  if (const int code = m_region.AllocTilesMatrix()) return Code(code);
+  if (const int code = m_region.AllocTilesMatrix())
+    return code == K7_ERR_INVALID_DATA ? m_plan.Name() + " has too many tiles; build it with a larger --tile"
+                                       : Code(code);
   const int most = MostTiles();
   m_end = HEADER_SIZE + most * TILE_HEADER_SIZE;
   for (int row = 0; row < m_plan.TilesAlong(); ++row) {

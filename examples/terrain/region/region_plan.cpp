@@ -11,10 +11,13 @@ constexpr int RESOLUTIONS[] = {12, 40, 120, 400, 1200, 3600, 10800};
 // A level counts as fine enough for a grid whose posts are closer by so much.
 constexpr double CLOSE_ENOUGH = 1.25;
 
-bool Covers(const ElevGrid& grid, const K7ChartRect& area) {
-  if (grid.Lats().First() >= area.North() || grid.Lats().Last() <= area.South()) return false;
+// `margin`: of the grid's posts, how far it reaches beyond the outermost.
+bool Covers(const ElevGrid& grid, const K7ChartRect& area, int margin) {
+  const double up = margin * grid.Lats().Spacing(), aside = margin * grid.Lons().Spacing();
+  if (grid.Lats().First() - up >= area.North() || grid.Lats().Last() + up <= area.South()) return false;
   for (const int turn : {0, -360, 360})
-    if (grid.Lons().First() + turn < area.East() && grid.Lons().Last() + turn > area.West()) return true;
+    if (grid.Lons().First() - aside + turn < area.East() && grid.Lons().Last() + aside + turn > area.West())
+      return true;
   return false;
 }
 
@@ -58,13 +61,8 @@ K7ChartRect RegionPlan::RowBounds(int row) const {
 std::vector<ElevGrid*> GridsIn(GridSpan grids, const K7ChartRect& area) {
   std::vector<ElevGrid*> in;
   for (ElevGrid* const grid : grids)
-    if (Covers(*grid, area)) in.push_back(grid);
+    if (Covers(*grid, area, 1)) in.push_back(grid);
   return in;
-}
-
-bool IsCovered(GridSpan grids, const K7ChartRect& area) {
-  return std::any_of(grids.begin(), grids.end(),
-                     [&area](const ElevGrid* grid) { return Covers(*grid, area); });
 }
 
 std::vector<RegionPlan> PlanRegions(GridSpan grids, int resolution, int tilePosts) {
@@ -72,7 +70,9 @@ std::vector<RegionPlan> PlanRegions(GridSpan grids, int resolution, int tilePost
   for (int south = -90; south < 90; south += CELL)
     for (int west = -180; west < 180; west += CELL) {
       const K7ChartRect cell(south + CELL, south, west + CELL, west);
-      if (IsCovered(grids, cell)) plans.push_back({resolution, south, west, tilePosts});
+      const auto covers = [&cell](const ElevGrid* grid) { return Covers(*grid, cell, 0); };
+      if (std::any_of(grids.begin(), grids.end(), covers))
+        plans.push_back({resolution, south, west, tilePosts});
     }
   return plans;
 }

@@ -39,9 +39,9 @@ struct RegionPlan {
 
 using GridSpan = std::span<ElevGrid* const>;
 
-/// Those of the grids that have posts inside a rectangle, not on its edges alone.
+/// Those of the grids whose posts tell anything of a rectangle: they lie in it, or are the nearest outside.
 std::vector<ElevGrid*> GridsIn(GridSpan grids, const K7ChartRect& area);
-bool IsCovered(GridSpan grids, const K7ChartRect& area);
 
-/// The regions of one resolution in which the grids have posts, from south-west to north-east.
+/// The regions of one resolution in which the grids have posts, not on the edges of the cell alone, from
+/// south-west to north-east.
 std::vector<RegionPlan> PlanRegions(GridSpan grids, int resolution, int tilePosts);
