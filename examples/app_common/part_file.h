@@ -18,6 +18,8 @@ class PartFile {
   std::string Path() const { return m_part.string(); }
   /// Replaces what is in the place, in one step. False when that cannot be.
   bool TakePlace();
+  /// Removes those of the whole process, for a signal's handler that ends it. Another is of no use then.
+  static void RemoveAll();
 
  private:
   std::filesystem::path m_part;

@@ -1,5 +1,7 @@
 #include "app_common/verb.h"
 
+#include "app_common/part_file.h"
+
 #include <k7/io/io.h>
 
 #include <algorithm>
@@ -119,6 +121,22 @@ std::string RunCommand(std::vector<std::string> arguments) {
   return RunVerb(*row, arguments);
 }
 
+void EndBySignal(int signal) {
+  PartFile::RemoveAll();
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+void LeaveNoHalfFiles() {
+  for (const int signal : {SIGINT, SIGTERM})
+    // Who starts a program may want a signal to be ignored.
+    if (std::signal(signal, EndBySignal) == SIG_IGN) std::signal(signal, SIG_IGN);
+#if defined(SIGXFSZ)
+  // A file that may not grow further is a reason like a full disk, not the end.
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
+}
+
 }  // namespace
 
 std::string Verb::TakeArgument(const std::string& argument) {
@@ -127,10 +145,7 @@ std::string Verb::TakeArgument(const std::string& argument) {
 
 int RunProgram(const Program& program, int argc, char** argv) {
   g_program = &program;
-#if defined(SIGXFSZ)
-  // A file that may not grow further is a reason like a full disk, not the end.
-  std::signal(SIGXFSZ, SIG_IGN);
-#endif
+  LeaveNoHalfFiles();
   std::string problem;
   try {
     problem = RunCommand({argv + std::min(argc, 1), argv + argc});

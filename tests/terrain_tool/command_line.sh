@@ -41,6 +41,16 @@ refuses "cut.csv" build --output one cut.csv
 grep -q "cannot write 40_N30W150.ter" err.txt || fail "a full disk: $(cat err.txt)"
 cmp before one/40_N30W150.ter && test "$(ls one | wc -l)" = 6 || fail "a failed build leaves its traces: $(ls one)"
 
+for signal in TERM INT; do
+  # Shells have background jobs ignore the interrupt key.
+  env --default-signal=INT "$terrain" build --resolution 3600 --output one "$sample" &
+  for ((i = 0; i < 200; ++i)); do ls one | grep -q part && break; sleep 0.05; done
+  ls one | grep -q part || fail "there is no part to leave behind"
+  kill -$signal $!
+  wait $! && fail "SIG$signal is ignored"
+  test "$(ls one | wc -l)" = 6 || fail "SIG$signal leaves its traces: $(ls one)"
+done
+
 printf x | dd of=one/40_N30W150.ter bs=1 seek=15000 conv=notrunc 2>/dev/null
 refuses "1 of 3 region files" check one
 grep -q '^one/40_N30W150.ter: ' out.txt || fail "the damaged one is not named"
