@@ -95,6 +95,12 @@ const std::vector<Trip>& Trips() {
   return IsReal() ? real : madeUp;
 }
 
+const Trip& TripOf(benchmark::State& state) {
+  const Trip& trip = Trips()[static_cast<size_t>(state.range(0))];
+  state.SetLabel(trip.from + " " + trip.to);
+  return trip;
+}
+
 const AirwayGraph& World(NavStore& store) {
   static AirwayGraph graph;
   store.Open(World().c_str());
@@ -114,8 +120,7 @@ void ReadAirways(benchmark::State& state) {
 
 // Opening, reading, finding and telling: all that a program does that was just started.
 void RouteFromTheStart(benchmark::State& state) {
-  const Trip& trip = Trips()[static_cast<size_t>(state.range(0))];
-  state.SetLabel(trip.from + " " + trip.to);
+  const Trip& trip = TripOf(state);
   World();
   for (auto _ : state) {
     NavStore store;
@@ -128,32 +133,25 @@ void RouteFromTheStart(benchmark::State& state) {
   }
 }
 
-// The ends of a trip, as its route has them.
-SearchRequest RequestOf(const Trip& trip) {
+// What a search is given: the airways, and the ends of a trip as its route has them.
+std::pair<const AirwayGraph&, SearchRequest> SearchOf(benchmark::State& state) {
+  const Trip& trip = TripOf(state);
   NavStore store;
   const AirwayGraph& graph = World(store);
   Route route;
   FindRoute(store, graph, {trip.from, trip.to}, route);
-  if (route.fixes.empty()) return {};
-  return {route.fixes.front().place, route.fixes.back().place, RouteRequest().directNM, {}};
+  if (route.fixes.empty()) return {graph, {}};
+  return {graph, {route.fixes.front().place, route.fixes.back().place, RouteRequest().directNM, {}}};
 }
 
 void SearchAlone(benchmark::State& state) {
-  const Trip& trip = Trips()[static_cast<size_t>(state.range(0))];
-  state.SetLabel(trip.from + " " + trip.to);
-  NavStore store;
-  const AirwayGraph& graph = World(store);
-  const SearchRequest request = RequestOf(trip);
+  const auto& [graph, request] = SearchOf(state);
   for (auto _ : state)
     state.counters["nodes"] = static_cast<double>(SearchRoute(graph, request).nodes.size());
 }
 
 void SearchPlainDijkstra(benchmark::State& state) {
-  const Trip& trip = Trips()[static_cast<size_t>(state.range(0))];
-  state.SetLabel(trip.from + " " + trip.to);
-  NavStore store;
-  const AirwayGraph& graph = World(store);
-  const SearchRequest request = RequestOf(trip);
+  const auto& [graph, request] = SearchOf(state);
   using Entry = std::pair<double, uint32_t>;
   for (auto _ : state) {
     std::vector<double> cost(graph.NodeCount(), INFINITY);

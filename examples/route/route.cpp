@@ -82,7 +82,6 @@ RouteFix RouteMaker::FixAt(uint32_t node) const {
 
 // A fix of the airways lies where they say, which may differ by a little from its own record.
 void RouteMaker::PutOnAirways(RouteEnd& end) const {
-  if (end.key.NoRecord()) return;
   const std::unique_ptr<K7NavQueryResult> result(m_store.FixAirways(end.key));
   const K7LatLon recorded = end.place;
   double nearest = INFINITY;

@@ -12,9 +12,9 @@ class AirwayGraph;
 class NavStore;
 
 struct RouteRequest {
-  std::string from, to;     ///< identifiers of airports, navaids or fixes, or positions; UTF-8, in any case
-  double directNM = 25;     ///< at most, of the direct leg to the airways, and of that from them
-  std::optional<int> feet;  ///< altitude that the airways must be flown at; none: any
+  std::string from, to;  ///< identifiers of airports, navaids or fixes, or positions; UTF-8, in any case
+  double directNM = 25;  ///< at most, of the direct leg to the airways, and of that from them
+  std::optional<int> feet = {};  ///< altitude that the airways must be flown at; none: any
 };
 
 struct RouteFix {

@@ -2,7 +2,7 @@
 # Installs a build and uses it as a host outside the tree does: check_installed.sh SOURCE BUILD
 #   the README's program builds with find_package and with pkg-config, and prints what the README says it prints;
 #   the library exports the classes and functions of exported_names.txt and nothing else;
-#   k7chart, where it was built, draws from where it is installed;
+#   k7chart, where it was built, draws from where it is installed, terrain that k7terrain finds good included;
 #   other folders and a project that holds the tree get what they ask for.
 set -euo pipefail
 source_dir=$1
@@ -39,7 +39,9 @@ if [ -x "$work/prefix/bin/k7chart" ]; then
   mv "$work/prefix" "$work/moved"
   (cd "$work"
    env -u K7CHART_DATA "$work/moved/bin/k7chart" layers >layers.txt
-   env -u K7CHART_DATA "$work/moved/bin/k7chart" draw --theme night --size 200x200 --output chart.png)
+   "$work/moved/bin/k7terrain" check moved/share/k7chart/sample/terrain >/dev/null
+   env -u K7CHART_DATA "$work/moved/bin/k7chart" draw --theme night --size 200x200 \
+     --terrain moved/share/k7chart/sample/terrain --output chart.png)
   grep -q "$work/moved/share/k7chart/sample" "$work/layers.txt" || { cat "$work/layers.txt"; exit 1; }
   test -s "$work/chart.png"
 fi

@@ -1,15 +1,11 @@
 #include "layers/fix_layer.h"
 
-#include "layers/symbol_size.h"
-
 #include <k7/navdata/airway.h>
 #include <k7/navdata/navaid.h>
 
 #include <cmath>
 
 namespace {
-
-constexpr double RADIUS = SymbolRadius(K7NAV_ENROUTE_FIX);
 
 // Fixes that no airway uses are for large scales: nautical miles an ordinary pixel.
 constexpr double OFF_AIRWAYS_TO_NM = 0.04;
@@ -48,10 +44,6 @@ void FixLayer::Collect(const LayerContext& context) {
       if (TakePlace(context, ThemeItem::Navaids, fix, nullptr, place)) spacing.Take(place.dx, place.dy, 0);
     });
   KeepImportant(m_places, spacing);
-}
-
-PixelBox FixLayer::BoxOf(const LayerContext& context, const FixPlace& fix) const {
-  return BoxAbout(fix.dx, fix.dy, RADIUS * context.scale);
 }
 
 // Solid where an airway leads.

@@ -15,7 +15,6 @@ class FixLayer : public PlaceLayer<FixPlace> {
 
  private:
   void Collect(const LayerContext& context) override;
-  PixelBox BoxOf(const LayerContext& context, const FixPlace& fix) const override;
   void DrawSymbol(const FixPlace& fix, SymbolPen& pen) const override;
   bool OfferLabel(const LayerContext& context, const FixPlace& fix, double size,
                   LabelPlan& plan) const override;

@@ -1,7 +1,5 @@
 #include "layers/navaid_layer.h"
 
-#include "layers/symbol_size.h"
-
 #include <k7/navdata/morse_code.h>
 #include <k7/navdata/navaid.h>
 
@@ -182,10 +180,6 @@ void NavaidLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx
   for (const NavaidPlace& navaid : m_places)
     if (navaid.hasRose) roses.Rose(navaid.dx, navaid.dy, navaid.rose);
   PlaceLayer::DrawLines(context, path, g);
-}
-
-PixelBox NavaidLayer::BoxOf(const LayerContext& context, const NavaidPlace& navaid) const {
-  return BoxAbout(navaid.dx, navaid.dy, SymbolRadius(navaid.key.NavType()) * context.scale);
 }
 
 void NavaidLayer::DrawSymbol(const NavaidPlace& navaid, SymbolPen& pen) const {

@@ -23,7 +23,6 @@ class NavaidLayer : public PlaceLayer<NavaidPlace> {
 
  private:
   void Collect(const LayerContext& context) override;
-  PixelBox BoxOf(const LayerContext& context, const NavaidPlace& navaid) const override;
   void DrawSymbol(const NavaidPlace& navaid, SymbolPen& pen) const override;
   bool OfferLabel(const LayerContext& context, const NavaidPlace& navaid, double size,
                   LabelPlan& plan) const override;

@@ -4,6 +4,7 @@
 #include "layers/nav_places.h"
 #include "layers/nav_symbols.h"
 #include "layers/place_label.h"
+#include "layers/symbol_size.h"
 
 /// A symbol that says nothing without its label is left out where the label finds no room: when the labels
 /// have been offered, `DrawLines` and `Pick` know which. Labels of important places come first.
@@ -61,7 +62,10 @@ class PlaceLayer : public Layer {
  protected:
   /// Fills `m_places`, the important first.
   virtual void Collect(const LayerContext& context) = 0;
-  virtual PixelBox BoxOf(const LayerContext& context, const Place& place) const = 0;
+  /// What the symbol takes up.
+  virtual PixelBox BoxOf(const LayerContext& context, const Place& place) const {
+    return BoxAbout(place.dx, place.dy, SymbolRadius(place.key.NavType()) * context.scale);
+  }
   virtual void DrawSymbol(const Place& place, SymbolPen& pen) const = 0;
   /// As it lies on the ground, where that is not its symbol.
   virtual void Draw(const Place& place, SymbolPen& pen) const { DrawSymbol(place, pen); }
