@@ -50,8 +50,9 @@ Places PlacesAlong(const GridAxis& axis, double first, double spacing, int count
   Places places;
   places.first = axis.Count();
   for (int i = 0; i < count * perPost; ++i) {
+    const int post = i / perPost;
     const double offset = (i % perPost + 0.5) / perPost - 0.5;
-    const Place place = PlaceAt(axis, first + (i / perPost + offset) * spacing);
+    const Place place = PlaceAt(axis, first + (post + offset) * spacing);
     places.samples.push_back(place);
     if (place.weight <= 0) continue;
     places.first = std::min(places.first, place.index);
