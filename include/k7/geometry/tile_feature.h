@@ -26,8 +26,8 @@ class K7_API K7TileFeature {
   /// Takes points laid end to end, part by part, `sizes` holding the length of each. 0; K7_ERR_BAD_ARGUMENT
   /// for null and negative sizes, K7_ERR_MEMORY, each with the feature left empty.
   int SetPoints(const K7LatLon* points, const int* sizes, int parts);
-  /// Takes the points of a shape whose coordinates are degrees; as with `SetPoints` they stay the shape's. The
-  /// same codes.
+  /// Takes the points of a shape whose coordinates are degrees; as with `SetPoints` they stay the shape's.
+  /// The same codes.
   int SetShape(const K7ShpPoly& shape);
   void Clear();
 
