@@ -83,14 +83,16 @@ perspective    General Perspective
 stereographic  Stereographic
 gnomonic       Gnomonic
 END
-lists layers --nav none.db <<END
+lists layers --nav none.db --terrain none <<END
 Layers in $sample
 
   layer      theme      present       sets
   land       Land       1:110m 1:50m  ne_110m_land, ne_50m_land, ne_10m_land
+  terrain    Terrain    no            no terrain: '--terrain FOLDER' names region files that 'k7terrain build' has made
   lakes      Lakes      no            ne_110m_lakes, ne_50m_lakes, ne_10m_lakes
   rivers     Rivers     1:110m 1:50m  ne_110m_rivers_lake_centerlines, ne_50m_rivers_lake_centerlines, ne_10m_rivers_lake_centerlines
   borders    Borders    1:110m 1:50m  ne_110m_admin_0_boundary_lines_land, ne_50m_admin_0_boundary_lines_land, ne_10m_admin_0_boundary_lines_land
+  elevations Elevations no            no terrain: '--terrain FOLDER' names region files that 'k7terrain build' has made
   isogonics  Isogonics  yes           $sample/magnetic/WMM.COF
   airspaces  Airspaces  no            cannot read the navigation data 'none.db': No such file or directory
   airways    Airways    no            cannot read the navigation data 'none.db': No such file or directory
@@ -180,6 +182,17 @@ grep -qF 'width="640px" height="400px"' profile.svg || fail "the size of profile
 "$chart" profile "48 -123" "48.5 -124" --output /dev/stdout 2>/dev/null | cmp - plain.png || fail "a profile for the standard output"
 "$chart" route "48.7 -121.8" CYVR --direct 40 --output position.png >route.txt && test -s position.png &&
   grep -q '^4842N12148W (position N48 42.0 W121 48.0) to CYVR' route.txt || fail "a route from a position: $(cat route.txt)"
+# Terrain is there unless it is left out or not asked for; a data folder's own goes before the sample's.
+"$chart" --range 80 --output relief.png && "$chart" --range 80 --terrain none --output flat.png &&
+  ! cmp -s relief.png flat.png || fail "terrain"
+"$chart" --range 80 --layer land --output land.png && "$chart" --range 80 --layer land --terrain none --output same.png &&
+  cmp land.png same.png && "$chart" --range 80 --layer land --layer terrain --output same.png && ! cmp -s land.png same.png ||
+  fail "terrain by name"
+mkdir own own/terrain
+cp "$sample"/ne_110m_land.* own
+cp "$sample"/terrain/12_*.ter own/terrain
+"$chart" layers --data own | grep -q '^  terrain .* own/terrain$' || fail "terrain of a data folder"
+"$chart" layers --data coarse | grep -q "^  elevations .* $sample/terrain\$" || fail "terrain of the sample"
 
 # Wrong words, files and values: one line that names the culprit, not zero, and no picture, whole or half.
 refuses() {  # what the line must hold, then arguments
@@ -270,6 +283,10 @@ refuses "broken.shp" --layer broken.shp
 refuses "in the folder" --data "$work"
 refuses "cannot read the navigation data 'none.db': No such file" --nav none.db
 refuses "'broken.shp' is no database of navigation data" --layer airways --nav broken.shp
+refuses "no terrain: '--terrain FOLDER'" --layer terrain --terrain none
+refuses "cannot read the terrain folder 'nowhere': No such file" --terrain nowhere
+refuses "no region files (.ter) in 'empty'" --terrain empty
+refuses "not with --no-graticule" --layer elevations --no-graticule
 refuses "cannot read the magnetic model 'none.COF': No such file" --magnetic none.COF
 refuses "'broken.shp' holds no coefficients of a magnetic model" --layer isogonics --magnetic broken.shp
 refuses "cannot write 'no/such/folder.png': No such file" --output no/such/folder.png

@@ -1,6 +1,6 @@
 // Ground under a way: as high as the data say, with gaps where they say nothing, and drawn where it is.
 
-#include "app/terrain_source.h"
+#include "app/elevations.h"
 #include "sheet/profile_axes.h"
 #include "sheet/profile_panel.h"
 #include "terrain/region_file.h"
@@ -136,8 +136,8 @@ class Csv {
   std::map<double, std::map<double, double>> m_rows;
 };
 
-TEST(TerrainSource, SampleHasTheElevationsOfItsGrid) {
-  TerrainSource terrain;
+TEST(Elevations, SampleHasTheElevationsOfItsGrid) {
+  Elevations terrain;
   ASSERT_EQ(terrain.Open(SampleTerrain()), "");
   EXPECT_EQ(terrain.PostSpacing(0), 30);
   EXPECT_EQ(terrain.PostSpacing(100), 90);  // seconds: 120, 40 posts a degree
@@ -145,7 +145,7 @@ TEST(TerrainSource, SampleHasTheElevationsOfItsGrid) {
   for (int row = 48 * 120 + 5; row < 50 * 120 - 5; row += 11)
     for (int column = 122 * 120 + 5; column < 126 * 120 - 5; column += 13) {
       const double lat = row / 120.0, lon = -column / 120.0;
-      const TerrainSource::Answer answer = terrain.Find(lat, lon, 0);
+      const Elevations::Answer answer = terrain.Find(lat, lon, 0);
       ASSERT_NEAR(answer.feet, csv.At(lat, lon) * 3.2808399, 0.51 * 3.2808399 + 1.5) << lat << " " << lon;
       ASSERT_LE(std::abs(MetresOfFeet(answer.feet) - csv.At(lat, lon)), 0.51) << lat << " " << lon;
       ASSERT_EQ(answer.postsPerDegree, 120);
@@ -154,12 +154,12 @@ TEST(TerrainSource, SampleHasTheElevationsOfItsGrid) {
 }
 
 // A region that claims less than its cell answers 0 there, which is no elevation to fly by.
-TEST(TerrainSource, OutsideTheDataThereIsNoSea) {
+TEST(Elevations, OutsideTheDataThereIsNoSea) {
   const TempFolder folder;
   const auto post = [](int, int) { return 100; };
   folder.Write("120_N00E150.ter", MadeRegion(10, 178, 1, 2, 120, post).Bytes());
   folder.Write("12_N60E000.ter", MadeRegion(88, 5, 2, 1, 12, post).Bytes());
-  TerrainSource terrain;
+  Elevations terrain;
   ASSERT_EQ(terrain.Open(folder.Path()), "");
   EXPECT_EQ(terrain.GetElev(10.5, 179.5, 0), 328);
   EXPECT_EQ(terrain.GetElev(12.5, 179.5, 0), K7_NO_ELEV);

@@ -63,6 +63,9 @@ TEST_F(ThemeFileTest, SavedThemesReadBackEqual) {
       for (size_t k = 0; k < bits() % 5; ++k) theme[item].dash[k] = number();
       theme[item].minNMPerPixel = bits() % 2 ? number() / 100 : 0;
     }
+    HeightTints& tints = theme[ThemeItem::Terrain].tints = {1 + static_cast<int>(bits() % 20), {}};
+    for (int k = 0; k < tints.count; ++k)
+      tints.rows[static_cast<size_t>(k)] = {k * 2000 - 9000, {byte(), byte(), byte(), byte()}};
     const std::string path = m_dir / "saved.xml";
     ASSERT_EQ(theme.Save(path), "");
     Theme read;
@@ -93,6 +96,10 @@ TEST_F(ThemeFileTest, SaysWhatIsWrongAndStaysAsItWas) {
       {"<MinNMPerPixel Group=\"Land\">3</MinNMPerPixel><MaxNMPerPixel Group=\"Land\">2</MaxNMPerPixel>",
        "MinNMPerPixel of Land is above"},
       {"<Fill Group=\"Land\">#123456</Fill><Fill Group=\"Land\">#123457</Fill>", "Fill of Land twice"},
+      {"<Tints Group=\"Terrain\">0 #123456, 0 #123457</Tints>", "Tints of Terrain is up to 20 heights"},
+      {"<Tints Group=\"Terrain\">0 #12345</Tints>", "'0 #12345'"},
+      {"<Tints Group=\"Terrain\">nan #123456</Tints>", "'nan #123456'"},
+      {"<Tints Group=\"Terrain\"></Tints>", "Tints of Terrain is"},
       {"", "nothing"},
   };
   for (const auto& c : cases) {
@@ -140,6 +147,25 @@ TEST_F(ThemeFileTest, NightIsDarkAndLegibleUnderRedLight) {
     for (const ThemeItem line : {ThemeItem::Land, ThemeItem::Borders, ThemeItem::Frame})
       EXPECT_GT(Contrast(night[line].line, night[ThemeItem::Land].fill, redOnly), 3) << ThemeItemName(line);
     EXPECT_GT(Contrast(night[ThemeItem::Rivers].line, night[ThemeItem::Land].fill, redOnly), 2);
+    const HeightTints& tints = night[ThemeItem::Terrain].tints;
+    for (int i = 0; i < tints.count; ++i)
+      EXPECT_GT(
+          Contrast(night[ThemeItem::Elevations].line, tints.rows[static_cast<size_t>(i)].color, redOnly), 4)
+          << i;
+  }
+}
+
+// Where terrain begins at the sea's level nothing shows it.
+TEST_F(ThemeFileTest, TintsAboutTheSeasLevelAreThoseOfTheSeaAndTheLand) {
+  for (const char* const name : {"/day.xml", "/night.xml"}) {
+    Theme theme;
+    ASSERT_EQ(theme.Read(K7_THEMES + std::string(name)), "");
+    const HeightTints& tints = theme[ThemeItem::Terrain].tints;
+    size_t land = 0;
+    while (tints.rows[land].feet < 0) ++land;
+    EXPECT_EQ(tints.rows[land].feet, 0);
+    EXPECT_EQ(tints.rows[land].color, theme[ThemeItem::Land].fill) << name;
+    EXPECT_EQ(tints.rows[land - 1].color, theme[ThemeItem::Sea].fill) << name;
   }
 }
 

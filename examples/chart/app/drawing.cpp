@@ -3,9 +3,7 @@
 #include "app/progress_line.h"
 #include "ink/pen.h"
 #include "layers/earth_layer.h"
-#include "layers/graticule_layer.h"
 #include "layers/shape_layer.h"
-#include "layers/terrain_layer.h"
 #include "sheet/page.h"
 
 #include <algorithm>
@@ -16,35 +14,46 @@ std::string LayerStack::Load(const LayerOptions& options, const DataScale& scale
   if (std::string problem = FindLayers(options, scale, requests); !problem.empty()) return problem;
   m_layers.push_back(std::make_unique<EarthLayer>());
   // Meridians and parallels lie over the map and under what is flown by.
-  bool isLaid = !graticule;
-  const auto layGraticule = [&] {
-    if (!isLaid) m_layers.push_back(std::make_unique<GraticuleLayer>());
-    isLaid = true;
-  };
   for (const LayerRequest& request : requests) {
-    if (request.item > ThemeItem::Graticule) layGraticule();
-    if (std::string problem = Add(request, options, progress); !problem.empty()) return problem;
+    if (graticule && request.item > ThemeItem::Graticule) LayGraticule();
+    // Whose figures stand in the cells of a graticule that is not there.
+    if (request.item == ThemeItem::Elevations && !graticule && options.names.empty()) continue;
+    std::string problem;
+    std::unique_ptr<Layer> layer = Make(request, options, progress, problem);
+    if (!problem.empty()) return problem;
+    m_layers.push_back(std::move(layer));
   }
-  layGraticule();
+  if (graticule) LayGraticule();
   return {};
 }
 
-std::string LayerStack::Add(const LayerRequest& request, const LayerOptions& options, Progress& progress) {
-  std::string problem;
-  if (request.path.empty()) {
-    m_layers.push_back(m_nav.Make(request.item, options, problem));
-    return problem;
-  }
-  if (request.item == ThemeItem::Terrain) {
-    auto terrain = std::make_unique<TerrainLayer>(request.path);
-    problem = terrain->Load(progress);
-    m_layers.push_back(std::move(terrain));
-    return problem;
+void LayerStack::LayGraticule() {
+  if (m_graticule) return;
+  auto graticule = std::make_unique<GraticuleLayer>();
+  m_graticule = graticule.get();
+  m_layers.push_back(std::move(graticule));
+}
+
+std::unique_ptr<Layer> LayerStack::Make(const LayerRequest& request, const LayerOptions& options,
+                                        Progress& progress, std::string& problem) {
+  switch (SourceOf(request.item)) {
+    case LayerSource::Terrain: {
+      K7NavData* const obstacles = request.item == ThemeItem::Elevations && !options.nav.empty()
+                                       ? m_nav.Store(options, problem)
+                                       : nullptr;
+      return problem.empty() ? m_terrain.Make(request.item, TerrainFolder(options), obstacles, m_graticule,
+                                              progress, problem)
+                             : nullptr;
+    }
+    case LayerSource::Magnetism:
+    case LayerSource::Navigation:
+      return m_nav.Make(request.item, options, problem);
+    case LayerSource::Sets:
+      break;
   }
   auto layer = std::make_unique<ShapeLayer>(request.item, request.path);
   problem = layer->Load(progress);
-  m_layers.push_back(std::move(layer));
-  return problem;
+  return layer;
 }
 
 std::vector<Layer*> LayerStack::Layers() const {

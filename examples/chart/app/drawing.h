@@ -5,6 +5,7 @@
 #include "app/layer_options.h"
 #include "app/nav_source.h"
 #include "app/sheet_options.h"
+#include "app/terrain_source.h"
 
 #include "sheet/chart_sheet.h"
 
@@ -22,9 +23,13 @@ class LayerStack {
   std::vector<Layer*> Layers() const;
 
  private:
-  std::string Add(const LayerRequest& request, const LayerOptions& options, Progress& progress);
+  std::unique_ptr<Layer> Make(const LayerRequest& request, const LayerOptions& options, Progress& progress,
+                              std::string& problem);
+  void LayGraticule();
 
   NavSource m_nav;
+  TerrainSource m_terrain;
+  const GraticuleLayer* m_graticule = nullptr;  // among the layers; null for a chart without one
   std::vector<std::unique_ptr<Layer>> m_layers;
 };
 

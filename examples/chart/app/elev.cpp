@@ -1,6 +1,6 @@
 // k7chart elev: how high the ground is.
 
-#include "app/terrain_source.h"
+#include "app/elevations.h"
 #include "app_common/position_text.h"
 #include "app_common/verb.h"
 #include "sheet/profile.h"
@@ -25,11 +25,11 @@ class Elev : public Verb {
 
   std::string Run() override {
     if (m_places.empty()) return "elev needs at least one position, as \"N48 30.0 W123 30.0\"";
-    TerrainSource terrain;
+    Elevations terrain;
     if (std::string problem = terrain.Open(m_terrain.folder); !problem.empty()) return problem;
     for (const K7LatLon& place : m_places) {
       const std::string where = PositionText(place);
-      const TerrainSource::Answer answer = terrain.Find(place.Lat(), place.Lon(), m_terrain.resolution);
+      const Elevations::Answer answer = terrain.Find(place.Lat(), place.Lon(), m_terrain.resolution);
       if (answer.feet == K7_NO_ELEV)
         std::printf("%s  no elevation\n", where.c_str());
       else

@@ -2,6 +2,7 @@
 
 #include <k7/foundation/string.h>
 #include "app_common/shared_data.h"
+#include "layers/terrain_files.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -75,8 +76,10 @@ constexpr OptionRow<LayerOptions> DATA_OPTIONS[] = {
      "k7chart comes with)",
      SetMagnetic},
     {"--terrain", "FOLDER",
-     "region files, made by 'k7terrain build': draws shaded relief in tints of height under the other layers "
-     "(the sample's are in the folder terrain of the sample data)",
+     "region files, made by 'k7terrain build', for shaded relief in tints of height and for maximum "
+     "elevation "
+     "figures (default: the folder terrain of the data folder, or else that of the sample); none leaves both "
+     "out",
      SetTerrain},
 };
 
@@ -98,12 +101,17 @@ std::string Find(const std::string& name, const std::string& folder, const DataS
   return "unknown layer " + Quoted(name) + ": " + WhatIsThere(folder) + "; a file of your own ends in .shp";
 }
 
-// Over the land, under the lakes.
-void AddTerrain(const LayerOptions& options, std::vector<LayerRequest>& layers) {
-  if (options.terrain.empty()) return;
-  const auto above = std::find_if(layers.begin(), layers.end(),
-                                  [](const LayerRequest& layer) { return layer.item > ThemeItem::Terrain; });
-  layers.insert(above, {ThemeItem::Terrain, options.terrain});
+// Whether a layer is drawn that nobody asked for by name. What was named, and is not there, is said when it
+// is opened.
+bool HasSource(const LayerRow& row, const LayerOptions& options) {
+  switch (row.source) {
+    case LayerSource::Terrain:
+      return !TerrainFolder(options).empty();
+    case LayerSource::Navigation:
+      return !options.nav.empty();
+    default:
+      return true;
+  }
 }
 
 }  // namespace
@@ -113,6 +121,14 @@ LayerOptions::LayerOptions() {
   folder = given && *given ? given : SharedData("sample");
   nav = SampleNav();
   magnetic = SharedData("sample") + "/magnetic/WMM.COF";
+}
+
+std::string TerrainFolder(const LayerOptions& options) {
+  if (options.terrain == "none") return {};
+  if (!options.terrain.empty()) return options.terrain;
+  for (const std::string& folder : {options.folder, SharedData("sample")})
+    if (HasTerrain(folder + "/terrain")) return folder + "/terrain";
+  return {};
 }
 
 void AddLayerOptions(OptionTable& table, LayerOptions& options) { table.Add(LAYER_OPTIONS, options); }
@@ -132,18 +148,11 @@ std::string FindLayers(const LayerOptions& options, const DataScale& scale,
   // As the table has them, whatever order they were asked for in: land would cover the lakes.
   std::stable_sort(layers.begin(), layers.end(),
                    [](const LayerRequest& a, const LayerRequest& b) { return a.item < b.item; });
-  if (!options.names.empty()) {
-    AddTerrain(options, layers);
-    return {};
-  }
+  if (!options.names.empty()) return {};
+  if (LayersIn(options.folder).empty()) return "no map data in the folder " + Quoted(options.folder);
   for (const LayerRow& row : Layers()) {
-    const std::string path = FindAnySet(options.folder, row, scale);
-    if (!path.empty()) layers.push_back({row.item, path});
+    std::string path = FindAnySet(options.folder, row, scale);
+    if (row.set ? !path.empty() : HasSource(row, options)) layers.push_back({row.item, std::move(path)});
   }
-  AddTerrain(options, layers);
-  if (layers.empty()) return "no map data in the folder " + Quoted(options.folder);
-  for (const LayerRow& row : Layers())
-    if (!row.set && (!options.nav.empty() || row.item == ThemeItem::Isogonics))
-      layers.push_back({row.item, {}});
   return {};
 }

@@ -13,11 +13,15 @@ struct LayerOptions {
   std::string folder;
   std::string nav;                 // database of navigation data; empty: none
   std::string magnetic;            // coefficients of the magnetic model
-  std::string terrain;             // folder of region files; empty: none
+  std::string terrain;             // folder of region files, "none", or empty: where TerrainFolder looks
   std::vector<std::string> names;  // as they were asked for; none: all that the folder has
 };
 
-/// A layer with its data: its set, or nothing where it takes them from navigation data or the magnetic model.
+/// The folder of region files that a chart has: the one given, or else "terrain" in the data folder, or in
+/// the sample data. Empty for none.
+std::string TerrainFolder(const LayerOptions& options);
+
+/// A layer with its data: its set, or nothing where it takes them from another source.
 struct LayerRequest {
   ThemeItem item;
   std::string path;

@@ -1,6 +1,7 @@
 // k7chart layers: what can be drawn from a data folder.
 
 #include "app/nav_source.h"
+#include "app/terrain_source.h"
 #include "app_common/verb.h"
 
 #include <cstdio>
@@ -15,29 +16,25 @@ class LayersVerb : public Verb {
   std::string Run() override {
     std::printf("Layers in %s\n\n  %-11s%-11s%-14s%s\n", m_options.folder.c_str(), "layer", "theme",
                 "present", "sets");
-    for (const LayerRow& layer : Layers()) {
-      if (!layer.set) continue;
-      std::string scales, sets;
-      for (const DataScale& scale : DATA_SCALES) {
-        sets += (sets.empty() ? "" : ", ") + SetName(layer, scale);
-        if (FindSet(m_options.folder, layer, scale).empty()) continue;
-        scales += scales.empty() ? "" : " ";
-        scales += ScaleName(scale);
-      }
-      std::printf("  %-11s%-11s%-14s%s\n", layer.name, ThemeItemName(layer.item),
-                  scales.empty() ? "no" : scales.c_str(), sets.c_str());
-    }
     NavStore store;
+    const std::string terrain = TerrainFolder(m_options);
     const std::string noStore = WhyNoStore(m_options.nav, store);
     const std::string noModel = WhyNoMagneticModel(m_options.magnetic);
-    for (const LayerRow& layer : Layers()) {
-      if (layer.set) continue;
-      const bool magnetic = layer.item == ThemeItem::Isogonics;
-      const std::string& problem = magnetic ? noModel : noStore;
-      std::printf(
-          "  %-11s%-11s%-14s%s\n", layer.name, ThemeItemName(layer.item), problem.empty() ? "yes" : "no",
-          problem.empty() ? (magnetic ? m_options.magnetic : m_options.nav).c_str() : problem.c_str());
-    }
+    const std::string noTerrain = WhyNoTerrain(terrain);
+    for (const LayerRow& layer : Layers()) switch (layer.source) {
+        case LayerSource::Sets:
+          PrintSets(layer);
+          break;
+        case LayerSource::Terrain:
+          Print(layer, noTerrain.empty() ? "yes" : "no", noTerrain.empty() ? terrain : noTerrain);
+          break;
+        case LayerSource::Magnetism:
+          Print(layer, noModel.empty() ? "yes" : "no", noModel.empty() ? m_options.magnetic : noModel);
+          break;
+        case LayerSource::Navigation:
+          Print(layer, noStore.empty() ? "yes" : "no", noStore.empty() ? m_options.nav : noStore);
+          break;
+      }
     std::puts("");
     for (size_t i = 0; i + 1 < std::size(DATA_SCALES); ++i)
       std::printf("%s serves beyond %.0f NM of range.\n", ScaleName(DATA_SCALES[i]).c_str(),
@@ -50,6 +47,22 @@ class LayersVerb : public Verb {
   }
 
  private:
+  static void Print(const LayerRow& layer, const std::string& present, const std::string& from) {
+    std::printf("  %-11s%-11s%-14s%s\n", layer.name, ThemeItemName(layer.item), present.c_str(),
+                from.c_str());
+  }
+
+  void PrintSets(const LayerRow& layer) const {
+    std::string scales, sets;
+    for (const DataScale& scale : DATA_SCALES) {
+      sets += (sets.empty() ? "" : ", ") + SetName(layer, scale);
+      if (FindSet(m_options.folder, layer, scale).empty()) continue;
+      scales += scales.empty() ? "" : " ";
+      scales += ScaleName(scale);
+    }
+    Print(layer, scales.empty() ? "no" : scales, sets);
+  }
+
   LayerOptions m_options;
 };
 

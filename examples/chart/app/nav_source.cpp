@@ -38,6 +38,11 @@ std::string NavSource::OpenStore(const std::string& path) {
   return m_store.IsOpen() ? std::string() : WhyNoStore(path, m_store);
 }
 
+K7NavData* NavSource::Store(const LayerOptions& options, std::string& problem) {
+  problem = OpenStore(options.nav);
+  return problem.empty() ? &m_store : nullptr;
+}
+
 std::unique_ptr<Layer> NavSource::Make(ThemeItem item, const LayerOptions& options, std::string& problem) {
   problem = WhyNoMagneticModel(options.magnetic);
   if (problem.empty() && item != ThemeItem::Isogonics) problem = OpenStore(options.nav);

@@ -14,6 +14,8 @@ class NavSource {
  public:
   /// Null with `problem` in words when a file cannot be read, or for an item that has no such layer.
   std::unique_ptr<Layer> Make(ThemeItem item, const LayerOptions& options, std::string& problem);
+  /// Null with `problem` in words when it cannot be read.
+  K7NavData* Store(const LayerOptions& options, std::string& problem);
 
  private:
   std::string OpenStore(const std::string& path);

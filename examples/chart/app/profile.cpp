@@ -5,7 +5,7 @@
 #include "app/nav_source.h"
 #include "app/progress_line.h"
 #include "app/sheet_options.h"
-#include "app/terrain_source.h"
+#include "app/elevations.h"
 #include "app_common/save_file.h"
 #include "app_common/shared_data.h"
 #include "app_common/verb.h"
@@ -94,7 +94,7 @@ class ProfileVerb : public Verb {
 
   // Twice as densely as posts stand, so that a way that runs aslant between them meets each.
   std::string MeasureGround(Profile& profile) const {
-    TerrainSource terrain;
+    Elevations terrain;
     if (std::string problem = terrain.Open(m_terrain.folder); !problem.empty()) return problem;
     static const double MINUTE = 60;
     const double resolution = m_terrain.resolution, posts = terrain.PostSpacing(resolution);

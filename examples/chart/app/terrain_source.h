@@ -1,45 +1,25 @@
-// Elevations for the verbs that answer them: the terrain of a folder.
+// Where the layers of terrain come from: a folder of region files, read when the first of them is wanted.
 #pragma once
 
-#include "app_common/option_table.h"
+#include "layers/graticule_layer.h"
+#include "layers/terrain_files.h"
 
-#include <k7/terrain/terrain.h>
+#include <k7/navdata/nav_data.h>
 
-#include <string>
+#include <memory>
+#include <optional>
 
-struct TerrainOptions {
-  TerrainOptions();
-
-  std::string folder;
-  double resolution = 0;  // arc-seconds between posts; 0: the finest
-};
-
-/// --terrain, --resolution
-void AddTerrainOptions(OptionTable& table, TerrainOptions& options);
-
-/// The folder of the terrain that k7chart comes with.
-std::string SampleTerrain();
-
-/// The terrain of the process, in which what lies outside the bounds of a region file has no elevation:
-/// whoever asks how high the ground is must not be told 0 ft where there are no data.
-class TerrainSource : public K7Terrain {
+/// Must outlive the layers.
+class TerrainSource {
  public:
-  TerrainSource() = default;
-
-  /// Empty, or why the folder cannot serve.
-  std::string Open(const std::string& folder);
-  int Read(const char* folder) override;
-  void Clear() override;
-  int GetElev(double lat, double lon, double resolution) override;
-
-  struct Answer {
-    int feet = 0;            // K7_NO_ELEV: none
-    int postsPerDegree = 0;  // of the data that answered
-  };
-  Answer Find(double lat, double lon, double resolution);
-  /// Arc-seconds between the posts of the finest data that a resolution asks for; 0 without any.
-  double PostSpacing(double resolution) const;
+  /// Null with `problem` in words when the folder cannot be read, or for figures without a graticule. Without
+  /// obstacles figures are those of the terrain.
+  std::unique_ptr<Layer> Make(ThemeItem item, const std::string& folder, K7NavData* obstacles,
+                              const GraticuleLayer* graticule, Progress& progress, std::string& problem);
 
  private:
-  K7TerLevel* m_levels[K7TerrainK7::LEVELS] = {};
+  std::optional<TerrainFiles> m_files;
 };
+
+/// Empty, or why the folder cannot serve.
+std::string WhyNoTerrain(const std::string& folder);

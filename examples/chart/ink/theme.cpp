@@ -9,11 +9,13 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
+#include <sstream>
+#include <vector>
 
 namespace {
 
 // Keys of an entry.
-constexpr unsigned FILL = 1, LINE = 2, WIDTH = 4, DASH = 8, MIN_SCALE = 16, MAX_SCALE = 32;
+constexpr unsigned FILL = 1, LINE = 2, WIDTH = 4, DASH = 8, MIN_SCALE = 16, MAX_SCALE = 32, TINTS = 64;
 constexpr unsigned STROKE = LINE | WIDTH | DASH;
 constexpr unsigned SCALES = MIN_SCALE | MAX_SCALE;
 
@@ -26,20 +28,40 @@ struct Row {
 constexpr Color INK = {33, 46, 61, 255};
 constexpr Color SEA = {207, 227, 237, 255};
 constexpr Color RIVER = {107, 161, 199, 255};
+constexpr Color LAND = {229, 236, 211, 255};
+// Greens, yellow and browns upwards, blues downwards, as on printed charts; pale, since everything else is
+// read on top. About the sea's level they are those of the sea and the land, so that terrain whose data end
+// there has no edge.
+constexpr HeightTints DAY_TINTS = {14,
+                                   {{{-9000, {140, 184, 212, 255}},
+                                     {-6000, {154, 195, 220, 255}},
+                                     {-3000, {170, 206, 227, 255}},
+                                     {-1200, {186, 216, 233, 255}},
+                                     {-300, {197, 222, 235, 255}},
+                                     {-60, SEA},
+                                     {0, LAND},
+                                     {500, {238, 238, 208, 255}},
+                                     {1000, {245, 236, 199, 255}},
+                                     {2000, {244, 226, 180, 255}},
+                                     {3000, {238, 211, 160, 255}},
+                                     {5000, {226, 192, 141, 255}},
+                                     {7000, {211, 173, 126, 255}},
+                                     {10000, {197, 160, 125, 255}}}}};
 
 // In the order of ThemeItem.
 constexpr Row ROWS[] = {
     {"Paper", FILL, {{253, 252, 250, 255}}},
     {"Sea", FILL, {SEA}},
     {"Sky", FILL, {{233, 241, 247, 255}}},
-    {"Land", FILL | STROKE | SCALES, {{244, 239, 220, 255}, {69, 107, 133, 255}, 0.9}},
-    {"Terrain", SCALES, {}},
+    {"Land", FILL | STROKE | SCALES, {LAND, {69, 107, 133, 255}, 0.9}},
+    {"Terrain", TINTS | SCALES, {.tints = DAY_TINTS}},
     {"Lakes", FILL | STROKE | SCALES, {SEA, RIVER, 0.8}},
     {"Rivers", FILL | STROKE | SCALES, {SEA, RIVER, 0.8}},
     {"LakeLines", STROKE, {{}, {156, 197, 222, 255}, 3.2}},
     {"Borders", STROKE | SCALES, {{}, {153, 77, 107, 204}, 0.9, {7, 2.5, 1.5, 2.5}}},
     {"Other", FILL | STROKE | SCALES, {{140, 51, 140, 38}, {140, 51, 140, 230}, 1}},
     {"Graticule", STROKE, {{}, {64, 89, 115, 89}, 0.6}},
+    {"Elevations", LINE | SCALES, {{}, {32, 60, 128, 230}, 0, {}, 0.03, 0.4}},
     {"Isogonics", STROKE | SCALES, {{}, {140, 92, 154, 217}, 0.8, {9, 4}}},
     {"Airspaces", FILL | STROKE | SCALES, {{31, 95, 168, 46}, {31, 95, 168, 230}, 1.1, {}, 0, 0.8}},
     {"RestrictedAirspaces", FILL | STROKE | SCALES, {{178, 46, 58, 46}, {178, 46, 58, 230}, 1.1, {}, 0, 0.8}},
@@ -94,6 +116,13 @@ std::string Written(const Color& color) {
   return std::string(text);
 }
 
+std::vector<std::string> Split(const std::string& text, char at) {
+  std::vector<std::string> parts;
+  std::string part;
+  for (std::istringstream rest(text); std::getline(rest, part, at);) parts.push_back(part);
+  return parts;
+}
+
 bool ReadDash(const char* text, std::array<double, 4>& dash) {
   dash = {};
   if (std::strcmp(text, "none") == 0) return true;
@@ -117,6 +146,34 @@ bool ReadScale(const char* text, double none, double& scale) {
 }
 
 std::string WrittenScale(double scale, double none) { return scale == none ? "none" : Written(scale); }
+
+// "FEET #RRGGBB" for each, with commas between.
+bool ReadTints(const char* text, HeightTints& tints) {
+  static const double HIGHEST = 40000;
+  tints = {};
+  for (const std::string& row : Split(text, ',')) {
+    const char* rest = row.c_str();
+    double feet = 0;
+    if (tints.count == static_cast<int>(tints.rows.size()) || !ReadNumber(rest, feet) || *rest != ' ' ||
+        !(std::fabs(feet) <= HIGHEST))
+      return false;
+    HeightTint& tint = tints.rows[static_cast<size_t>(tints.count)];
+    tint.feet = static_cast<int>(std::lround(feet));
+    if (!ReadColor(rest + 1, tint.color)) return false;
+    if (tints.count > 0 && tint.feet <= tints.rows[static_cast<size_t>(tints.count) - 1].feet) return false;
+    ++tints.count;
+  }
+  return tints.count > 0;
+}
+
+std::string Written(const HeightTints& tints) {
+  std::string text;
+  for (int i = 0; i < tints.count; ++i) {
+    const HeightTint& tint = tints.rows[static_cast<size_t>(i)];
+    text += (i ? ", " : "") + std::to_string(tint.feet) + " " + Written(tint.color);
+  }
+  return text;
+}
 
 constexpr ThemeEntry BARE;
 
@@ -153,6 +210,9 @@ constexpr Key KEYS[] = {
        return ReadScale(text, BARE.maxNMPerPixel, entry.maxNMPerPixel);
      },
      [](const ThemeEntry& entry) { return WrittenScale(entry.maxNMPerPixel, BARE.maxNMPerPixel); }},
+    {"Tints", TINTS, "up to 20 heights in feet, rising, each with its colour: \"-60 #BAD6E6, 0 #E4EBD0\"",
+     [](const char* text, ThemeEntry& entry) { return ReadTints(text, entry.tints); },
+     [](const ThemeEntry& entry) { return Written(entry.tints); }},
 };
 
 // A table of its own: a theme leaves the settings of the process alone.

@@ -17,15 +17,16 @@ enum class ThemeItem {
   Sea,
   Sky,  ///< behind the earth, as a tilted eye sees it
   Land,
-  Terrain,  ///< the scales at which it shows; its tints follow the paper
+  Terrain,  ///< tints of height and depth
   Lakes,
   Rivers,
   LakeLines,  ///< centre lines of lakes among the rivers
   Borders,
   Other,  ///< sets of the user's own
   Graticule,
-  Isogonics,  ///< lines of equal magnetic variation
-  Airspaces,  ///< controlled: line, and band inside it
+  Elevations,  ///< maximum elevation figures
+  Isogonics,   ///< lines of equal magnetic variation
+  Airspaces,   ///< controlled: line, and band inside it
   RestrictedAirspaces,
   OtherAirspaces,
   Airways,  ///< fill: under their names
@@ -42,6 +43,20 @@ enum class ThemeItem {
 };
 inline constexpr int THEME_ITEMS = static_cast<int>(ThemeItem::Halo) + 1;
 
+/// What ground is painted from a height on, in feet; below the sea's level it is depth.
+struct HeightTint {
+  int feet = 0;
+  Color color{};
+  bool operator==(const HeightTint&) const = default;
+};
+
+/// From low to high. A tint reaches up to the next one; the first has what lies below it as well.
+struct HeightTints {
+  int count = 0;
+  std::array<HeightTint, 20> rows{};
+  bool operator==(const HeightTints&) const = default;
+};
+
 /// Widths and dashes are pixels of a sheet of ordinary size.
 struct ThemeEntry {
   Color fill{};
@@ -50,13 +65,15 @@ struct ThemeEntry {
   std::array<double, 4> dash{};  ///< lengths of ink and gap, up to the first 0; none: a whole line
   double minNMPerPixel = 0;      ///< scales at which a layer shows
   double maxNMPerPixel = std::numeric_limits<double>::infinity();
+  HeightTints tints{};
 
   bool ShowsAt(double nmPerPixel) const { return nmPerPixel >= minNMPerPixel && nmPerPixel <= maxNMPerPixel; }
   bool operator==(const ThemeEntry&) const = default;
 };
 
 /// A file is one of `K7Options`: the item is the group, and its keys are Fill, Line (#RRGGBB or #RRGGBBAA),
-/// Width, Dash ("7 2.5 1.5 2.5" or "none"), MinNMPerPixel, MaxNMPerPixel ("none" for no limit):
+/// Width, Dash ("7 2.5 1.5 2.5" or "none"), MinNMPerPixel, MaxNMPerPixel ("none" for no limit) and Tints
+/// ("-60 #BAD6E6, 0 #E4EBD0, 1000 #EFE7C3"):
 ///
 ///     <Options><Fill Group="Land">#F4EFDC</Fill><Width Group="Borders">0.9</Width></Options>
 class Theme {

@@ -69,6 +69,7 @@ void Chart::OfferLabels(double size, LabelPlan& plan) {
   std::vector<Layer*> shown;
   VisitShown([&](Layer& layer) { shown.push_back(&layer); });
   for (Layer* const layer : shown) layer->KeepSymbols(Context(), plan);
+  for (Layer* const layer : shown) layer->OfferFirst(Context(), size, plan);
   for (auto layer = shown.rbegin(); layer != shown.rend(); ++layer)
     (*layer)->OfferLabels(Context(), *m_path, size, plan);
   for (auto layer = shown.rbegin(); layer != shown.rend(); ++layer)

@@ -148,6 +148,21 @@ void GraticuleLayer::AddLine(K7MapFeatures& features, std::vector<Line>& lines, 
   if (features.Add(K7_MAP_LINES, points.data(), &count, 1) >= 0) lines.push_back({kind, degrees});
 }
 
+std::vector<GraticuleCell> GraticuleLayer::Cells() const {
+  static const double MOST = 1000;
+  const double height = m_latStep.lines, width = m_lonStep.lines;
+  const double south = std::floor(m_south / height + TOLERANCE),
+               west = std::floor(m_west / width + TOLERANCE);
+  const double rows = std::ceil(m_north / height - TOLERANCE) - south;
+  const double columns = std::min(std::ceil(m_east / width - TOLERANCE) - west, std::ceil(360 / width));
+  std::vector<GraticuleCell> cells;
+  if (!(rows * columns <= MOST)) return cells;
+  for (int row = 0; row < rows; ++row)
+    for (int column = 0; column < columns; ++column)
+      cells.push_back({(south + row) * height, (west + column) * width, height, width});
+  return cells;
+}
+
 void GraticuleLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
   UseLine(g, context.theme[ThemeItem::Graticule], context.scale);
   for (int i = 0; i < m_features.Count(); ++i)

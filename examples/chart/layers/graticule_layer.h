@@ -15,6 +15,10 @@ struct GraticuleStep {
   double lines, ticks;
 };
 GraticuleStep StepFor(LineKind kind, double span);
+/// What lies between neighbouring lines, in degrees; the west may lie beyond 180.
+struct GraticuleCell {
+  double south, west, height, width;
+};
 /// But for rounding.
 bool IsMultiple(double degrees, double step);
 
@@ -24,6 +28,8 @@ class GraticuleLayer : public Layer {
   ThemeItem Item() const override { return ThemeItem::Graticule; }
   void Prepare(const LayerContext& context) override;
   void DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) override;
+  /// Those that the view shows, whole or in part; none when they are too many to tell apart.
+  std::vector<GraticuleCell> Cells() const;
   /// Labels stand outside the window where a line meets its frame: meridians above and below it, parallels
   /// beside it, and the other kind on a side that the usual one does not meet, as near a pole. A line that
   /// meets no such side is labelled on the map.

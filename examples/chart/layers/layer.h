@@ -20,10 +20,19 @@ struct LayerContext {
   Progress& progress;
 };
 
+/// Lettering that belongs to what a legend shows, `x` pixels from the place that it is drawn about.
+struct LegendMark {
+  std::string text;
+  double x;
+  Lettering lettering;
+};
+
 /// What a symbol stands for.
 struct LegendEntry {
   std::string text;
   std::function<void(K7Grfx& g, double dx, double dy)> draw;  ///< about a place; valid as long as the view is
+  double room = 0;  ///< pixels to the right that it takes beyond those of a symbol
+  std::vector<LegendMark> marks{};
 };
 
 /// A layer draws with the library's graphics context only. A chart asks all its layers first for the places
@@ -41,6 +50,9 @@ class Layer {
   virtual void DrawLines(const LayerContext&, K7MapPath&, K7Grfx&) {}
   /// Keeps the places of symbols clear of any layer's labels.
   virtual void KeepSymbols(const LayerContext&, LabelPlan&) {}
+  /// Lettering that is not to give way to any label: offered when all symbols have their places, before any
+  /// layer's labels.
+  virtual void OfferFirst(const LayerContext&, double /*size*/, LabelPlan&) {}
   /// `size` of ordinary lettering, in pixels.
   virtual void OfferLabels(const LayerContext&, K7MapPath&, double /*size*/, LabelPlan&) {}
   /// What is the first to go where there is no room: offered when all layers have their labels.

@@ -12,15 +12,17 @@ namespace {
 // As the sets of Natural Earth are called.
 constexpr LayerRow LAYERS[] = {
     {"land", "land", ThemeItem::Land},
+    {"terrain", nullptr, ThemeItem::Terrain, LayerSource::Terrain},
     {"lakes", "lakes", ThemeItem::Lakes},
     {"rivers", "rivers_lake_centerlines", ThemeItem::Rivers},
     {"borders", "admin_0_boundary_lines_land", ThemeItem::Borders},
-    {"isogonics", nullptr, ThemeItem::Isogonics},
-    {"airspaces", nullptr, ThemeItem::Airspaces},
-    {"airways", nullptr, ThemeItem::Airways},
-    {"fixes", nullptr, ThemeItem::Fixes},
-    {"navaids", nullptr, ThemeItem::Navaids},
-    {"airports", nullptr, ThemeItem::Airports},
+    {"elevations", nullptr, ThemeItem::Elevations, LayerSource::Terrain},
+    {"isogonics", nullptr, ThemeItem::Isogonics, LayerSource::Magnetism},
+    {"airspaces", nullptr, ThemeItem::Airspaces, LayerSource::Navigation},
+    {"airways", nullptr, ThemeItem::Airways, LayerSource::Navigation},
+    {"fixes", nullptr, ThemeItem::Fixes, LayerSource::Navigation},
+    {"navaids", nullptr, ThemeItem::Navaids, LayerSource::Navigation},
+    {"airports", nullptr, ThemeItem::Airports, LayerSource::Navigation},
 };
 
 }  // namespace
@@ -31,6 +33,12 @@ const LayerRow* FindLayer(const char* name) {
   for (const LayerRow& layer : LAYERS)
     if (K7String::IComp(name, layer.name) == 0) return &layer;
   return nullptr;
+}
+
+LayerSource SourceOf(ThemeItem item) {
+  for (const LayerRow& layer : LAYERS)
+    if (layer.item == item) return layer.source;
+  return LayerSource::Sets;
 }
 
 const LayerRow* LayerOfFile(const std::string& path) {

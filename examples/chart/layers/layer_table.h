@@ -6,15 +6,20 @@
 #include <span>
 #include <string>
 
+/// Where a layer's data come from.
+enum class LayerSource { Sets, Terrain, Magnetism, Navigation };
+
 /// A layer is a row.
 struct LayerRow {
   const char* name;
-  const char*
-      set;         ///< of the data folder, behind the scale; null for what navigation data and magnetism give
-  ThemeItem item;  ///< how it looks
+  const char* set;  ///< of the data folder, behind the scale; null for layers of another source
+  ThemeItem item;   ///< how it looks
+  LayerSource source = LayerSource::Sets;
 };
 
 std::span<const LayerRow> Layers();
+/// Of the layer with that look.
+LayerSource SourceOf(ThemeItem item);
 /// Null when there is none of that name, regardless of case.
 const LayerRow* FindLayer(const char* name);
 /// The layer that a set of any folder is, by its name: "ne_10m_land.shp" and "Land.shp" are land. Null for

@@ -1,103 +1,141 @@
 #include "layers/terrain_layer.h"
 
-#include <k7/foundation/error_string.h>
+#include "layers/relief_picture.h"
+#include "layers/smooth_posts.h"
+
 #include <k7/projection/chart_rect.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <filesystem>
+#include <cmath>
 
 namespace {
 
-struct Tint {
-  int32_t metres;
-  K7Color color;
+constexpr double FEET_PER_METRE = 1 / 0.3048;
+// Pixels over which relief fades where its data end.
+constexpr double FADE = 18;
+constexpr double ORDINARY_TEXT = 12;
+
+// How often posts that lie so many pixels apart are smoothed. Seen from near, their squares and creases would
+// show.
+int PassesFor(double pixels) { return static_cast<int>(std::lround(std::min(pixels / 4, 6.0))); }
+
+// The lowest and the highest post in a view, in feet; the first above the second for none.
+struct Heights {
+  double low = INFINITY, high = -INFINITY;
 };
 
-// Greens, yellow and browns upwards, blues downwards, as on printed charts; pale, since everything else is
-// read on top.
-constexpr Tint TINTS[] = {
-    {-9999, {122, 171, 205}}, {-2000, {143, 188, 216}}, {-500, {166, 204, 226}}, {-100, {188, 219, 234}},
-    {-20, {207, 230, 240}},   {0, {203, 221, 190}},     {150, {219, 227, 193}},  {300, {235, 234, 198}},
-    {600, {242, 228, 184}},   {1000, {235, 211, 163}},  {1500, {222, 190, 144}}, {2100, {207, 170, 130}},
-    {3000, {200, 170, 148}},  {4000, {224, 214, 206}},
-};
-
-// A dark paper takes dark tints.
-double Brightness(const Theme& theme) {
-  const Color paper = theme[ThemeItem::Paper].fill;
-  return std::max({paper.red, paper.green, paper.blue}) < 128 ? 0.3 : 1;
+Heights HeightsIn(const K7TerTileEX& tile, const K7MapView& view) {
+  Heights found;
+  const int16_t* const* const rows = tile.GetMesh();
+  const K7ChartRect& bounds = tile.GetChartRect();
+  const K7ChartRect extent = view.GetExtent();
+  double width = bounds.East() - bounds.West();
+  if (width <= 0) width += 360;
+  for (int row = 0; rows && row < tile.RowCount(); ++row) {
+    const double lat = bounds.South() + (row + 0.5) / tile.RowCount() * (bounds.North() - bounds.South());
+    for (int column = 0; column < tile.ColCount(); ++column) {
+      const double feet = rows[row][column] * FEET_PER_METRE;
+      if (rows[row][column] == K7_NO_ELEV || (feet >= found.low && feet <= found.high)) continue;
+      const double lon = std::remainder(bounds.West() + (column + 0.5) / tile.ColCount() * width, 360);
+      double x, y;
+      if (!extent.PtIn(lat, lon) || !view.ToDevice(lat, lon, x, y)) continue;
+      if (x < 0 || y < 0 || x > view.Width() || y > view.Height()) continue;
+      found.low = std::min(found.low, feet);
+      found.high = std::max(found.high, feet);
+    }
+  }
+  return found;
 }
 
-K7Color Scaled(K7Color color, double by) {
-  const auto scaled = [by](uint8_t part) { return static_cast<uint8_t>(part * by); };
-  return {scaled(color.R()), scaled(color.G()), scaled(color.B())};
+void Rectangle(K7Grfx& g, double left, double top, double right, double bottom) {
+  g.MoveTo(left, top);
+  g.LineTo(right, top);
+  g.LineTo(right, bottom);
+  g.LineTo(left, bottom);
+  g.ClosePath();
+}
+
+// Fields of one width from left to right, the lowest first, a number at each limit between them.
+LegendEntry TintBar(const LayerContext& context, const HeightTint* first, int count) {
+  const double field = 3.2 * ORDINARY_TEXT * context.scale, high = 0.62 * ORDINARY_TEXT * context.scale;
+  LegendEntry bar;
+  bar.text = "ft";
+  bar.room = (count - 0.25) * field;
+  for (int i = 1; i < count; ++i) {
+    K7String text;
+    text.Format(std::abs(first[i].feet) >= 1000 ? "%d,%03d" : "%d",
+                std::abs(first[i].feet) >= 1000 ? first[i].feet / 1000 : first[i].feet,
+                std::abs(first[i].feet) % 1000);
+    bar.marks.push_back(
+        {std::string(text),
+         (i - 0.25) * field,
+         {.size = 0.75 * ORDINARY_TEXT * context.scale, .align = Align::Centre, .halo = true}});
+  }
+  const std::vector<HeightTint> tints(first, first + count);
+  bar.draw = [tints, field, high, &theme = context.theme, scale = context.scale](K7Grfx& g, double x,
+                                                                                 double y) {
+    const double left = x - field / 4;
+    for (size_t i = 0; i < tints.size(); ++i) {
+      const double from = left + static_cast<double>(i) * field;
+      UseFill(g, {.fill = tints[i].color});
+      Rectangle(g, from, y - high, from + field, y + high);
+      g.Fill();
+    }
+    UseLine(g, theme[ThemeItem::Neatline], 0.5 * scale);
+    Rectangle(g, left, y - high, left + static_cast<double>(tints.size()) * field, y + high);
+    g.Stroke();
+  };
+  return bar;
 }
 
 }  // namespace
-
-std::string TerrainLayer::Load(Progress& progress) {
-  progress.Step("reading terrain");
-  std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(m_folder, error)) {
-    int resolution = 0;
-    if (entry.path().extension() != ".ter" ||
-        std::sscanf(entry.path().filename().string().c_str(), "%d_", &resolution) != 1 || resolution < 1)
-      continue;
-    auto region = std::make_unique<K7TerRegion>();
-    if (const int code = region->Read(entry.path().string().c_str()); code != 0) {
-      const char* const why = K7ErrorString::ErrorString(code);
-      return "cannot read " + entry.path().string() + ": " + (why ? why : "damaged");
-    }
-    m_regions.push_back({resolution, std::move(region)});
-  }
-  if (error) return "cannot read the folder " + m_folder + ": " + error.message();
-  return m_regions.empty() ? "there are no region files (.ter) in " + m_folder : "";
-}
 
 // The coarsest that has a post for every two pixels, else the finest.
 int TerrainLayer::ResolutionFor(const K7MapView& view) const {
   const double wanted = 60 / view.NMPerPixel() / 2;
   int best = 0;
-  for (const Region& region : m_regions) {
-    const bool isEnough = region.resolution >= wanted, wasEnough = best >= wanted;
-    if (isEnough != wasEnough ? isEnough : isEnough ? region.resolution < best : region.resolution > best)
-      best = region.resolution;
-  }
+  for (const int resolution : m_files.Resolutions())
+    if (best == 0 || resolution >= wanted) best = resolution;
   return best;
-}
-
-void TerrainLayer::AddTiles(const K7TerRegion& region, const K7ChartRect& extent) {
-  for (int row = 0; row < region.RowCount(); ++row)
-    for (int column = 0; column < region.ColCount(); ++column) {
-      K7TerTile* const tile = region.Tile(row, column);
-      if (tile && extent.AreaIn(tile->GetChartRect())) m_shown->AddTileForMerge(tile);
-    }
 }
 
 void TerrainLayer::Prepare(const LayerContext& context) {
   m_shown.reset();
-  if (!context.theme[Item()].ShowsAt(context.view.NMPerPixel())) return;
-  int32_t metres[std::size(TINTS)];
-  K7Color colors[std::size(TINTS)];
-  const double brightness = Brightness(context.theme);
-  for (size_t i = 0; i < std::size(TINTS); ++i) {
-    metres[i] = TINTS[i].metres;
-    colors[i] = Scaled(TINTS[i].color, brightness);
+  m_isSeen = false;
+  const ThemeEntry& look = context.theme[Item()];
+  if (!look.ShowsAt(context.view.NMPerPixel())) return;
+  int32_t metres[std::tuple_size_v<decltype(look.tints.rows)>];
+  K7Color colors[std::size(metres)];
+  for (size_t i = 0; i < std::size(metres); ++i) {
+    const auto& [feet, color] = look.tints.rows[i];
+    metres[i] = static_cast<int32_t>(std::lround(feet / FEET_PER_METRE));
+    colors[i] = {color.red, color.green, color.blue, color.alpha};
   }
-  m_params.ColorMap().Init(static_cast<int>(std::size(TINTS)), metres, colors);
+  m_params.ColorMap().Init(look.tints.count, metres, colors);
   // Gentle slopes of wide views would hardly show.
   m_params.m_exaggeration = std::clamp(context.view.NMPerPixel() * 12, 1.0, 8.0);
   m_params.m_deepDarkening = 0;
-  m_shown = std::make_unique<K7TerTileEX>();
   const int resolution = ResolutionFor(context.view);
-  const K7ChartRect extent = context.view.GetExtent();
-  for (const Region& region : m_regions)
-    if (region.resolution == resolution) AddTiles(*region.region, extent);
-  if (m_shown->MergeCount() == 0 || m_shown->MergeTiles() != 0 || m_shown->InitBoundary() != 0)
+  m_shown = std::make_unique<K7TerTileEX>();
+  for (K7TerTile* const tile : m_files.TilesIn(resolution, context.view.GetExtent()))
+    m_shown->AddTileForMerge(tile);
+  if (m_shown->MergeCount() == 0 || m_shown->MergeTiles() != 0 ||
+      !SmoothTwice(*m_shown, PassesFor(60.0 / resolution / context.view.NMPerPixel())))
     m_shown.reset();
 }
 
 void TerrainLayer::DrawAreas(const LayerContext& context, K7MapPath&, K7Grfx& g) {
-  if (m_shown) m_shown->Render(&g, context.view, m_params);
+  m_isSeen = m_shown && DrawFadingRelief(*m_shown, context.view, m_params, FADE * context.scale, g);
+}
+
+void TerrainLayer::AddToLegend(const LayerContext& context, std::vector<LegendEntry>& legend) const {
+  if (!m_isSeen) return;
+  const HeightTints& tints = context.theme[Item()].tints;
+  const Heights heights = HeightsIn(*m_shown, context.view);
+  int first = 0, last = tints.count - 1;
+  while (first < last && tints.rows[static_cast<size_t>(first) + 1].feet <= heights.low) ++first;
+  while (first < last && tints.rows[static_cast<size_t>(last)].feet > heights.high) --last;
+  // One tint alone has no limit to write a number at.
+  if (heights.low <= heights.high && first < last)
+    legend.push_back(TintBar(context, tints.rows.data() + first, last - first + 1));
 }

@@ -77,9 +77,11 @@ void DrawLegend(cairo_t* cairo, const ChartWindow& window, double size, const Ch
   int line = 0;
   const auto place = [&](const LegendEntry& entry) {
     const double baseline = top + line * size * MARGIN_LINE;
-    const Label label = {entry.text, x + TEXT * size, baseline, {.size = size * 0.85}};
+    const Label label = {entry.text, x + TEXT * size + entry.room, baseline, {.size = size * 0.85}};
     const PixelBox text = plan.BoxOf(label), whole = {x - STEP * size, text.top, text.right, text.bottom};
     if (text.right > window.width || !plan.IsFree(whole) || !plan.Offer(label)) return false;
+    for (const LegendMark& mark : entry.marks)
+      plan.Offer({mark.text, x + SYMBOL * size + mark.x, baseline, mark.lettering});
     plan.Keep(whole);
     entry.draw(g, x + SYMBOL * size, baseline - 0.32 * size);
     x = text.right + 2 * STEP * size;
