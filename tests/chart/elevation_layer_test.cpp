@@ -13,7 +13,8 @@
 
 namespace {
 
-// FAA, Aeronautical Chart Users' Guide, Maximum Elevation Figures: an obstacle of 2424 ft, a peak of 13161 ft.
+// FAA, Aeronautical Chart Users' Guide, Maximum Elevation Figures: an obstacle of 2424 ft, a peak of 13161
+// ft.
 TEST(ElevationFigure, PublishedExamples) {
   EXPECT_EQ(MaximumElevationFigure({2000, SOURCE_ERROR}, 2424), 2600);
   EXPECT_EQ(MaximumElevationFigure({13161, SOURCE_ERROR}, {}), 13500);
@@ -31,7 +32,8 @@ TEST(ElevationFigure, IsNeverBelowTheGridThatTheSampleIsMadeOf) {
   ASSERT_TRUE(csv);
   double lat, lon, metres;
   EXPECT_EQ(std::fscanf(csv, "%*[^\n]"), 0);
-  while (std::fscanf(csv, "%lf,%lf,%lf", &lat, &lon, &metres) == 3) grid.push_back({lat, lon, metres / 0.3048});
+  while (std::fscanf(csv, "%lf,%lf,%lf", &lat, &lon, &metres) == 3)
+    grid.push_back({lat, lon, metres / 0.3048});
   std::fclose(csv);
   ASSERT_EQ(grid.size(), 91u * 120u);
   const auto highest = [&](const GraticuleCell& cell, double beyond) {
@@ -52,8 +54,9 @@ TEST(ElevationFigure, IsNeverBelowTheGridThatTheSampleIsMadeOf) {
       EXPECT_TRUE(found->feet <= 0 || found->feet + found->error >= highest(cell, 0) + 100)
           << cell.south << ' ' << cell.west;
     }
-  for (const GraticuleCell& beyond : {GraticuleCell{49.5, -124, 0.75, 0.5}, GraticuleCell{49, -121.5, 0.5, 0.5},
-                                      GraticuleCell{-90, 0, 1, 1}, GraticuleCell{90, 179, 1, 2}})
+  for (const GraticuleCell& beyond :
+       {GraticuleCell{49.5, -124, 0.75, 0.5}, GraticuleCell{49, -121.5, 0.5, 0.5},
+        GraticuleCell{-90, 0, 1, 1}, GraticuleCell{90, 179, 1, 2}})
     EXPECT_FALSE(HighestTerrain(files, beyond)) << beyond.south;
 }
 
@@ -68,11 +71,11 @@ TEST(ElevationFigure, PeaksOfCellsAcrossTilesRegionsAnd180) {
   std::vector<std::vector<int>> posts(2 * N, std::vector<int>(4 * N));
   std::vector<Peak> peaks;
   for (int i = 0; i < 60; ++i) {
-    const int row = 2 * (static_cast<int>(bits()) & 0x3F) + 20, column = 2 * static_cast<int>(bits() % (2 * N));
+    const int row = 2 * (static_cast<int>(bits()) & 0x3F) + 20,
+              column = 2 * static_cast<int>(bits() % (2 * N));
     posts[static_cast<size_t>(row)][static_cast<size_t>(column)] = 100 + 10 * i;
-    std::erase_if(peaks, [&](const Peak& p) {
-      return p.lat == 30 + (row + 0.5) / N && p.east == (column + 0.5) / N;
-    });
+    std::erase_if(
+        peaks, [&](const Peak& p) { return p.lat == 30 + (row + 0.5) / N && p.east == (column + 0.5) / N; });
     peaks.push_back({30 + (row + 0.5) / N, (column + 0.5) / N, 100 + 10 * i});
   }
   constexpr int HOLE_ROW = 200, HOLE_COLUMN = 2 * N + 5;
@@ -87,16 +90,19 @@ TEST(ElevationFigure, PeaksOfCellsAcrossTilesRegionsAnd180) {
   TerrainFiles files;
   ASSERT_EQ(files.Load(folder.Path(), progress), "");
   for (int i = 0; i < 200; ++i) {
-    const double south = 30 + static_cast<double>(bits() % 90) / 60, east = static_cast<double>(bits() % 210) / 60;
-    const double height = static_cast<double>(1 + bits() % 30) / 60, width = static_cast<double>(1 + bits() % 30) / 60;
+    const double south = 30 + static_cast<double>(bits() % 90) / 60,
+                 east = static_cast<double>(bits() % 210) / 60;
+    const double height = static_cast<double>(1 + bits() % 30) / 60,
+                 width = static_cast<double>(1 + bits() % 30) / 60;
     const auto meets = [](double at, double from, double length) {
       return at > from - 0.5 / N - 1e-9 && at < from + length + 0.5 / N + 1e-9;
     };
     int metres = 0;
     for (const Peak& peak : peaks)
-      if (meets(peak.lat, south, height) && meets(peak.east, east, width)) metres = std::max(metres, peak.metres);
-    const bool isHoleBeside = meets(30 + (HOLE_ROW + 0.5) / N, south, height) &&
-                              meets((HOLE_COLUMN + 0.5) / N, east, width);
+      if (meets(peak.lat, south, height) && meets(peak.east, east, width))
+        metres = std::max(metres, peak.metres);
+    const bool isHoleBeside =
+        meets(30 + (HOLE_ROW + 0.5) / N, south, height) && meets((HOLE_COLUMN + 0.5) / N, east, width);
     const bool isHoleWithin = HOLE_ROW > (south - 30) * N && HOLE_ROW + 1 < (south + height - 30) * N &&
                               HOLE_COLUMN > east * N && HOLE_COLUMN + 1 < (east + width) * N;
     const std::optional<TerrainHeight> found = HighestTerrain(files, {south, 178 + east, height, width});
@@ -143,7 +149,8 @@ TEST_F(ChartTest, FiguresStandInTheirCellsAtScalesOfSectionalCharts) {
     const GraticuleCell* own = nullptr;
     const std::vector<GraticuleCell> cells = graticule.Cells();
     for (const GraticuleCell& cell : cells)
-      if (lat > cell.south && lat < cell.south + cell.height && lon > cell.west && lon < cell.west + cell.width)
+      if (lat > cell.south && lat < cell.south + cell.height && lon > cell.west &&
+          lon < cell.west + cell.width)
         own = &cell;
     ASSERT_TRUE(own);
     const bool hasObstacle = 48.9 > own->south && 48.9 < own->south + own->height && -123.6 > own->west &&

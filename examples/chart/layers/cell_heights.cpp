@@ -11,6 +11,7 @@ constexpr int LEAST_RESOLUTION = 120;  // posts per degree: half a mile apart
 constexpr double FEET_PER_METRE = 1 / 0.3048;
 constexpr int UNCHARTED_OBSTACLES = 200;  // feet
 constexpr double TOLERANCE = 1e-6;        // of a post's ground
+constexpr double MOST_POSTS = 1 << 26;    // of a cell
 
 double Turned(double lon) {
   const double turned = std::remainder(lon, 360);
@@ -40,7 +41,10 @@ class CellScan {
     const double rowStep = (bounds.North() - bounds.South()) / tile.RowCount();
     const double columnStep = width / tile.ColCount();
     const K7TerMeshHold hold(tile);
-    if (!hold.Rows() || !(rowStep > 0 && columnStep > 0)) return;
+    // Headers are believed as they stand in the file.
+    const bool isOnEarth = rowStep > 0 && bounds.South() > -100 && bounds.North() < 100 && width > 0 &&
+                           width < 400 && std::fabs(bounds.West()) < 400;
+    if (!hold.Rows() || !isOnEarth) return;
     // From the tile's western edge the cell lies to the east, the long way round, or begins west of it.
     const double east = m_cell.west - bounds.West() - 360 * std::floor((m_cell.west - bounds.West()) / 360);
     const double south = m_cell.south - bounds.South();
@@ -122,6 +126,7 @@ std::optional<TerrainHeight> HighestTerrain(const TerrainFiles& files, const Gra
   TerrainHeight highest{4 * K7_NO_ELEV, 0};
   for (const int resolution : files.Resolutions()) {
     if (resolution < LEAST_RESOLUTION) break;
+    if (cell.height * resolution * cell.width * resolution > MOST_POSTS) continue;
     CellScan scan(cell, resolution);
     for (const K7TerTile* const tile : files.TilesIn(resolution, AreaOf(cell, 1.0 / resolution)))
       scan.Take(*tile);

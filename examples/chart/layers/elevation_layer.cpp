@@ -35,7 +35,8 @@ bool IsInCell(const K7MapView& view, const GraticuleCell& cell, const PixelBox& 
       double lat, lon;
       if (!view.FromDevice(x, y, lat, lon)) return false;
       const double east = lon - cell.west - 360 * std::floor((lon - cell.west) / 360);
-      if (!(lat > cell.south && lat < cell.south + cell.height && east > 0 && east < cell.width)) return false;
+      if (!(lat > cell.south && lat < cell.south + cell.height && east > 0 && east < cell.width))
+        return false;
     }
   return true;
 }

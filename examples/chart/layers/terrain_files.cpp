@@ -1,6 +1,7 @@
 #include "layers/terrain_files.h"
 
 #include <k7/foundation/error_string.h>
+#include <k7/terrain/terrain.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -9,12 +10,14 @@
 
 namespace {
 
+const int FINEST = K7TerrainK7::LevelResolution(K7TerrainK7::LEVELS - 1);
+
 // "120_N30W150.ter" has 120 posts per degree; 0 for what is no region file.
 int ResolutionOf(const std::filesystem::path& path) {
   int resolution = 0;
-  const bool isRegion = path.extension() == ".ter" &&
-                        std::sscanf(path.filename().string().c_str(), "%d_", &resolution) == 1;
-  return isRegion ? std::max(resolution, 0) : 0;
+  const bool isRegion =
+      path.extension() == ".ter" && std::sscanf(path.filename().string().c_str(), "%d_", &resolution) == 1;
+  return isRegion && resolution > 0 && resolution <= FINEST ? resolution : 0;
 }
 
 }  // namespace
