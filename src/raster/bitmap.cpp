@@ -60,14 +60,13 @@ int K7Bitmap::Create(int width, int height, int bits) {
 
 int K7Bitmap::Populate(int width, int height, int bits, const void* pixels, ptrdiff_t stride,
                        const K7Color* palette, int colors) {
-  Clear();
-  if (!pixels || colors < 0 || (colors > 0 && !palette)) return K7_ERR_BAD_ARGUMENT;
-  if (const int err = Create(width, height, bits)) return err;
+  // The rows may be this bitmap's own.
+  K7Bitmap old;
+  Swap(old);
   const int64_t packed = PackedBytes(width, bits);
-  if (height > 1 && stride < packed && stride > -packed) {
-    Clear();
-    return K7_ERR_BAD_ARGUMENT;
-  }
+  const bool overlap = height > 1 && stride < packed && stride > -packed;
+  if (!pixels || colors < 0 || (colors > 0 && !palette) || overlap) return K7_ERR_BAD_ARGUMENT;
+  if (const int err = Create(width, height, bits)) return err;
   for (int y = 0; y < height; ++y)
     std::memcpy(Row(y), static_cast<const uint8_t*>(pixels) + y * stride, static_cast<size_t>(packed));
   std::copy_n(palette, std::min(colors, PaletteCount()), m_palette);

@@ -134,20 +134,27 @@ bool TakePalette(Cursor& in, const Header& header, size_t position, K7Bitmap& bi
   return true;
 }
 
-void StoreMasked(const Header& header, const unsigned char* from, uint8_t* row) {
-  const uint32_t* masks = header.masks;
-  constexpr uint32_t MASKS_555[4] = {0x7C00, 0x03E0, 0x001F, 0};
-  if (header.compression == RGB) masks = MASKS_555;
+struct Channels {
+  explicit Channels(const Header& header) {
+    constexpr uint32_t MASKS_555[4] = {0x7C00, 0x03E0, 0x001F, 0};
+    const uint32_t* const masks = header.compression == RGB ? MASKS_555 : header.masks;
+    red.Init(masks[0], 0);
+    green.Init(masks[1], 0);
+    blue.Init(masks[2], 0);
+    alpha.Init(masks[3], 255);
+  }
+  K7Color Of(uint32_t pixel) const {
+    return {red.Of(pixel), green.Of(pixel), blue.Of(pixel), alpha.Of(pixel)};
+  }
   Channel red, green, blue, alpha;
-  red.Init(masks[0], 0);
-  green.Init(masks[1], 0);
-  blue.Init(masks[2], 0);
-  alpha.Init(masks[3], 255);
+};
+
+void StoreMasked(const Header& header, const Channels& channels, const unsigned char* from, uint8_t* row) {
   const size_t step = header.bits / 8u;
   for (int x = 0; x < header.width; ++x, from += step, row += 4) {
     uint32_t pixel = 0;
     std::memcpy(&pixel, from, step);
-    const K7Color color(red.Of(pixel), green.Of(pixel), blue.Of(pixel), alpha.Of(pixel));
+    const K7Color color = channels.Of(pixel);
     std::memcpy(row, &color, sizeof color);
   }
 }
@@ -162,13 +169,14 @@ void SettleAlpha(int alpha, K7Bitmap& bitmap) {
 
 int StoreRows(const Header& header, Cursor& in, int alpha, K7Bitmap& bitmap) {
   const bool masked = header.bits == 16 || header.compression != RGB;
+  const Channels channels(header);
   const size_t rowBytes = static_cast<size_t>((int64_t{header.width} * header.bits + 31) / 32 * 4);
   for (int i = 0; i < header.height; ++i) {
     const unsigned char* const from = in.Skip(rowBytes);
     if (!from) return K7_ERR_INVALID_DATA;
     uint8_t* const row = bitmap.Row(header.topDown ? i : header.height - 1 - i);
     if (masked)
-      StoreMasked(header, from, row);
+      StoreMasked(header, channels, from, row);
     else
       std::memcpy(row, from, rowBytes);
   }

@@ -1,6 +1,7 @@
 #include "raster/gif_lzw.h"
 #include "raster/load.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -92,10 +93,16 @@ int DecodePixels(Cursor& in, unsigned char* file, const Image& image, k7raster::
   return pixels.Decode(file, size, minBits, static_cast<size_t>(count));
 }
 
-void StoreRows(const Image& image, const uint8_t* pixels, K7Bitmap& bitmap) {
+// Pixels that an early end code leaves out stay 0. A short file may have millions of them in each of many
+// images, so none is touched before its image is the one that is wanted.
+void StoreRows(const Image& image, const k7raster::GifPixels& pixels, K7Bitmap& bitmap) {
+  const uint8_t* from = pixels.Data();
+  size_t left = pixels.Count();
   const auto store = [&](int y) {
-    std::memcpy(bitmap.Row(y), pixels, image.width);
-    pixels += image.width;
+    const size_t count = std::min<size_t>(image.width, left);
+    std::memcpy(bitmap.Row(y), from, count);
+    from += count;
+    left -= count;
   };
   if (!image.interlaced) {
     for (int y = 0; y < image.height; ++y) store(y);
@@ -105,7 +112,7 @@ void StoreRows(const Image& image, const uint8_t* pixels, K7Bitmap& bitmap) {
     for (int y = FIRST_ROW[pass]; y < image.height; y += ROW_STEP[pass]) store(y);
 }
 
-int MakeBitmap(const Image& image, const uint8_t* pixels, int transparent, K7Bitmap& bitmap) {
+int MakeBitmap(const Image& image, const k7raster::GifPixels& pixels, int transparent, K7Bitmap& bitmap) {
   if (const int err = bitmap.Create(image.width, image.height, 8)) return err;
   for (int i = 0; i < 256; ++i) {
     const uint8_t* const bgr = image.table.entries[i];
@@ -145,7 +152,7 @@ int DecodeGIF(k7read::Block& file, int wanted, K7Bitmap& bitmap) {
     if (block != wanted) continue;
     // The file is no longer needed, and large ones make room for the bitmap.
     file.Alloc(0);
-    return MakeBitmap(image, pixels.Data(), transparent, bitmap);
+    return MakeBitmap(image, pixels, transparent, bitmap);
   }
 }
 

@@ -84,9 +84,9 @@ class Decoder {
       else if (!Put(code))
         return false;
     }
-    std::memset(m_buffer + m_pos, 0, m_end - m_pos);
     return true;
   }
+  size_t End() const { return m_pos; }
 
  private:
   void Reset() {
@@ -149,5 +149,7 @@ int k7raster::GifPixels::Decode(const uint8_t* codes, size_t size, int minBits, 
   m_buffer = static_cast<uint8_t*>(std::malloc(HEAD + count + MAX_CODES + PIECE));
   if (!m_buffer) return K7_ERR_MEMORY;
   Decoder decoder(m_buffer, HEAD, count, minBits);
-  return decoder.Run(CodeReader(codes, size)) ? 0 : K7_ERR_INVALID_DATA;
+  const bool isWhole = decoder.Run(CodeReader(codes, size));
+  m_count = decoder.End() - HEAD;
+  return isWhole ? 0 : K7_ERR_INVALID_DATA;
 }

@@ -2,14 +2,18 @@
 #include "raster/png_memory.h"
 
 #include <algorithm>
+#include <climits>
 #include <csetjmp>
+#include <memory>
 
 namespace {
 
-// What libpng reads from and decodes to. It leaves by longjmp, past functions that hold nothing.
+// What libpng reads from and decodes to. It leaves by longjmp, past functions that hold nothing. Files of
+// noise are large: they come piece by piece, into memory that is warm.
 struct PngReader {
   k7raster::PngMemory memory;
-  k7read::Cursor in;
+  K7File* file = nullptr;
+  int64_t left = 0;  // bytes of the file
   K7Bitmap* bitmap = nullptr;
   png_structp png = nullptr;
   png_infop info = nullptr;
@@ -22,9 +26,13 @@ void Warn(png_structp, png_const_charp) {}
 
 void TakeBytes(png_structp png, png_bytep to, size_t n) {
   PngReader& reader = *static_cast<PngReader*>(png_get_io_ptr(png));
-  const unsigned char* const from = reader.in.Skip(n);
-  if (!from) png_error(png, "cut short");
-  std::copy_n(from, n, to);
+  if (n == 0) return;
+  if (n > INT_MAX || static_cast<int64_t>(n) > reader.left) png_error(png, "cut short");
+  reader.left -= static_cast<int64_t>(n);
+  if (const int err = k7read::Exact(reader.file, to, static_cast<int>(n))) {
+    reader.err = err;
+    png_error(png, "not read");
+  }
 }
 
 // Greys of up to 8 bits are a palette of as many.
@@ -102,8 +110,9 @@ bool Run(PngReader& reader) {
   return true;
 }
 
-int DecodePNG(k7read::Block& file, int, K7Bitmap& bitmap) {
-  PngReader reader{{}, k7read::Cursor(file.Bytes(), file.Size()), &bitmap};
+int DecodePNG(K7File* file, K7Bitmap& bitmap) {
+  PngReader reader{{}, file, k7read::BytesLeft(file), &bitmap};
+  if (reader.left < 0) return K7_ERR_FILE_IO;
   reader.png = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, nullptr, Fail, Warn, &reader.memory,
                                         k7raster::PngAllocate, k7raster::PngFree);
   if (reader.png) reader.info = png_create_info_struct(reader.png);
@@ -119,4 +128,12 @@ int DecodePNG(k7read::Block& file, int, K7Bitmap& bitmap) {
 
 }  // namespace
 
-int K7Bitmap::ReadPNG(const char* path) { return k7raster::Load(path, DecodePNG, 0, *this); }
+int K7Bitmap::ReadPNG(const char* path) {
+  Clear();
+  K7File* opened = nullptr;
+  if (const int err = k7raster::Open(path, "rb", opened)) return err;
+  const std::unique_ptr<K7File> file(opened);
+  const int err = DecodePNG(opened, *this);
+  if (err != 0) Clear();
+  return err;
+}

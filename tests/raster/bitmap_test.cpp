@@ -235,6 +235,24 @@ TEST(Bitmap, GifBlocksAreCountedAndRowsInterlaced) {
   EXPECT_EQ(bitmap.GetTransparentPixel(), -1);
 }
 
+// 3 x 2 pixels; clear, 2, end of 3 bits each.
+TEST(Bitmap, GifPixelsBehindAnEarlyEndAreZero) {
+  Bytes bytes = {'G', 'I', 'F', '8', '9', 'a', 3, 0, 2, 0, 0, 0, 0, '!', 1, 0};
+  bytes.insert(bytes.end(), {',', 0, 0, 0, 0, 3, 0, 2, 0, 0, 2, 2, 4 | 2 << 3 | (5 & 3) << 6, 1, 0});
+  K7Bitmap bitmap;
+  ASSERT_EQ(ReadBytes(bitmap, bytes), 0);
+  for (int i = 0; i < 6; ++i) EXPECT_EQ(bitmap.GetValue(i % 3, i / 3), i == 0 ? 2u : 0u) << i;
+}
+
+TEST(Bitmap, PopulatesFromItsOwnRows) {
+  K7Bitmap bitmap;
+  const K7Color rows[3] = {K7Color(1, 2, 3), K7Color(4, 5, 6), K7Color(7, 8, 9)};
+  ASSERT_EQ(bitmap.Populate(1, 3, 32, rows, 4), 0);
+  ASSERT_EQ(bitmap.Populate(1, 2, 32, bitmap.Row(2), -4), 0);
+  EXPECT_EQ(bitmap.GetPixel(0, 0), rows[2]);
+  EXPECT_EQ(bitmap.GetPixel(0, 1), rows[1]);
+}
+
 TEST(Bitmap, ClaimsBeyondTheLimitTakeNoMemory) {
   const int64_t before = K7Bitmap::MaxPixels();
   K7Bitmap::SetMaxPixels(37 * 23 - 1);

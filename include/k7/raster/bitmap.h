@@ -40,7 +40,8 @@ class K7_API K7Bitmap {
   /// the transparent pixel.
   virtual int ReadGIF(const char* path, int block);
   /// Reads a PNG: palettes and greys of up to 8 bits as 8 bits, all else as 24 bits, with any alpha as 32.
-  /// Samples of 16 bits are rounded to 8. Gamma is not applied.
+  /// Samples of 16 bits are rounded to 8. Gamma is not applied. Images more than a million pixels wide or
+  /// high are K7_ERR_INVALID_DATA: a row takes memory before it is known to be there.
   virtual int ReadPNG(const char* path);
   /// Reads a PCX of up to 8 bits a pixel, in one plane or spread over up to four, as 8 bits; of three and
   /// four planes of 8 bits as 24 and 32.
@@ -48,9 +49,10 @@ class K7_API K7Bitmap {
   /// Answers K7_ERR_NOT_IMPLEMENTED.
   virtual int ReadJPEG(const char* path);
   /// Writes an uncompressed BMP, an image of 32 bits with 24 when `to24` is set. Palettes lose their alpha.
-  /// Answers 0, K7_ERR_BITMAP for an empty bitmap, or K7_ERR_FILE_IO, which may leave a part of the file.
+  /// Answers 0, K7_ERR_BITMAP for an empty bitmap, K7_ERR_MEMORY, or K7_ERR_FILE_IO, which may leave a part
+  /// of the file.
   virtual int WriteBMP(const char* path, bool to24) const;
-  /// Writes a PNG of the same depth, with alpha and transparent pixel. Codes as above, and K7_ERR_MEMORY.
+  /// Writes a PNG of the same depth, with alpha and transparent pixel. Codes as above.
   virtual int WritePNG(const char* path) const;
   /// @}
 
@@ -60,8 +62,8 @@ class K7_API K7Bitmap {
   /// K7_ERR_BAD_ARGUMENT for a width or height below 1 or bits other than those above.
   int Create(int width, int height, int bits);
   /// Makes an image of the rows at `pixels`, packed as the bitmap's own: from the top, `stride` bytes apart
-  /// (negative when the top row lies last in memory). `palette` gives the first `colors` entries.
-  /// K7_ERR_BAD_ARGUMENT as above, and for null or rows that overlap.
+  /// (negative when the top row lies last in memory). `palette` gives the first `colors` entries. The rows
+  /// may be this bitmap's own. K7_ERR_BAD_ARGUMENT as above, and for null or rows that overlap.
   int Populate(int width, int height, int bits, const void* pixels, ptrdiff_t stride,
                const K7Color* palette = nullptr, int colors = 0);
   void Clear();
