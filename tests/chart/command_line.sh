@@ -47,8 +47,8 @@ says ne_110m_land.shp help draw
 says '^k7chart [0-9]*\.[0-9]*\.[0-9]*$' --version
 says '^132,559  off the map$' pick 132,559 --projection lambert --center 0,0 --range 5000 --size 301x701
 says 'X,Y' pick --help
-says 'each from 200 to 16000 (default' help pick
-says 'each from 450 to 16000 (default' help gallery
+says 'each from 200 to 16000' help pick
+says 'each from 450 to 16000' help gallery
 
 # Words of a help stand in lines of 80 characters, each as full as it goes.
 "$chart" help draw | awk 'length > 80 { exit 1 }
@@ -272,6 +272,11 @@ refuses "unexpected argument ''" draw ""
 refuses "no verb ''" ""
 refuses "unknown option '-x' (see k7chart pick --help)" pick -x
 refuses "has no layers" --data empty --layer land
+refuses "'no.png': No such file" --underlay no.png
+refuses "needs --underlay" --underlay-bounds 1,2,3,4
+for bounds in 1,2,3 1,2,3,4,5 1,4,3,2 3,2,3,4 1,2,181,4 1,2,3,x; do
+  refuses "not '$bounds'" --underlay chart.png --underlay-bounds $bounds
+done
 refuses nan --range nan
 refuses 1600 --size 1600
 refuses "has land, rivers, borders" --layer volcanoes

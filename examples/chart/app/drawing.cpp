@@ -4,6 +4,7 @@
 #include "ink/pen.h"
 #include "layers/earth_layer.h"
 #include "layers/shape_layer.h"
+#include "layers/underlay_layer.h"
 #include "sheet/page.h"
 
 #include <algorithm>
@@ -50,6 +51,12 @@ std::unique_ptr<Layer> LayerStack::Make(const LayerRequest& request, const Layer
       return m_nav.Make(request.item, options, problem);
     case LayerSource::Sets:
       break;
+  }
+  if (request.item == ThemeItem::Underlay) {
+    auto underlay =
+        std::make_unique<UnderlayLayer>(request.path, options.underlayBounds.value_or(UnderlayBounds()));
+    problem = underlay->Load(progress);
+    return underlay;
   }
   auto layer = std::make_unique<ShapeLayer>(request.item, request.path);
   problem = layer->Load(progress);

@@ -5,8 +5,10 @@
 #include "layers/terrain_files.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 
 namespace {
 
@@ -41,6 +43,29 @@ std::string SetMagnetic(const char* text, LayerOptions& options) {
 
 std::string SetTerrain(const char* text, LayerOptions& options) {
   options.terrain = text;
+  return {};
+}
+
+std::string SetUnderlay(const char* text, LayerOptions& options) {
+  options.underlay = text;
+  return {};
+}
+
+std::string SetUnderlayBounds(const char* text, LayerOptions& options) {
+  double edges[4];
+  std::string_view left = text;
+  bool isRead = true;
+  for (double& edge : edges) {
+    const bool isLast = &edge == edges + 3;
+    const size_t end = isLast ? left.size() : std::min(left.find(','), left.size());
+    isRead = isRead && ReadNumber(left.substr(0, end), edge);
+    left.remove_prefix(std::min(end + 1, left.size()));
+  }
+  const auto [west, south, east, north] = edges;
+  if (!isRead || !(std::abs(west) <= 180 && std::abs(east) <= 180 && west != east) ||
+      !(south >= -90 && south < north && north <= 90))
+    return "bounds are WEST,SOUTH,EAST,NORTH in degrees, as -125.5,47,-121,50, not " + Quoted(text);
+  options.underlayBounds = {west, south, east, north};
   return {};
 }
 
@@ -81,6 +106,16 @@ constexpr OptionRow<LayerOptions> DATA_OPTIONS[] = {
      "figures (default: the folder terrain of the data folder, or else that of the sample); none leaves both "
      "out",
      SetTerrain},
+    {"--underlay", "IMAGE",
+     "a picture of the whole world to draw under the map instead of its land and water: PNG, BMP, GIF or "
+     "PCX, its "
+     "rows of equal latitude from the north pole down, its columns of equal longitude from 180 west; what is "
+     "transparent in it shows the map",
+     SetUnderlay},
+    {"--underlay-bounds", "BOX",
+     "what the picture shows where it is not the whole world: WEST,SOUTH,EAST,NORTH in degrees, as "
+     "-125.5,47,-121,50; across 180 degrees its west is the larger",
+     SetUnderlayBounds},
 };
 
 // Empty, or what is wrong.
@@ -106,12 +141,25 @@ std::string Find(const std::string& name, const std::string& folder, const DataS
 bool HasSource(const LayerRow& row, const LayerOptions& options) {
   switch (row.source) {
     case LayerSource::Terrain:
+      // Relief would cover a picture.
+      if (row.item == ThemeItem::Terrain && !options.underlay.empty() && options.terrain.empty()) return false;
       return !TerrainFolder(options).empty();
     case LayerSource::Navigation:
       return !options.nav.empty();
     default:
       return true;
   }
+}
+
+// A picture lies under the relief; without that it covers all land and water.
+void AddUnderlay(const LayerOptions& options, std::vector<LayerRequest>& layers) {
+  if (options.underlay.empty()) return;
+  const auto isTerrain = [](const LayerRequest& layer) { return layer.item == ThemeItem::Terrain; };
+  const bool hasTerrain = std::any_of(layers.begin(), layers.end(), isTerrain);
+  const ThemeItem covered = hasTerrain ? ThemeItem::Land : ThemeItem::LakeLines;
+  const auto above = std::find_if(layers.begin(), layers.end(),
+                                  [&](const LayerRequest& layer) { return layer.item > covered; });
+  layers.insert(above, {ThemeItem::Underlay, options.underlay});
 }
 
 }  // namespace
@@ -137,6 +185,7 @@ void AddDataOptions(OptionTable& table, LayerOptions& options) { table.Add(DATA_
 
 std::string FindLayers(const LayerOptions& options, const DataScale& scale,
                        std::vector<LayerRequest>& layers) {
+  if (options.underlayBounds && options.underlay.empty()) return "--underlay-bounds needs --underlay";
   for (const std::string& name : options.names) {
     LayerRequest request;
     if (std::string problem = Find(name, options.folder, scale, request); !problem.empty()) return problem;
@@ -148,11 +197,15 @@ std::string FindLayers(const LayerOptions& options, const DataScale& scale,
   // As the table has them, whatever order they were asked for in: land would cover the lakes.
   std::stable_sort(layers.begin(), layers.end(),
                    [](const LayerRequest& a, const LayerRequest& b) { return a.item < b.item; });
-  if (!options.names.empty()) return {};
+  if (!options.names.empty()) {
+    AddUnderlay(options, layers);
+    return {};
+  }
   if (LayersIn(options.folder).empty()) return "no map data in the folder " + Quoted(options.folder);
   for (const LayerRow& row : Layers()) {
     std::string path = FindAnySet(options.folder, row, scale);
     if (row.set ? !path.empty() : HasSource(row, options)) layers.push_back({row.item, std::move(path)});
   }
+  AddUnderlay(options, layers);
   return {};
 }

@@ -3,7 +3,9 @@
 
 #include "app_common/option_table.h"
 #include "layers/layer_table.h"
+#include "layers/underlay_layer.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,9 +13,11 @@ struct LayerOptions {
   LayerOptions();
 
   std::string folder;
-  std::string nav;                 // database of navigation data; empty: none
-  std::string magnetic;            // coefficients of the magnetic model
-  std::string terrain;             // folder of region files, "none", or empty: where TerrainFolder looks
+  std::string nav;       // database of navigation data; empty: none
+  std::string magnetic;  // coefficients of the magnetic model
+  std::string terrain;   // folder of region files, "none", or empty: where TerrainFolder looks
+  std::string underlay;  // image file; empty: none
+  std::optional<UnderlayBounds> underlayBounds;
   std::vector<std::string> names;  // as they were asked for; none: all that the folder has
 };
 
@@ -29,7 +33,7 @@ struct LayerRequest {
 
 /// --layer
 void AddLayerOptions(OptionTable& table, LayerOptions& options);
-/// --data, --nav, --magnetic, --terrain
+/// --data, --nav, --magnetic, --terrain, --underlay, --underlay-bounds
 void AddDataOptions(OptionTable& table, LayerOptions& options);
 
 /// The layers of a chart of that scale, each once, from the ground up. Empty, or what is wrong.

@@ -54,6 +54,7 @@ constexpr Row ROWS[] = {
     {"Sea", FILL, {SEA}},
     {"Sky", FILL, {{233, 241, 247, 255}}},
     {"Land", FILL | STROKE | SCALES, {LAND, {69, 107, 133, 255}, 0.9}},
+    {"Underlay", SCALES, {}},
     {"Terrain", TINTS | SCALES, {.tints = DAY_TINTS}},
     {"Lakes", FILL | STROKE | SCALES, {SEA, RIVER, 0.8}},
     {"Rivers", FILL | STROKE | SCALES, {SEA, RIVER, 0.8}},

@@ -17,7 +17,8 @@ enum class ThemeItem {
   Sea,
   Sky,  ///< behind the earth, as a tilted eye sees it
   Land,
-  Terrain,  ///< tints of height and depth
+  Underlay,  ///< the scales at which a picture under the map shows
+  Terrain,   ///< tints of height and depth
   Lakes,
   Rivers,
   LakeLines,  ///< centre lines of lakes among the rivers
