@@ -8,9 +8,11 @@
 #include "layers/navaid_layer.h"
 
 #include "chart/chart_fixture.h"
+#include "support/temp_dir.h"
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <map>
 #include <random>
 #include <set>
@@ -269,6 +271,48 @@ TEST_F(NavPointsTest, PickSaysWhatIsThere) {
   Found kinds;
   for (const LegendEntry& entry : chart.Legend()) kinds.push_back(entry.text);
   EXPECT_EQ(kinds, (Found{"airport", "NDB", "fix"}));
+}
+
+// A picture of 40 x 20 pixels whose right half is transparent, in place of a VOR's symbol.
+TEST_F(NavPointsTest, PicturesStandForSymbols) {
+  TempDir dir;
+  K7Bitmap image;
+  ASSERT_EQ(image.Create(40, 20, 32), 0);
+  for (int i = 0; i < 800; ++i) image.Colors()[i] = K7Color(9, 8, 7, i % 40 < 20 ? 255 : 0);
+  ASSERT_EQ(image.WritePNG((dir / "vor.png").c_str()), 0);
+  std::ofstream(dir / "t.xml") << "<Options><VOR Group=\"Symbols\">vor.png</VOR></Options>";
+  ASSERT_EQ(theme.Read(dir / "t.xml"), "");
+  ASSERT_EQ(theme.Save(dir / "saved.xml"), "");
+  Theme saved;
+  ASSERT_EQ(saved.Read(dir / "saved.xml"), "");
+  EXPECT_EQ(saved, theme);
+  EXPECT_NE(saved, Theme());
+
+  struct ImageGrfx : K7GrfxK7 {
+    using K7GrfxK7::K7GrfxK7;
+    void Image(const uint32_t* p, int w, int h, double l, double t, double r, double b) override {
+      EXPECT_EQ(w * 100 + h, 4020);
+      EXPECT_EQ(p[0], 0xFF090807);
+      boxes.insert(boxes.end(), {l, t, r, b});
+    }
+    std::vector<double> boxes;
+  } g(WIDTH, HEIGHT);
+  store.AddFix<K7VHFNavaid>(K7NAV_VOR, "ABC", 48, -123).flags = K7VHFNavaid::VOR;
+  ASSERT_EQ(chart.Show({K7_PROJ_LAMBERT, {48, -123}, 60, {}}, WIDTH, HEIGHT, 2), "");
+  ASSERT_EQ(chart.Render(&g), 0);
+  const double x = WIDTH / 2.0, y = HEIGHT / 2.0;
+  ASSERT_EQ(g.boxes.size(), 4u);
+  const double expected[] = {x - 40, y - 20, x + 40, y + 20};
+  for (size_t i = 0; i < 4; ++i) EXPECT_NEAR(g.boxes[i], expected[i], 1e-6);
+  EXPECT_EQ(chart.Pick(x - 38, y + 18).size(), 1u);
+  EXPECT_EQ(chart.Pick(x + 10, y).size(), 0u);
+
+  g.boxes.clear();
+  ASSERT_EQ(chart.Legend().size(), 1u);
+  chart.Legend()[0].draw(g, 100, 100);
+  ASSERT_EQ(g.boxes.size(), 4u);
+  EXPECT_NEAR(g.boxes[2] - g.boxes[0], 32, 1e-9);
+  EXPECT_NEAR(g.boxes[1] + g.boxes[3], 200, 1e-9);
 }
 
 }  // namespace

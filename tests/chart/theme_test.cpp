@@ -100,6 +100,9 @@ TEST_F(ThemeFileTest, SaysWhatIsWrongAndStaysAsItWas) {
       {"<Tints Group=\"Terrain\">0 #12345</Tints>", "'0 #12345'"},
       {"<Tints Group=\"Terrain\">nan #123456</Tints>", "'nan #123456'"},
       {"<Tints Group=\"Terrain\"></Tints>", "Tints of Terrain is"},
+      {"<Moon Group=\"Symbols\">a.png</Moon>", "Symbols has no 'Moon'; it has ToweredAirport, Airport"},
+      {"<VOR Group=\"Symbols\">no.png</VOR>", "no.png': No such file"},
+      {"<VOR Group=\"Symbols\">t.xml</VOR>", "cannot read the image"},
       {"", "nothing"},
   };
   for (const auto& c : cases) {

@@ -1,24 +1,13 @@
 // All lettering of one chart, so that no label covers another or a symbol.
 #pragma once
 
+#include "ink/pixel_box.h"
 #include "ink/text.h"
 
 #include <cairo.h>
 
 #include <string>
 #include <vector>
-
-/// A rectangle of pixels.
-struct PixelBox {
-  double left, top, right, bottom;
-
-  bool Meets(const PixelBox& other) const {
-    return left < other.right && other.left < right && top < other.bottom && other.top < bottom;
-  }
-  bool Holds(const PixelBox& other) const {
-    return left <= other.left && top <= other.top && right >= other.right && bottom >= other.bottom;
-  }
-};
 
 /// A rectangle of pixels that lies aslant, as what is written along a line.
 struct TurnedBox {

@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <iterator>
 #include <sstream>
 #include <vector>
@@ -230,6 +231,23 @@ std::string Names(const Table& table, Wanted wanted) {
   return names;
 }
 
+constexpr const char* SYMBOLS = "Symbols";
+// What the images of a theme may take while they are read: those of many kinds may be one file's.
+constexpr int64_t IMAGE_BYTES = 4 << 20;
+
+// Empty, or what is wrong with the setting of a symbol; `folder` is the theme's.
+std::string TakeSymbol(const K7KeyValue& setting, const std::filesystem::path& folder, K7RasterCache& cache,
+                       SymbolImages& symbols) {
+  std::string names;
+  for (int i = 0; i < SYMBOL_KINDS; ++i) {
+    const SymbolKind kind = static_cast<SymbolKind>(i);
+    if (std::strcmp(setting.key, SymbolKindName(kind)) == 0)
+      return symbols.Read(kind, (folder / std::string(setting.value)).lexically_normal().string(), cache);
+    names += std::string(i ? ", " : "") + SymbolKindName(kind);
+  }
+  return std::string(SYMBOLS) + " has no '" + std::string(setting.key) + "'; it has " + names;
+}
+
 // Empty, or what is wrong with a setting.
 std::string Take(const K7KeyValue& setting, Theme& theme) {
   const std::string group(setting.group), name(setting.key), value(setting.value);
@@ -237,7 +255,7 @@ std::string Take(const K7KeyValue& setting, Theme& theme) {
   while (item < THEME_ITEMS && group != ROWS[item].name) ++item;
   if (item == THEME_ITEMS)
     return "it sets '" + name + "' of '" + group + "', but the groups are " +
-           Names(ROWS, [](const Row&) { return true; });
+           Names(ROWS, [](const Row&) { return true; }) + ", " + SYMBOLS;
   for (const Key& key : KEYS) {
     if (name != key.name || !(ROWS[item].keys & key.bit)) continue;
     if (key.read(value.c_str(), theme[static_cast<ThemeItem>(item)])) return {};
@@ -247,12 +265,16 @@ std::string Take(const K7KeyValue& setting, Theme& theme) {
          Names(KEYS, [item](const Key& key) { return (ROWS[item].keys & key.bit) != 0; });
 }
 
-std::string TakeAll(ThemeFile& file, Theme& theme) {
+std::string TakeAll(ThemeFile& file, const std::filesystem::path& folder, Theme& theme,
+                    SymbolImages& symbols) {
+  K7RasterCache cache(IMAGE_BYTES);
   int i = 0;
   for (const K7KeyValue* setting; (setting = file.GetKeyValueByIndex(i)); ++i) {
     if (file.GetKeyValueByName(setting->key, setting->group) != setting)
       return "it sets " + std::string(setting->key) + " of " + std::string(setting->group) + " twice";
-    if (std::string problem = Take(*setting, theme); !problem.empty()) return problem;
+    const std::string problem =
+        setting->group == SYMBOLS ? TakeSymbol(*setting, folder, cache, symbols) : Take(*setting, theme);
+    if (!problem.empty()) return problem;
   }
   if (i == 0) return "it sets nothing";
   for (int item = 0; item < THEME_ITEMS; ++item) {
@@ -278,7 +300,9 @@ std::string Theme::Read(const std::string& path) {
            (code == K7_ERR_XML_MISMATCHED_TAG ? "it is no whole XML document"
                                               : K7ErrorString::ErrorString(code));
   Theme theme;
-  if (const std::string problem = TakeAll(file, theme); !problem.empty())
+  std::error_code error;
+  const std::filesystem::path folder = std::filesystem::absolute(path, error).parent_path();
+  if (const std::string problem = TakeAll(file, folder, theme, theme.m_symbols); !problem.empty())
     return "the theme '" + path + "': " + problem;
   *this = theme;
   return {};
@@ -291,6 +315,11 @@ std::string Theme::Save(const std::string& path) const {
     for (const Key& key : KEYS)
       if (code == 0 && (ROWS[i].keys & key.bit))
         code = file.SetOption(key.name, key.write(m_entries[i]).c_str(), ROWS[i].name);
+  for (int i = 0; i < SYMBOL_KINDS; ++i) {
+    const SymbolKind kind = static_cast<SymbolKind>(i);
+    if (code == 0 && m_symbols.Of(kind))
+      code = file.SetOption(SymbolKindName(kind), m_symbols.PathOf(kind).c_str(), SYMBOLS);
+  }
   if (code == 0) code = file.Write(path.c_str());
   if (code == 0) return {};
   return "cannot write the theme '" + path + "'" + (code == K7_ERR_MEMORY ? ": out of memory" : "");

@@ -1,6 +1,8 @@
 // How a chart looks: colours, lines and the scales at which layers show, read from an options file.
 #pragma once
 
+#include "ink/symbol_images.h"
+
 #include <array>
 #include <cstdint>
 #include <limits>
@@ -77,6 +79,9 @@ struct ThemeEntry {
 /// ("-60 #BAD6E6, 0 #E4EBD0, 1000 #EFE7C3"):
 ///
 ///     <Options><Fill Group="Land">#F4EFDC</Fill><Width Group="Borders">0.9</Width></Options>
+///
+/// Keys of the group Symbols are kinds of symbols, and name image files to draw in their place, relative to
+/// the theme's own folder: <VOR Group="Symbols">vor.png</VOR>.
 class Theme {
  public:
   /// Day.
@@ -84,6 +89,8 @@ class Theme {
 
   const ThemeEntry& operator[](ThemeItem item) const { return m_entries[static_cast<size_t>(item)]; }
   ThemeEntry& operator[](ThemeItem item) { return m_entries[static_cast<size_t>(item)]; }
+
+  const SymbolImages& Symbols() const { return m_symbols; }
 
   /// Takes on the look of a file; what it leaves out is day's. Empty, or what is wrong with it, and then the
   /// theme is as before.
@@ -94,6 +101,7 @@ class Theme {
 
  private:
   std::array<ThemeEntry, THEME_ITEMS> m_entries;
+  SymbolImages m_symbols;
 };
 
 /// "Land": the group of a theme file.

@@ -20,6 +20,7 @@ class AirportLayer : public PlaceLayer<AirportPlace> {
  private:
   void Collect(const LayerContext& context) override;
   PixelBox BoxOf(const LayerContext& context, const AirportPlace& airport) const override;
+  SymbolKind SymbolKindOf(const AirportPlace& airport) const override { return KindOfSymbol(airport.symbol); }
   void DrawSymbol(const AirportPlace& airport, SymbolPen& pen) const override;
   void Draw(const AirportPlace& airport, SymbolPen& pen) const override;
   bool OfferLabel(const LayerContext& context, const AirportPlace& airport, double size,

@@ -15,6 +15,7 @@ class FixLayer : public PlaceLayer<FixPlace> {
 
  private:
   void Collect(const LayerContext& context) override;
+  SymbolKind SymbolKindOf(const FixPlace& fix) const override { return KindOfFix(fix.segments > 0); }
   void DrawSymbol(const FixPlace& fix, SymbolPen& pen) const override;
   bool OfferLabel(const LayerContext& context, const FixPlace& fix, double size,
                   LabelPlan& plan) const override;

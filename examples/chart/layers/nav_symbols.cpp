@@ -46,8 +46,28 @@ constexpr struct {
 
 }  // namespace
 
-SymbolPen::SymbolPen(K7Grfx& g, const ThemeEntry& entry, double scale)
-    : m_g(g), m_entry(entry), m_scale(scale) {}
+SymbolKind KindOfSymbol(AirportSymbol symbol) {
+  return static_cast<SymbolKind>(static_cast<int>(SymbolKind::ToweredAirport) + static_cast<int>(symbol));
+}
+
+SymbolKind KindOfSymbol(NavaidSymbol symbol) {
+  return static_cast<SymbolKind>(static_cast<int>(SymbolKind::VOR) + static_cast<int>(symbol));
+}
+
+SymbolPen::SymbolPen(K7Grfx& g, const ThemeEntry& entry, double scale, const SymbolImages& images,
+                     double largestImage)
+    : m_g(g), m_entry(entry), m_scale(scale), m_images(images), m_largestImage(largestImage) {}
+
+// False for a kind without a picture.
+bool SymbolPen::Image(SymbolKind kind, double x, double y) {
+  const SymbolImage* const image = m_images.Of(kind);
+  if (!image) return false;
+  const int width = image->bitmap.Width(), height = image->bitmap.Height();
+  const double scale = m_scale * std::min(1.0, m_largestImage / std::max(width, height));
+  m_g.Image(image->bitmap.Pixels(), width, height, x - width * scale / 2, y - height * scale / 2,
+            x + width * scale / 2, y + height * scale / 2);
+  return true;
+}
 
 void SymbolPen::At(double x, double y, double turn) {
   m_x = x;
@@ -114,6 +134,7 @@ void SymbolPen::Lines(const Point (*lines)[2], int count, double width, bool ope
 }
 
 void SymbolPen::Airport(AirportSymbol symbol, double x, double y, double radius, double runway) {
+  if (Image(KindOfSymbol(symbol), x, y)) return;
   At(x, y, 0);
   Circle(radius, symbol == AirportSymbol::Towered ? Ink::Solid : Ink::Open);
   const auto write = [&]<size_t COUNT>(const double(&strokes)[COUNT][4]) {
@@ -181,6 +202,7 @@ void SymbolPen::Dots() {
 }
 
 void SymbolPen::Navaid(NavaidSymbol symbol, double x, double y) {
+  if (Image(KindOfSymbol(symbol), x, y)) return;
   At(x, y, 0);
   const double square = symbol == NavaidSymbol::DME ? 4.6 : SQUARE;
   const Point box[] = {{-square, -square}, {square, -square}, {square, square}, {-square, square}};
@@ -211,6 +233,7 @@ void SymbolPen::Navaid(NavaidSymbol symbol, double x, double y) {
 }
 
 void SymbolPen::Fix(double x, double y, bool solid) {
+  if (Image(KindOfFix(solid), x, y)) return;
   At(x, y, 0);
   Regular(3, FIX, 0, solid ? Ink::Solid : Ink::Open);
 }

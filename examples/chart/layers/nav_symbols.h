@@ -5,6 +5,7 @@
 
 #include <k7/projection/grfx.h>
 
+#include <cmath>
 #include <span>
 
 /// From one end to the other, and its breadth, in device pixels.
@@ -22,14 +23,21 @@ struct RoseShape {
   double Down(double radial) const;
 };
 
+// In the order of SymbolKind.
 enum class AirportSymbol { Towered, Other, Heliport, Seaplane, Private };
 enum class NavaidSymbol { VOR, VORDME, VORTAC, TACAN, DME, NDB };
 
-/// Draws symbols in a theme entry's ink: its line, and its fill as what is left open. Sizes are those of a
-/// sheet of ordinary size, times `scale`.
+SymbolKind KindOfSymbol(AirportSymbol symbol);
+SymbolKind KindOfSymbol(NavaidSymbol symbol);
+inline SymbolKind KindOfFix(bool solid) { return solid ? SymbolKind::AirwayFix : SymbolKind::Fix; }
+
+/// Draws symbols in a theme entry's ink: its line, and its fill as what is left open; or the theme's pictures
+/// in their place. Sizes are those of a sheet of ordinary size, times `scale`.
 class SymbolPen {
  public:
-  SymbolPen(K7Grfx& g, const ThemeEntry& entry, double scale);
+  /// The pictures stay the caller's. None is drawn larger than so many pixels of an ordinary sheet.
+  SymbolPen(K7Grfx& g, const ThemeEntry& entry, double scale, const SymbolImages& images,
+            double largestImage = INFINITY);
 
   /// \name Symbols about a device point
   /// @{
@@ -56,6 +64,7 @@ class SymbolPen {
   void Circle(double radius, Ink ink) { Regular(CIRCLE_CORNERS, radius, 0, ink); }
   void Lines(const Point (*lines)[2], int count, double width, bool open);
   void Bars(Ink ink);
+  bool Image(SymbolKind kind, double x, double y);
   void Dots();
   void UseInk(bool open, double width);
 
@@ -64,5 +73,7 @@ class SymbolPen {
   K7Grfx& m_g;
   const ThemeEntry& m_entry;
   double m_scale;
+  const SymbolImages& m_images;
+  double m_largestImage;
   double m_x = 0, m_y = 0, m_cos = 1, m_sin = 0;
 };

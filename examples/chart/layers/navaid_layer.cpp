@@ -176,7 +176,7 @@ void NavaidLayer::FindRoses(const LayerContext& context) {
 }
 
 void NavaidLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
-  SymbolPen roses(g, context.theme[ThemeItem::CompassRoses], context.scale);
+  SymbolPen roses(g, context.theme[ThemeItem::CompassRoses], context.scale, context.theme.Symbols());
   for (const NavaidPlace& navaid : m_places)
     if (navaid.hasRose) roses.Rose(navaid.dx, navaid.dy, navaid.rose);
   PlaceLayer::DrawLines(context, path, g);
@@ -191,7 +191,7 @@ void NavaidLayer::DrawSymbol(const NavaidPlace& navaid, SymbolPen& pen) const {
 bool NavaidLayer::OfferLabel(const LayerContext& context, const NavaidPlace& navaid, double size,
                              LabelPlan& plan) const {
   const PixelBox symbol =
-      BoxAbout(navaid.dx, navaid.dy, (SymbolRadius(navaid.key.NavType()) + 1) * context.scale);
+      SymbolBox(context, navaid, SymbolRadius(navaid.key.NavType()) + 1);
   Label box = {Figures(navaid.freq) + navaid.ident + "  " + Morse(navaid.ident),
                0,
                0,

@@ -23,6 +23,7 @@ class NavaidLayer : public PlaceLayer<NavaidPlace> {
 
  private:
   void Collect(const LayerContext& context) override;
+  SymbolKind SymbolKindOf(const NavaidPlace& navaid) const override { return KindOfSymbol(navaid.symbol); }
   void DrawSymbol(const NavaidPlace& navaid, SymbolPen& pen) const override;
   bool OfferLabel(const LayerContext& context, const NavaidPlace& navaid, double size,
                   LabelPlan& plan) const override;

@@ -21,7 +21,7 @@ class PlaceLayer : public Layer {
 
   /// The important lie above others.
   void DrawLines(const LayerContext& context, K7MapPath&, K7Grfx& g) override {
-    SymbolPen pen(g, context.theme[Item()], context.scale);
+    SymbolPen pen(g, context.theme[Item()], context.scale, context.theme.Symbols());
     for (auto place = m_places.rbegin(); place != m_places.rend(); ++place)
       if (place->isShown) Draw(*place, pen);
   }
@@ -47,12 +47,13 @@ class PlaceLayer : public Layer {
       const std::string text = LegendText(place);
       const auto isThis = [&](const LegendEntry& entry) { return entry.text == text; };
       if (!place.isShown || std::any_of(legend.begin(), legend.end(), isThis)) continue;
-      const auto draw = [this, place, entry = context.theme[Item()], scale = context.scale](
-                            K7Grfx& g, double x, double y) {
+      static const double LARGEST = 16;  // picture that a line of the margin has room for
+      const auto draw = [this, place, entry = context.theme[Item()], scale = context.scale,
+                         images = context.theme.Symbols()](K7Grfx& g, double x, double y) {
         Place sample = place;
         sample.dx = x;
         sample.dy = y;
-        SymbolPen pen(g, entry, scale);
+        SymbolPen pen(g, entry, scale, images, LARGEST);
         DrawSymbol(sample, pen);
       };
       legend.push_back({text, draw});
@@ -60,12 +61,19 @@ class PlaceLayer : public Layer {
   }
 
  protected:
+  /// What a symbol covers: its picture, or else so many ordinary pixels about its place.
+  PixelBox SymbolBox(const LayerContext& context, const Place& place, double radius) const {
+    const SymbolImage* const image = context.theme.Symbols().Of(SymbolKindOf(place));
+    return image ? image->SeenAt(place.dx, place.dy, context.scale)
+                 : BoxAbout(place.dx, place.dy, radius * context.scale);
+  }
   /// Fills `m_places`, the important first.
   virtual void Collect(const LayerContext& context) = 0;
   /// What the symbol takes up.
   virtual PixelBox BoxOf(const LayerContext& context, const Place& place) const {
-    return BoxAbout(place.dx, place.dy, SymbolRadius(place.key.NavType()) * context.scale);
+    return SymbolBox(context, place, SymbolRadius(place.key.NavType()));
   }
+  virtual SymbolKind SymbolKindOf(const Place& place) const = 0;
   virtual void DrawSymbol(const Place& place, SymbolPen& pen) const = 0;
   /// As it lies on the ground, where that is not its symbol.
   virtual void Draw(const Place& place, SymbolPen& pen) const { DrawSymbol(place, pen); }
