@@ -22,7 +22,8 @@ class UnderlayTest : public testing::Test {
  protected:
   // Draws a picture whose pixels are `color(lat, lon)` of their middles.
   template <class ColorOf>
-  std::vector<uint32_t> Draw(const K7MapView& view, int columns, int rows, const UnderlayBounds& b, ColorOf color) {
+  std::vector<uint32_t> Draw(const K7MapView& view, int columns, int rows, const UnderlayBounds& b,
+                             ColorOf color) {
     K7Bitmap image;
     EXPECT_EQ(image.Create(columns, rows, 32), 0);
     for (int i = 0; i < columns * rows; ++i)

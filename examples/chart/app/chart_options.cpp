@@ -94,7 +94,7 @@ constexpr OptionRow<ChartRequest> PLACE_OPTIONS[] = {
 
 constexpr OptionRow<LookOptions> THEME_OPTIONS[] = {
     {"--theme", "THEME",
-     "day (default), night, or FILE.xml with colours and lines of your own, as data/themes/day.xml",
+     "day (default), night, or FILE.xml with colours, lines and symbols of your own, as data/themes/day.xml",
      SetTheme},
 };
 

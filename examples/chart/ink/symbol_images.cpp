@@ -11,9 +11,9 @@ namespace {
 
 constexpr int LARGEST = 256;
 
-constexpr const char* NAMES[] = {"ToweredAirport", "Airport", "Heliport", "SeaplaneBase", "PrivateAirport",
-                                 "VOR",            "VORDME",  "VORTAC",   "TACAN",        "DME",
-                                 "NDB",            "AirwayFix", "Fix"};
+constexpr const char* NAMES[] = {
+    "ToweredAirport", "Airport", "Heliport", "SeaplaneBase", "PrivateAirport", "VOR", "VORDME",
+    "VORTAC",         "TACAN",   "DME",      "NDB",          "AirwayFix",      "Fix"};
 static_assert(std::size(NAMES) == SYMBOL_KINDS);
 
 // Around the pixels of a mask that are 1, about the picture's middle; a picture without any counts whole.
@@ -37,7 +37,9 @@ PixelBox SeenBox(const K7Bitmap& mask) {
 const char* SymbolKindName(SymbolKind kind) { return NAMES[static_cast<size_t>(kind)]; }
 
 std::string SymbolImages::Read(SymbolKind kind, const std::string& path, K7RasterCache& cache) {
-  const auto cannot = [&path](const std::string& why) { return "cannot read the image '" + path + "': " + why; };
+  const auto cannot = [&path](const std::string& why) {
+    return "cannot read the image '" + path + "': " + why;
+  };
   const auto cannotFor = [&](int code) {
     const char* const why = K7ErrorString::ErrorString(code);
     return cannot(why ? why : "unknown error");

@@ -30,8 +30,8 @@ inline constexpr int SYMBOL_KINDS = static_cast<int>(SymbolKind::Fix) + 1;
 /// "VOR": the key of a theme file.
 const char* SymbolKindName(SymbolKind kind);
 
-/// A picture whose middle stands at the place of what it means; on a sheet of ordinary size its pixels are those
-/// of the sheet.
+/// A picture whose middle stands at the place of what it means; on a sheet of ordinary size its pixels are
+/// those of the sheet.
 struct SymbolImage {
   K7Bitmap bitmap;  ///< of 32 bits
   PixelBox seen;    ///< around what is not transparent, about the middle
@@ -47,7 +47,8 @@ class SymbolImages {
   /// Null for a kind without one.
   const SymbolImage* Of(SymbolKind kind) const { return m_images[static_cast<size_t>(kind)].get(); }
   const std::string& PathOf(SymbolKind kind) const { return m_paths[static_cast<size_t>(kind)]; }
-  /// Takes an image file of a kind that `K7Bitmap` reads, at most 256 pixels wide and high. Empty, or what is wrong.
+  /// Takes an image file of a kind that `K7Bitmap` reads, at most 256 pixels wide and high. Empty, or what is
+  /// wrong.
   std::string Read(SymbolKind kind, const std::string& path, K7RasterCache& cache);
   /// Whether they are of the same files.
   bool operator==(const SymbolImages& other) const { return m_paths == other.m_paths; }

@@ -272,7 +272,7 @@ std::string TakeAll(ThemeFile& file, const std::filesystem::path& folder, Theme&
   for (const K7KeyValue* setting; (setting = file.GetKeyValueByIndex(i)); ++i) {
     if (file.GetKeyValueByName(setting->key, setting->group) != setting)
       return "it sets " + std::string(setting->key) + " of " + std::string(setting->group) + " twice";
-    const std::string problem =
+    std::string problem =
         setting->group == SYMBOLS ? TakeSymbol(*setting, folder, cache, symbols) : Take(*setting, theme);
     if (!problem.empty()) return problem;
   }

@@ -14,8 +14,8 @@ PixelSquare::PixelSquare(const K7MapView& view, int left, int top, int size)
       m_perRow(1.0 / std::max(m_height - 1, 1)),
       m_isSmooth(FindPlaces()) {}
 
-// Projections have places beyond what is drawn of them, as about a Lambert chart's far pole: what is on the map
-// leads back to its pixel.
+// Projections have places beyond what is drawn of them, as about a Lambert chart's far pole: what is on the
+// map leads back to its pixel.
 bool PixelSquare::Exact(double dx, double dy, double& lat, double& lon) const {
   double x, y;
   return m_view.FromDevice(dx, dy, lat, lon) && m_view.ToDevice(lat, lon, x, y) &&
@@ -35,7 +35,7 @@ bool PixelSquare::FindPlaces() {
   const double right = m_width - 1, bottom = m_height - 1;
   double lat[4], lon[4];
   for (int i = 0; i < 4; ++i) {
-    if (!Near(i % 2 * right, i / 2 * bottom, lat[i], lon[i])) return false;
+    if (!Near(i % 2 ? right : 0, i < 2 ? 0 : bottom, lat[i], lon[i])) return false;
     if (i == 0) m_lon[0] = lon[0];
   }
   for (auto& [from, to] : {std::pair(lat, m_lat), std::pair(lon, m_lon)}) {

@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-/// The places of a square of pixels. Where it is far from poles, seams and the edge of the map, the projection
-/// is asked for a few, between which the others lie; elsewhere for each.
+/// The places of a square of pixels. Where it is far from poles, seams and the edge of the map, the
+/// projection is asked for a few, between which the others lie; elsewhere for each.
 class PixelSquare {
  public:
   static constexpr int LARGEST = 16, SMALLEST = 4;

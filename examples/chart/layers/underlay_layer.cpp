@@ -27,7 +27,7 @@ void Add(K7Color color, float weight, Sum& sum) {
 // Of weights whose sum is 1.
 K7Color Mean(const Sum& sum) {
   if (sum[3] < 0.5F) return {};
-  const auto part = [&](int i) { return static_cast<uint8_t>(std::min(sum[i] / sum[3] + 0.5F, 255.0F)); };
+  const auto part = [&](size_t i) { return static_cast<uint8_t>(std::min(sum[i] / sum[3] + 0.5F, 255.0F)); };
   return {part(2), part(1), part(0), static_cast<uint8_t>(std::min(sum[3] + 0.5F, 255.0F))};
 }
 
@@ -36,12 +36,16 @@ std::unique_ptr<K7Bitmap> Halved(const K7Bitmap& from) {
   auto half = std::make_unique<K7Bitmap>();
   const auto halves = [](int size) { return std::max(size / 2, 1); };
   if (half->Create(halves(from.Width()), halves(from.Height()), 32) != 0) return nullptr;
-  const auto begin = [](int i, int halved, int whole) { return static_cast<int>(int64_t{i} * whole / halved); };
+  const auto begin = [](int i, int halved, int whole) {
+    return static_cast<int>(int64_t{i} * whole / halved);
+  };
   K7Color* to = half->Colors();
   for (int y = 0; y < half->Height(); ++y)
     for (int x = 0; x < half->Width(); ++x, ++to) {
-      const int left = begin(x, half->Width(), from.Width()), right = begin(x + 1, half->Width(), from.Width());
-      const int top = begin(y, half->Height(), from.Height()), bottom = begin(y + 1, half->Height(), from.Height());
+      const int left = begin(x, half->Width(), from.Width()),
+                right = begin(x + 1, half->Width(), from.Width());
+      const int top = begin(y, half->Height(), from.Height()),
+                bottom = begin(y + 1, half->Height(), from.Height());
       const float weight = 1.0F / static_cast<float>((right - left) * (bottom - top));
       Sum sum{};
       for (int v = top; v < bottom; ++v)
@@ -82,12 +86,13 @@ class Sampler {
   }
 
  private:
-  // At most one pixel beyond the edges. The columns of a picture all around the earth go on behind its seam, and
-  // its rows behind the poles; other pictures go on with their last ones.
+  // At most one pixel beyond the edges. The columns of a picture all around the earth go on behind its seam,
+  // and its rows behind the poles; other pictures go on with their last ones.
   K7Color Pixel(int row, int column) const {
     const bool isBeyond = row < 0 || row >= m_rows;
     if (isBeyond) row = row < 0 ? 0 : m_rows - 1;
-    if (isBeyond && m_isRound && (row > 0 ? m_bounds.south == -90 : m_bounds.north == 90)) column += m_columns / 2;
+    if (isBeyond && m_isRound && (row > 0 ? m_bounds.south == -90 : m_bounds.north == 90))
+      column += m_columns / 2;
     if (column < 0 || column >= m_columns)
       column = m_isRound ? (column + m_columns) % m_columns : std::clamp(column, 0, m_columns - 1);
     return m_pixels[static_cast<ptrdiff_t>(row) * m_columns + column];

@@ -7,8 +7,8 @@
 
 #include <memory>
 
-/// What a picture shows, in degrees: rows of equal latitude and columns of equal longitude, equally far apart.
-/// From `west` eastwards to `east`, across 180 degrees where it is not the larger.
+/// What a picture shows, in degrees: rows of equal latitude and columns of equal longitude, equally far
+/// apart. From `west` eastwards to `east`, across 180 degrees where it is not the larger.
 struct UnderlayBounds {
   double west = -180, south = -90, east = 180, north = 90;
 };
