@@ -26,9 +26,10 @@ class UnderlayTest : public testing::Test {
                              ColorOf color) {
     K7Bitmap image;
     EXPECT_EQ(image.Create(columns, rows, 32), 0);
-    for (int i = 0; i < columns * rows; ++i)
-      image.Colors()[i] = color(b.north - (i / columns + 0.5) * (b.north - b.south) / rows,
-                                b.west + (i % columns + 0.5) * (b.east - b.west) / columns);
+    for (int y = 0; y < rows; ++y)
+      for (int x = 0; x < columns; ++x)
+        image.Colors()[y * columns + x] = color(b.north - (y + 0.5) * (b.north - b.south) / rows,
+                                                b.west + (x + 0.5) * (b.east - b.west) / columns);
     const std::string path = m_dir / "image.png";
     EXPECT_EQ(image.WritePNG(path.c_str()), 0);
     UnderlayLayer layer(path, b);
@@ -60,7 +61,7 @@ TEST_F(UnderlayTest, EachPixelHasTheColourOfItsPlace) {
       int shown = 0;
       for (int y = 0; y < 151; ++y)
         for (int x = 0; x < 203; ++x) {
-          const K7Color color(seen[static_cast<size_t>(y * 203 + x)]);
+          const K7Color color(seen[static_cast<size_t>(y) * 203 + static_cast<size_t>(x)]);
           double lat, lon, dx, dy;
           const bool onMap = view.FromDevice(x + 0.5, y + 0.5, lat, lon) && view.ToDevice(lat, lon, dx, dy) &&
                              std::hypot(dx - x - 0.5, dy - y - 0.5) < 0.1;
@@ -90,7 +91,7 @@ TEST_F(UnderlayTest, PicturesEndAtTheirBoundsAndGoOnBehindThePole) {
   const auto at = [&](double lat, double lon) {
     double x, y;
     EXPECT_TRUE(view.ToDevice(lat, lon, x, y));
-    return K7Color(part[static_cast<size_t>(static_cast<int>(y) * 101 + static_cast<int>(x))]);
+    return K7Color(part[static_cast<size_t>(y) * 101 + static_cast<size_t>(x)]);
   };
   for (const double lon : {173.0, 180.0, -173.0}) EXPECT_EQ(at(40, lon), K7Color(50, 60, 70)) << lon;
   for (const double lon : {160.0, -160.0, 0.0}) EXPECT_EQ(at(40, lon), K7Color()) << lon;
