@@ -16,6 +16,10 @@
 #include <locale.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#ifdef __linux__
+#include <linux/membarrier.h>
+#include <sys/syscall.h>
+#endif
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -277,6 +281,17 @@ bool k7os::Store(std::FILE* stream) {
 }
 
 bool k7os::ReplaceFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
+
+bool k7os::FenceThreads() {
+#ifdef __linux__
+  const auto call = [](int command) { return syscall(SYS_membarrier, command, 0, 0) == 0; };
+  if (call(MEMBARRIER_CMD_PRIVATE_EXPEDITED)) return true;
+  // The first time in a process.
+  return call(MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED) && call(MEMBARRIER_CMD_PRIVATE_EXPEDITED);
+#else
+  return false;
+#endif
+}
 
 void* k7os::OpenLibrary(const char* file) { return dlopen(file, RTLD_NOW | RTLD_LOCAL); }
 

@@ -130,6 +130,11 @@ bool k7os::ReplaceFile(const char* from, const char* to) {
   return MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING) != 0;
 }
 
+bool k7os::FenceThreads() {
+  FlushProcessWriteBuffers();
+  return true;
+}
+
 void* k7os::OpenLibrary(const char* file) { return LoadLibraryA(file); }
 
 void* k7os::FindSymbol(void* module, const char* name) {

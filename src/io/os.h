@@ -1,5 +1,5 @@
 // What the library asks of an operating system. io_posix.cpp and io_win32.cpp answer it, one of them in each
-// build; no other file includes a system header or tests a platform macro.
+// build, but for one line here; no other file includes a system header or tests a platform macro.
 #pragma once
 
 #include <cstdarg>
@@ -62,6 +62,20 @@ bool Store(std::FILE* stream);
 /// Puts a closed file, whose bytes `Store` has brought to the disk, into the place of one that
 /// `CanTakePlace` allowed, in one step: whoever looks, a crash included, finds the old file or the new one.
 bool ReplaceFile(const char* from, const char* to);
+
+/// What tells the calling thread from all others that live; never null. On Linux one instruction, where a
+/// variable of the thread would take a call.
+inline const void* ThreadMark() {
+#if defined(__linux__) && defined(__GNUC__)
+  return __builtin_thread_pointer();
+#else
+  static thread_local const char mark = 0;
+  return &mark;
+#endif
+}
+/// Has every thread of the process pass a full memory fence, this one too, before it returns. False where
+/// the system has no such thing or refuses it.
+bool FenceThreads();
 
 void* OpenLibrary(const char* file);
 void* FindSymbol(void* module, const char* name);

@@ -8,18 +8,14 @@
 #include <k7/terrain/ter_region.h>
 #include <k7/terrain/ter_tile.h>
 
-#include "terrain/ter_lookup.h"
+#include "terrain/ter_elev.h"
 
 #include <cstdlib>
 #include <memory>
 #include <new>
 #include <utility>
 
-namespace {
-
-constexpr int CELL_DEGREES = 30;
-
-}  // namespace
+using k7ter::CELL_DEGREES;
 
 K7TerLevel::K7TerLevel(int resolution, K7Cache* cache, const K7Mutex& cacheMutex)
     : m_resolution(resolution), m_cache(cache), m_cacheMutex(cacheMutex) {}
@@ -68,12 +64,7 @@ K7TerRegion* K7TerLevel::Region(int band, int column) const {
   return m_regions[band * COLUMNS + column];
 }
 
-K7TerRegion* K7TerLevel::RegionAt(double lat, double lon) const {
-  int band = 0, column = 0;
-  if (!k7ter::Index((lat + 90) / CELL_DEGREES, BANDS, band)) return nullptr;
-  if (!k7ter::Index((lon + 180) / CELL_DEGREES, COLUMNS, column)) return nullptr;
-  return m_regions[band * COLUMNS + column];
-}
+K7TerRegion* K7TerLevel::RegionAt(double lat, double lon) const { return FindRegion(lat, lon); }
 
 bool K7TerLevel::SpansRect(const K7ChartRect& rect) const {
   for (const K7TerRegion* const region : m_regions)
@@ -82,15 +73,8 @@ bool K7TerLevel::SpansRect(const K7ChartRect& rect) const {
 }
 
 int K7TerLevel::GetElev(double lat, double lon) {
-  K7TerRegion* const region = RegionAt(lat, lon);
+  K7TerRegion* const region = FindRegion(lat, lon);
   return region ? region->GetElev(lat, lon, this) : K7_NO_ELEV;
-}
-
-// Within a section of the caller. NOT_READ when a grid has to be read first.
-int K7TerLevel::TryElev(double lat, double lon) const {
-  const K7TerRegion* const region = RegionAt(lat, lon);
-  K7TerTile* unread = nullptr;
-  return region ? region->TryElev(lat, lon, unread) : K7_NO_ELEV;
 }
 
 // A tile that found no place in the cache, or no grid for its place, leaves nothing behind.

@@ -6,6 +6,7 @@
 #include <k7/terrain/ter_tile.h>
 
 #include "io/read.h"
+#include "terrain/ter_elev.h"
 #include "terrain/ter_lookup.h"
 
 #include <cstdlib>
@@ -83,20 +84,6 @@ int K7TerRegion::AllocTilesMatrix() {
   return 0;
 }
 
-inline bool K7TerRegion::InBounds(double lat, double lon) const {
-  if (!(m_bounds.South() <= lat && lat <= m_bounds.North())) return false;
-  if (m_bounds.East() >= m_bounds.West()) return m_bounds.West() <= lon && lon <= m_bounds.East();
-  return !(lon > m_bounds.East() && lon < m_bounds.West());
-}
-
-// The cell of a position within the bounds; false outside the matrix. East of 180 columns go on.
-inline bool K7TerRegion::FindCell(double lat, double lon, int& row, int& column) const {
-  if (!m_tiles) return false;
-  if (m_bounds.East() < m_bounds.West() && lon < m_bounds.West()) lon += 360;
-  return k7ter::Index((lat - m_bounds.South()) / m_tileHeight, m_rows, row) &&
-         k7ter::Index((lon - m_bounds.West()) / m_tileWidth, m_columns, column);
-}
-
 bool K7TerRegion::SetTile(double lat, double lon, K7TerTile* tile) {
   int row = 0, column = 0;
   if (!tile || !InBounds(lat, lon) || !FindCell(lat, lon, row, column)) return false;
@@ -129,19 +116,7 @@ int K7TerRegion::GetElev(double lat, double lon, K7TerLevel* level) {
     const int elev = TryElev(lat, lon, unread);
     if (elev != k7ter::NOT_READ) return elev;
   }
-  return level ? level->ReadElev(*unread, lat, lon) : K7_NO_ELEV;
-}
-
-// Within a section of the caller. NOT_READ, and the tile, when its grid has to be read first.
-int K7TerRegion::TryElev(double lat, double lon, K7TerTile*& unread) const {
-  // Charts of old took 0 for sea outside the bounds, and look no further than this region for it.
-  if (!InBounds(lat, lon)) return 0;
-  int row = 0, column = 0;
-  K7TerTile* const tile = FindCell(lat, lon, row, column) ? m_tiles[row][column] : nullptr;
-  if (!tile) return K7_NO_ELEV;
-  const int elev = tile->TryElev(lat, lon, true);
-  if (elev == k7ter::NOT_READ) unread = tile;
-  return elev;
+  return level && !unread->IsResting() ? level->ReadElev(*unread, lat, lon) : K7_NO_ELEV;
 }
 
 int K7TerRegion::Read(const char* path) {

@@ -6,6 +6,7 @@
 
 #include "io/deflate.h"
 #include "io/read.h"
+#include "terrain/ter_elev.h"
 #include "terrain/ter_lookup.h"
 
 #include <algorithm>
@@ -43,10 +44,6 @@ class RegionLock {
  private:
   K7Mutex* m_mutex;
 };
-
-// Negative values round otherwise than positive ones; elevations shown before stay what they were.
-// NOLINTNEXTLINE(bugprone-incorrect-roundings)
-int Feet(int metres) { return static_cast<int>(metres * 3.2808399 + 0.5); }
 
 }  // namespace
 
@@ -103,7 +100,7 @@ int K7TerTile::ReadGrid(K7File* file, K7TerGrid*& grid) const {
   k7read::Block stream;
   if (!stream.Alloc(m_compSize)) return K7_ERR_MEMORY;
   if (k7read::Exact(file, stream.Bytes(), m_compSize) != 0) return K7_ERR_FILE_IO;
-  GridPtr inflated(k7ter::NewGrid(m_rows, m_columns));
+  GridPtr inflated(k7ter::NewGrid(m_bounds, m_rows, m_columns));
   if (!inflated) return K7_ERR_MEMORY;
   if (!k7deflate::Unpack(stream.Bytes(), m_compSize, inflated->Posts(), length)) return K7_ERR_INVALID_DATA;
   grid = inflated.release();
@@ -150,7 +147,7 @@ int K7TerTile::Write(K7File* file) {
 
 int K7TerTile::AllocMesh() {
   if (m_rows < 1 || m_columns < 1) return K7_ERR_INVALID_DATA;
-  K7TerGrid* const grid = k7ter::NewGrid(m_rows, m_columns);
+  K7TerGrid* const grid = k7ter::NewGrid(m_bounds, m_rows, m_columns);
   if (!grid) return K7_ERR_MEMORY;
   std::fill_n(grid->Posts(), int64_t{m_rows} * m_columns, static_cast<int16_t>(K7_NO_ELEV));
   Publish(grid);
@@ -174,28 +171,6 @@ void K7TerTile::Publish(K7TerGrid* grid) {
   k7ter::Release(former);
 }
 
-inline int K7TerTile::PostAt(const K7TerGrid& grid, double lat, double lon, bool inFeet) const {
-  const double west = m_bounds.West(), south = m_bounds.South();
-  const double east = west > m_bounds.East() ? m_bounds.East() + 360 : m_bounds.East();
-  const double height = m_bounds.North() - south, width = east - west;
-  if (!(height > 0) || !(width > 0)) return K7_NO_ELEV;
-  if (lon < west && lon + 360 < east) lon += 360;
-
-  const double fy = (lat - south) / height, fx = (lon - west) / width;
-  int row = 0, column = 0;
-  // The north and the east edge belong to the last cell.
-  if (fy == 1.0)
-    row = grid.rows - 1;
-  else if (!k7ter::Index(grid.rows * fy, grid.rows, row))
-    return K7_NO_ELEV;
-  if (fx == 1.0)
-    column = grid.columns - 1;
-  else if (!k7ter::Index(grid.columns * fx, grid.columns, column))
-    return K7_NO_ELEV;
-  const int elev = grid.Posts()[int64_t{row} * grid.columns + column];
-  return elev == K7_NO_ELEV || !inFeet ? elev : Feet(elev);
-}
-
 int K7TerTile::GetElev(double lat, double lon, bool readIfNeeded, uint8_t inFeet) {
   const bool feet = inFeet == 1;
   {
@@ -203,15 +178,7 @@ int K7TerTile::GetElev(double lat, double lon, bool readIfNeeded, uint8_t inFeet
     const int elev = TryElev(lat, lon, feet);
     if (elev != k7ter::NOT_READ) return elev;
   }
-  return readIfNeeded ? ReadElev(lat, lon, feet) : K7_NO_ELEV;
-}
-
-// Within a section of the caller. NOT_READ when there is no grid and it may be read.
-int K7TerTile::TryElev(double lat, double lon, bool inFeet) const {
-  const K7TerGrid* const grid = m_grid.load();
-  if (!grid) return IsResting() ? K7_NO_ELEV : k7ter::NOT_READ;
-  if (!m_isUsed.load(std::memory_order_relaxed)) m_isUsed.store(true, std::memory_order_relaxed);
-  return PostAt(*grid, lat, lon, inFeet);
+  return readIfNeeded && !IsResting() ? ReadElev(lat, lon, feet) : K7_NO_ELEV;
 }
 
 // What could not be read is left alone for a while: neither do thousands of lookups each inflate a damaged
@@ -227,7 +194,7 @@ int K7TerTile::ReadElev(double lat, double lon, bool inFeet) {
     if (!IsResting()) m_restUntil = Now() + REST;
     return K7_NO_ELEV;
   }
-  return PostAt(*m_grid.load(), lat, lon, inFeet);
+  return TryElev(lat, lon, inFeet);
 }
 
 bool K7TerTile::Overlaps(const K7ChartRect* rect) const {

@@ -4,6 +4,8 @@
 #include <k7/core.h>
 
 #include <atomic>
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <random>
 #include <thread>
@@ -211,6 +213,40 @@ TEST_F(Terrain, ThreadsLookUpWhileTheCacheEvicts) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, 0);
+}
+
+// Looks up as its thread ends, after what the library keeps for the thread has ended.
+struct LastLookup {
+  std::function<void()> lookUp;
+  ~LastLookup() { lookUp(); }
+};
+
+TEST_F(Terrain, MoreThreadsAtOnceThanHaveSlotsAndTheirLastLookups) {
+  const auto post = [](int row, int column) { return row * 2 + column; };
+  m_folder.Write("1200_N30E000.ter", MadeRegion(30, 0, 2, 2, 100, post).Bytes());
+  ASSERT_EQ(Read(), 0);
+  std::atomic<int> wrong{0}, begun{0}, lookups{0};
+  const auto lookUp = [&] {
+    wrong += Elev(30.505, 1.505) != Feet(post(50, 150));
+    ++lookups;
+  };
+  for (int round = 0; round < 2; ++round) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 300; ++i)
+      threads.emplace_back([&] {
+        thread_local const LastLookup last{lookUp};
+        for (int asked = 0; asked < 20; ++asked) lookUp();
+        ++begun;
+        while (begun < 300 * (round + 1)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      });
+    while (begun < 300 * (round + 1)) {
+      K7TerrainK7::Inst()->ClearCache();
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    for (std::thread& thread : threads) thread.join();
+  }
+  EXPECT_EQ(wrong, 0);
+  EXPECT_EQ(lookups, 2 * 300 * 21);
 }
 
 // Distances and positions are those of K7LatLon, which goes by course and distance.

@@ -82,7 +82,8 @@ class K7_API K7TerLevel {
   friend class K7TerRegion;
   friend class K7TerrainK7;
 
-  int TryElev(double lat, double lon) const;
+  K7TerRegion* FindRegion(double lat, double lon) const;
+  int TryElev(double lat, double lon, K7TerTile*& unread) const;
   int ReadElev(K7TerTile& tile, double lat, double lon);
 
   int32_t m_resolution;

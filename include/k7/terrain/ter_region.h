@@ -96,6 +96,7 @@ class K7_API K7TerRegion {
   friend class K7TerLevel;
 
   int CellCount() const { return m_tiles ? m_rows * m_columns : 0; }
+  bool Crosses180() const;
   bool InBounds(double lat, double lon) const;
   bool FindCell(double lat, double lon, int& row, int& column) const;
   int TryElev(double lat, double lon, K7TerTile*& unread) const;

@@ -125,13 +125,13 @@ class K7_API K7TerTile : public K7CacheObj {
  private:
   friend class K7TerRegion;
   friend class K7TerMeshHold;
+  friend class K7TerrainK7;
 
   int ReadGrid(K7File* file, K7TerGrid*& grid) const;
   int ReadGrid(K7TerGrid*& grid) const;
   int TryElev(double lat, double lon, bool inFeet) const;
   bool IsResting() const;
   int ReadElev(double lat, double lon, bool inFeet);
-  int PostAt(const K7TerGrid& grid, double lat, double lon, bool inFeet) const;
   void Publish(K7TerGrid* grid);
 
   K7ChartRect m_bounds;

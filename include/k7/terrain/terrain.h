@@ -149,6 +149,7 @@ class K7_API K7TerrainK7 : public K7Terrain {
   int ReadLevels(const char* directory);
   void ReadOptions();
   void DropLevels();
+  int FindElev(int index, double lat, double lon);
   int ReadElev(int index, double lat, double lon);
 
   static constexpr int RESOLUTIONS[LEVELS] = {12, 40, 120, 400, 1200, 3600, 10800};
