@@ -57,7 +57,10 @@ void K7TerTile::SetHeader(const K7ChartRect& bounds, int rows, int columns) {
   m_columns = static_cast<int16_t>(std::clamp(columns, 0, INT16_MAX));
 }
 
-K7TerTile::~K7TerTile() { Publish(nullptr); }
+K7TerTile::~K7TerTile() {
+  Publish(nullptr);
+  delete[] m_image;
+}
 
 int K7TerTile::Size() const {
   return static_cast<int>(std::min<int64_t>((int64_t{m_rows} * m_columns + 24) * 3, INT32_MAX));
@@ -212,12 +215,6 @@ bool K7TerTile::Overlaps(const K7ChartRect* rect) const {
 }
 
 bool K7TerTile::CanFree() const { return !m_isUsed.exchange(false, std::memory_order_relaxed); }
-
-int K7TerTile::SmoothMesh() { return K7_ERR_NOT_IMPLEMENTED; }
-int K7TerTile::Generate(const K7TerParams*) { return K7_ERR_NOT_IMPLEMENTED; }
-int K7TerTile::GenShadedRelief(const K7TerParams*) { return K7_ERR_NOT_IMPLEMENTED; }
-int K7TerTile::Render(K7Grfx*) { return K7_ERR_NOT_IMPLEMENTED; }
-void K7TerTile::ClearSRTImage() {}
 
 K7TerMeshHold::K7TerMeshHold(const K7TerTile& tile) {
   {

@@ -1,7 +1,6 @@
 #include <k7/terrain/ter_tile_ex.h>
 
 #include <k7/foundation/error_string.h>
-#include <k7/terrain/ter_relief.h>
 
 #include "terrain/mosaic.h"
 #include "terrain/tile_posts.h"
@@ -33,10 +32,7 @@ Rank RankOf(K7TerTile* tile) {
 
 }  // namespace
 
-K7TerTileEX::~K7TerTileEX() {
-  delete[] m_rim;
-  delete[] m_image;
-}
+K7TerTileEX::~K7TerTileEX() { delete[] m_rim; }
 
 int K7TerTileEX::Init(const K7ChartRect& bounds, int rows, int columns) {
   const bool open = rows == 0 && columns == 0;
@@ -154,7 +150,7 @@ void K7TerTileEX::FreeBoundary() {
 
 int K7TerTileEX::SmoothMesh() {
   if (!GetMesh()) return K7_ERR_NOT_INITIALIZED;
-  if (m_rimPosts == 0) return SmoothPosts(RowCount(), ColCount(), GetMesh()) ? 0 : K7_ERR_MEMORY;
+  if (m_rimPosts == 0) return K7TerTile::SmoothMesh();
   const TilePosts posts(*this);
   if (posts.Error()) return posts.Error();
   const PostGrid& grid = posts.Grid();
@@ -174,39 +170,4 @@ int K7TerTileEX::Generate(const K7TerParams* params) {
   if (!params) return K7_ERR_BAD_ARGUMENT;
   if (const int code = MergeTiles()) return code;
   return GenShadedRelief(params);
-}
-
-int K7TerTileEX::GenShadedRelief(const K7TerParams* params) {
-  return GenShadedRelief(params, std::max(ColCount(), 1), std::max(RowCount(), 1));
-}
-
-int K7TerTileEX::GenShadedRelief(const K7TerParams* params, int width, int height) {
-  if (!params || width < 1 || height < 1 || int64_t{width} * height > MAX_DRAWN_POSTS)
-    return K7_ERR_BAD_ARGUMENT;
-  K7TerRelief relief;
-  if (const int code = relief.Init(*this, *params)) return code;
-  auto* const image = new (std::nothrow) uint32_t[static_cast<size_t>(width) * static_cast<size_t>(height)];
-  if (!image) return K7_ERR_MEMORY;
-  relief.Image(image, width, height);
-  ClearSRTImage();
-  m_image = image;
-  m_imageWidth = width;
-  m_imageHeight = height;
-  return 0;
-}
-
-void K7TerTileEX::ClearSRTImage() {
-  delete[] m_image;
-  m_image = nullptr;
-  m_imageWidth = m_imageHeight = 0;
-}
-
-int K7TerTileEX::CreateMesh(K7TerMesh& mesh, K7TerMeshKind kind, double exaggeration) const {
-  return mesh.Create(*this, kind, exaggeration);
-}
-
-int K7TerTileEX::Render(K7Grfx* g, const K7MapView& view, const K7TerParams& params) const {
-  K7TerRelief relief;
-  const int code = relief.Init(*this, params);
-  return code ? code : relief.Render(g, view);
 }

@@ -46,7 +46,6 @@ class Arc {
 }  // namespace
 
 K7Terrain::~K7Terrain() = default;
-int K7Terrain::Render(K7Grfx*) { return K7_ERR_NOT_IMPLEMENTED; }
 void K7Terrain::ClearSRTImages() {}
 
 int K7Terrain::GetElevUnderLine(const K7LatLon& from, const K7LatLon& to, double resolution, double spacing,

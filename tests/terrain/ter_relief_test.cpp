@@ -1,8 +1,13 @@
 #include "surface.h"
+#include "terrain/region_file.h"
 
+#include <k7/foundation/error_string.h>
 #include <k7/projection/map_view.h>
+#include <k7/terrain/ter_level.h>
 #include <k7/terrain/ter_relief.h>
+#include <k7/terrain/terrain.h>
 
+#include <algorithm>
 #include <limits>
 #include <map>
 #include <vector>
@@ -216,6 +221,119 @@ TEST(TerRelief, TilesMeetInEveryProjection) {
       EXPECT_EQ(0, wrong) << type << ' ' << range;
     }
   }
+}
+
+// An edge beyond 180 is where it is to the pixel, however large the tile stands in the window.
+TEST(TerRelief, ALargeTileAcross180ReachesItsEastEdge) {
+  const auto tile = MakeTile<K7TerTileEX>({4, -4, -177, 175}, 8, 8, [](double, double) { return 10; });
+  for (int type = 0; type <= K7_PROJ_GNOMONIC; ++type) {
+    int error = 0;
+    const std::unique_ptr<K7Projection> projection(
+        K7MapView::CreateProjection(static_cast<K7ProjType>(type), 0.5, -179, 12, &error));
+    K7MapView view(projection.get(), 600, 40);
+    ASSERT_EQ(0, view.LookAt(0.5, -179, 12));
+    Canvas canvas(600, 40);
+    ASSERT_EQ(0, tile->Render(&canvas, view, K7TerParams()));
+    int wrong = 0;
+    for (int i = 0; i < 600 * 40; ++i) {
+      double lat = 0, lon = 0;
+      const bool on = view.FromDevice(i % 600 + 0.5, i / 600 + 0.5, lat, lon) && (lon < -177 || lon >= 175);
+      wrong += (canvas.pixels[static_cast<size_t>(i)] != 0) != on;
+    }
+    EXPECT_EQ(0, wrong) << type;
+  }
+}
+
+// A plain tile draws by itself what one for drawing does without neighbours.
+TEST(TerRelief, APlainTileSmoothsAndShadesItsOwnGrid) {
+  const auto hill = [](double lat, double lon) { return 900 * std::sin(lat * 60) * std::cos(lon * 50); };
+  const auto plain = MakeTile(Bounds(48), 40, 30, hill);
+  const auto drawn = MakeTile<K7TerTileEX>(Bounds(48), 40, 30, hill);
+  const K7TerMeshHold rough(*plain);
+  ASSERT_EQ(0, plain->SmoothMesh());
+  double mean = 0;  // binomial weights
+  for (int r = -1; r <= 1; ++r)
+    for (int c = -1; c <= 1; ++c)
+      mean += rough.Rows()[20 + r][10 + c] * (2 - std::abs(r)) * (2 - std::abs(c)) / 16.0;
+  EXPECT_NEAR(plain->GetMesh()[20][10], mean, 0.5);
+  ASSERT_EQ(0, drawn->SmoothMesh());
+  const K7TerParams params;
+  ASSERT_EQ(0, plain->Generate(&params));
+  ASSERT_EQ(0, drawn->GenShadedRelief(&params));
+  ASSERT_EQ(plain->SRTWidth() * plain->SRTHeight(), 30 * 40);
+  EXPECT_TRUE(std::equal(plain->SRTImage(), plain->SRTImage() + 30 * 40, drawn->SRTImage()));
+  plain->ClearSRTImage();
+  EXPECT_EQ(nullptr, plain->SRTImage());
+  EXPECT_EQ(K7_ERR_NOT_INITIALIZED, K7TerTile(Bounds(0), 4, 4).SmoothMesh());
+}
+
+// What `elevAt` says stands in each pixel about which it says the same. Answers the number of pixels told.
+template <class ElevAt>
+int ExpectDrawn(const Canvas& canvas, const K7MapView& view, double reach, const ElevAt& elevAt) {
+  int wrong = 0, told = 0;
+  for (int i = 0; i < view.Width() * view.Height(); ++i) {
+    double lat = 0, lon = 0;
+    if (!view.FromDevice(i % view.Width() + 0.5, i / view.Width() + 0.5, lat, lon)) continue;
+    const int elev = elevAt(lat, lon);
+    if (elevAt(lat + reach, lon) != elev || elevAt(lat - reach, lon) != elev ||
+        elevAt(lat, lon + reach) != elev || elevAt(lat, lon - reach) != elev)
+      continue;
+    ++told;
+    const uint32_t color = elev < 0 ? 0 : elev < 3280 ? 0xFF102030 : elev < 6560 ? 0xFFA0B0C0 : 0xFF506070;
+    wrong += canvas.pixels[static_cast<size_t>(i)] != color;
+  }
+  EXPECT_EQ(0, wrong);
+  return told;
+}
+
+TEST(TerRelief, TheTerrainDrawsWhatLookupsAnswer) {
+  const int32_t limits[] = {-9999, 1000, 2000};
+  const K7Color colors[] = {K7Color(0xFF102030), K7Color(0xFFA0B0C0), K7Color(0xFF506070)};
+  K7TerParams params;
+  ASSERT_TRUE(params.ColorMap().Init(3, limits, colors));
+  params.m_shadeLand = 0;
+  // A fine region within coarse ones; in a third level two so far apart that one tile cannot have both.
+  const auto stripes = [](int, int column) { return column / 120 % 2 ? 500 : 1500; };
+  const TempFolder folder;
+  folder.Write("12_N30E000.ter", MadeRegion(30, 0, 30, 30, 12, stripes).Bytes());
+  folder.Write("12_N30E030.ter", MadeRegion(30, 30, 30, 30, 12, stripes).Bytes());
+  folder.Write("120_N30E000.ter", MadeRegion(40, 10, 4, 4, 120, [](int, int) { return 2500; }).Bytes());
+  folder.Write("40_S60W120.ter", MadeRegion(-60, -120, 30, 30, 40, stripes).Bytes());
+  folder.Write("40_N60E150.ter", MadeRegion(60, 150, 30, 30, 40, stripes).Bytes());
+  K7TerrainK7::Destroy();
+  K7TerrainK7* const terrain = K7TerrainK7::Inst();
+  ASSERT_EQ(0, terrain->Read(folder.Path().c_str()));
+  K7TerLevel* const far = terrain->GetLevel(1);
+  K7TerLevel* const fine = terrain->GetLevel(2);
+  int toldFar = 0;
+  for (int type = 0; type <= K7_PROJ_GNOMONIC; ++type) {
+    for (const double range : {0.0, 120.0, 800.0}) {
+      SCOPED_TRACE(testing::Message() << "projection " << type << ", range " << range);
+      int error = 0;
+      const std::unique_ptr<K7Projection> projection(
+          K7MapView::CreateProjection(static_cast<K7ProjType>(type), 43, 13, range ? range : 4000, &error));
+      K7MapView view(projection.get(), 160, 120);
+      if ((range == 0 && type % 4 != 0) || view.LookAt(43, 13, range) != 0) continue;
+      Canvas canvas(160, 120);
+      if (range == 0) {
+        ASSERT_EQ(0, far->Render(&canvas, view, params));
+        toldFar += ExpectDrawn(canvas, view, 4, [&](double lat, double lon) {
+          const int elev = far->GetElev(lat, std::remainder(lon, 360));
+          return elev == 0 ? K7_NO_ELEV : elev;
+        });
+        continue;
+      }
+      ASSERT_EQ(0, terrain->Render(&canvas, view, params));
+      const int told = ExpectDrawn(canvas, view, range / 1600, [&](double lat, double lon) {
+        // A lookup would answer 0, the sea, beside the fine region.
+        const int elev = range < 500 ? fine->GetElev(lat, lon) : K7_NO_ELEV;
+        return elev > 0 ? elev : terrain->GetElev(lat, lon, 300);
+      });
+      EXPECT_GT(told, 3000);
+    }
+  }
+  EXPECT_GT(toldFar, 3000);
+  K7TerrainK7::Destroy();
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 class K7Cache;
 class K7ChartRect;
 class K7Grfx;
+class K7MapView;
 class K7String;
 class K7TerRegion;
 class K7TerTile;
@@ -72,6 +73,12 @@ class K7_API K7TerLevel {
   bool AddToCache(K7TerTile* tile);
   /// Drops the shaded-relief images of all tiles.
   void ClearSRTImages();
+  /// Draws what the view shows of the level: all its tiles there as one, so that no edge of theirs shows, or,
+  /// where those have more posts than a K7TerTileEX can, as on maps of the world, in rings of tiles with a
+  /// post a pixel. That reads every tile that is shown: take a level for the scale. Answers 0 (also for
+  /// nothing to draw); K7_ERR_BAD_ARGUMENT for null; K7_ERR_NOT_INITIALIZED for a view that is not set; the
+  /// first failure of `K7TerTileEX::MergeTiles` and its `Render`.
+  int Render(K7Grfx* g, const K7MapView& view, const K7TerParams& params) const;
   /// Answers the rings of the level; there are none until `K7TerRings::Init`, and again after `Clear`.
   K7TerRings& Rings() { return m_rings; }
   /// Answers the ring of a latitude, as `K7TerRings::GetTerRing`.
@@ -82,6 +89,7 @@ class K7_API K7TerLevel {
   friend class K7TerRegion;
   friend class K7TerrainK7;
 
+  bool Covers(const K7ChartRect& area) const;
   K7TerRegion* FindRegion(double lat, double lon) const;
   int TryElev(double lat, double lon, K7TerTile*& unread) const;
   int ReadElev(K7TerTile& tile, double lat, double lon);

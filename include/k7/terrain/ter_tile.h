@@ -10,8 +10,11 @@
 
 class K7File;
 class K7Grfx;
+class K7MapView;
+class K7TerMesh;
 class K7TerParams;
 class K7TerRegion;
+enum K7TerMeshKind : int;
 struct K7TerGrid;
 
 /// Stands in grids for a post without data, and is what a lookup answers that finds no elevation.
@@ -100,18 +103,33 @@ class K7_API K7TerTile : public K7CacheObj {
   /// @}
 
   /// \name Drawing
-  /// A plain tile draws nothing; `K7TerTileEX` does.
+  /// Of the tile alone. A K7TerTileEX knows the posts around it, and so meets its neighbours without a seam.
+  /// Grids that are absent are read, for the call alone, by all but `SmoothMesh`.
   /// @{
   /// Answers whether there is a grid.
   virtual bool ValidMesh() const { return GetMesh() != nullptr; }
   virtual void FreeMesh() { Clear(); }
-  /// Answer K7_ERR_NOT_IMPLEMENTED.
+  /// Takes the noise out of the grid: each post becomes the mean of it and its neighbours with the weights
+  /// 1 2 1 in both directions, those of the edges along them only. A grid that is freed and read again is as
+  /// in the file. Answers 0, K7_ERR_NOT_INITIALIZED without a grid, or K7_ERR_MEMORY.
   virtual int SmoothMesh();
+  /// Makes the shaded picture from what there is; see `GenShadedRelief`.
   virtual int Generate(const K7TerParams* params);
-  virtual int GenShadedRelief(const K7TerParams* params);
-  virtual int Render(K7Grfx* g);
-  /// Drops the shaded-relief image; a plain tile has none.
-  virtual void ClearSRTImage();
+  /// Makes the shaded picture, a pixel a post or `width` by `height` pixels, as `K7TerRelief::Image` does. It
+  /// stays until `ClearSRTImage` and counts in no cache. Answers 0; K7_ERR_BAD_ARGUMENT for null, sizes below
+  /// 1 and more than 2^24 pixels; what `K7TerRelief::Init` answers; K7_ERR_MEMORY. Failed, the former picture
+  /// stays.
+  int GenShadedRelief(const K7TerParams* params);
+  int GenShadedRelief(const K7TerParams* params, int width, int height);
+  /// Answers the picture, rows from the north, 0xAARRGGBB; null when there is none.
+  const uint32_t* SRTImage() const { return m_image; }
+  int SRTWidth() const { return m_imageWidth; }
+  int SRTHeight() const { return m_imageHeight; }
+  void ClearSRTImage();
+  /// Makes triangles, as `K7TerMesh::Create` does.
+  int CreateMesh(K7TerMesh& mesh, K7TerMeshKind kind, double exaggeration) const;
+  /// Draws the tile where the view shows it. Answers what `K7TerRelief::Init` and its `Render` do.
+  int Render(K7Grfx* g, const K7MapView& view, const K7TerParams& params) const;
   /// @}
 
   /// Bits per pixel of textures, the setting "TerrainTextureBitDepth"; 0 when it was never read. Set while
@@ -143,6 +161,9 @@ class K7_API K7TerTile : public K7CacheObj {
   std::atomic<int64_t> m_restUntil{0};        // no lookup reads before then, after one that failed
   std::atomic<K7TerGrid*> m_grid{nullptr};
   K7TerRegion* m_region = nullptr;
+  uint32_t* m_image = nullptr;
+  int m_imageWidth = 0;
+  int m_imageHeight = 0;
 };
 
 /// A K7TerMeshHold has the rows of a tile's grid for as long as it lives, whatever other threads read, evict

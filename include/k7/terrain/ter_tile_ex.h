@@ -9,8 +9,6 @@
 
 #include <cstdint>
 
-class K7Grfx;
-class K7MapView;
 class TilePosts;
 
 /// A K7TerTileEX has a grid of its own over bounds of its own, merged from tiles of region files, and makes
@@ -79,26 +77,8 @@ class K7_API K7TerTileEX : public K7TerTile {
   void FreeContents() override { Free(); }
   /// @}
 
-  /// \name Drawing
-  /// @{
   /// Merges and shades: what it takes from tiles added to a picture. Answers 0 or what failed.
   int Generate(const K7TerParams* params) override;
-  /// Makes the shaded picture, a pixel a post or `width` by `height` pixels, as `K7TerRelief::Image` does.
-  /// Answers 0; K7_ERR_BAD_ARGUMENT for null, sizes below 1 and more than 2^24 pixels; what
-  /// `K7TerRelief::Init` answers; K7_ERR_MEMORY. Failed, the former picture stays.
-  int GenShadedRelief(const K7TerParams* params) override;
-  int GenShadedRelief(const K7TerParams* params, int width, int height);
-  /// Answers the picture, rows from the north, 0xAARRGGBB; null when there is none.
-  const uint32_t* SRTImage() const { return m_image; }
-  int SRTWidth() const { return m_imageWidth; }
-  int SRTHeight() const { return m_imageHeight; }
-  void ClearSRTImage() override;
-  /// Makes triangles, as `K7TerMesh::Create` does.
-  int CreateMesh(K7TerMesh& mesh, K7TerMeshKind kind, double exaggeration) const;
-  /// Draws the tile where the view shows it. Answers what `K7TerRelief::Init` and its `Render` do.
-  using K7TerTile::Render;
-  int Render(K7Grfx* g, const K7MapView& view, const K7TerParams& params) const;
-  /// @}
 
  private:
   friend class TilePosts;
@@ -113,9 +93,6 @@ class K7_API K7TerTileEX : public K7TerTile {
   K7PtrArray m_sources;
   int16_t* m_rim = nullptr;  // the grid as it was merged and the posts around it, row by row
   int m_rimPosts = 0;
-  uint32_t* m_image = nullptr;
-  int m_imageWidth = 0;
-  int m_imageHeight = 0;
   K7ChartRect m_wishedBounds;  // as `Init` was told; merging chooses what is open
   int m_wishedRows = 0;
   int m_wishedColumns = 0;

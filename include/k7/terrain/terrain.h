@@ -12,7 +12,9 @@
 
 class K7Array;
 class K7Grfx;
+class K7MapView;
 class K7TerLevel;
+class K7TerParams;
 
 /// One point of a profile.
 struct K7TerElevPoint {
@@ -50,8 +52,8 @@ class K7_API K7Terrain {
   /// \name Drawing
   /// Here nothing is drawn.
   /// @{
-  /// Answers 0 or a code; here K7_ERR_NOT_IMPLEMENTED.
-  virtual int Render(K7Grfx* g);
+  /// Draws what the view shows of the terrain. Answers 0 or a code; here K7_ERR_NOT_IMPLEMENTED.
+  virtual int Render(K7Grfx* g, const K7MapView& view, const K7TerParams& params);
   virtual void ClearSRTImages();
   /// @}
 
@@ -110,6 +112,13 @@ class K7_API K7TerrainK7 : public K7Terrain {
   static int GetLevelIndex(double resolution);
   /// @}
 
+  /// Draws what the view shows, shaded and in the colours of `params`, by `K7TerLevel::Render`: of the
+  /// coarsest level that has a post for every two pixels, else the finest that has a region there, and below
+  /// it, where tiles are missing, of coarser ones. Grids are read for the call and not kept in the cache.
+  /// Lookups of grids in memory go on meanwhile, others wait. Answers 0 (also for nothing to draw);
+  /// K7_ERR_BAD_ARGUMENT for null; K7_ERR_NOT_INITIALIZED for a view that is not set; what `Read` answers
+  /// when nothing was read; the first failure of a level.
+  int Render(K7Grfx* g, const K7MapView& view, const K7TerParams& params) override;
   /// Answers a level for drawing, good until the levels are dropped or read; null outside and for a level
   /// that was not read.
   K7TerLevel* GetLevel(int index);
