@@ -1,13 +1,15 @@
 // Elevations at random places, beside a read of one pixel from GDAL's dataset in memory and a bare array of
-// the same posts; the first touch of a tile beside a bare inflate.
+// the same posts; the first touch of a tile beside a bare inflate; charts; the memory of a full cache.
 #include <benchmark/benchmark.h>
 #include <gdal.h>
 #include <k7/core.h>
+#include <malloc.h>
 #include <zlib.h>
 
 #include "terrain/region_file.h"
 
 #include <cmath>
+#include <memory>
 #include <random>
 
 namespace {
@@ -139,5 +141,70 @@ void FirstTouch_BareInflate(benchmark::State& state) {
   }
 }
 BENCHMARK(FirstTouch_BareInflate)->Unit(benchmark::kMicrosecond);
+
+// A chart of all nine tiles, tinted and shaded: from files to pixels, and the pixels alone.
+struct ChartScene {
+  std::unique_ptr<K7Projection> projection;
+  std::unique_ptr<K7MapView> view;
+  K7TerParams params;
+
+  ChartScene() {
+    int error = 0;
+    projection.reset(K7MapView::CreateProjection(K7_PROJ_LAMBERT, SOUTH + 1.5, WEST + 1.5, 75, &error));
+    view = std::make_unique<K7MapView>(projection.get(), 1600, 1000);
+    view->LookAt(SOUTH + 1.5, WEST + 1.5, 75);
+    const int32_t limits[] = {-9999, 0, 300, 600, 1000, 1500};
+    const K7Color colors[] = {K7Color(0xFF7AABCD), K7Color(0xFFCBDDBE), K7Color(0xFFEBEAC6),
+                              K7Color(0xFFF2E4B8), K7Color(0xFFEBD3A3), K7Color(0xFFDEBE90)};
+    params.ColorMap().Init(6, limits, colors);
+  }
+};
+
+void Chart1600x1000_FromFiles(benchmark::State& state) {
+  ChartScene scene;
+  K7GrfxK7 canvas(1600, 1000);
+  K7TerrainK7* const terrain = Data().terrain;
+  for (auto _ : state) {
+    terrain->ClearCache();
+    if (terrain->Render(&canvas, *scene.view, scene.params) != 0) return state.SkipWithError("no chart");
+  }
+}
+BENCHMARK(Chart1600x1000_FromFiles)->Unit(benchmark::kMillisecond);
+
+void Chart1600x1000_Pixels(benchmark::State& state) {
+  ChartScene scene;
+  K7GrfxK7 canvas(1600, 1000);
+  const K7TerRegion* const region = Data().terrain->GetLevel(4)->RegionAt(SOUTH, WEST);
+  K7TerTileEX tile;
+  tile.Init(K7ChartRect(), 0, 0);
+  for (int i = 0; i < TILES * TILES; ++i) tile.AddTileForMerge(region->Tile(i / TILES, i % TILES));
+  K7TerRelief relief;
+  if (tile.MergeTiles() != 0 || relief.Init(tile, scene.params) != 0) return state.SkipWithError("no relief");
+  for (auto _ : state) relief.Render(&canvas, *scene.view);
+}
+BENCHMARK(Chart1600x1000_Pixels)->Unit(benchmark::kMillisecond);
+
+// What the heap has more of when a cache is full, over the cache's setting.
+void FullCache_Memory(benchmark::State& state) {
+  const auto inUse = [] {
+    const struct mallinfo2 heap = mallinfo2();
+    return static_cast<double>(heap.uordblks + heap.hblkhd);
+  };
+  K7TerrainK7* const terrain = Data().terrain;
+  double grids = 0;
+  for (auto _ : state) {
+    terrain->ClearCache();
+    const double before = inUse();
+    for (int i = 0; i < TILES * TILES; ++i)
+      terrain->GetElev(SOUTH + i / TILES + 0.5, WEST + i % TILES + 0.5, 3);
+    grids = inUse() - before;
+  }
+  state.counters["of_setting"] = grids / (13 << 20);
+}
+BENCHMARK(FullCache_Memory)
+    ->Iterations(1)
+    ->Setup(SmallCache)
+    ->Teardown(FullCache)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

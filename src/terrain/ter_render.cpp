@@ -15,20 +15,32 @@ using k7ter::CELL_DEGREES;
 
 namespace {
 
-// Posts that a tile of a ring has in a row, about, and source posts that it has in a column, at most.
-constexpr double RING_POSTS = 1024, RING_SOURCE_POSTS = 2048;
+// Posts that a tile of a ring has in a row, about, and source posts that it has in a column, at most. With
+// fewer than the least, the posts around it would be many times its own.
+constexpr double RING_POSTS = 1024, RING_SOURCE_POSTS = 2048, LEAST_RING_POSTS = 64;
 
 double PixelsPerDegree(const K7MapView& view) { return 60 / view.NMPerPixel(); }
 
-// All tiles that the view shows as one, post by post as they are in the files.
+// All tiles that the view shows as one: post by post as they are in the files, or, where many would share a
+// pixel, with a post a pixel.
 template <class ForEachTile>
-int DrawWhole(const ForEachTile& forEachTile, K7Grfx* g, const K7MapView& view, const K7TerParams& params) {
+int DrawWhole(const ForEachTile& forEachTile, int resolution, K7Grfx* g, const K7MapView& view,
+              const K7TerParams& params) {
+  K7ChartRect bounds;
+  forEachTile([&](K7TerTile* tile) { bounds.BoundingUnion(bounds, tile->GetChartRect()); });
+  if (bounds.IsEmpty()) return 0;
+  double rows = 0, columns = 0;
+  if (resolution > 2 * PixelsPerDegree(view)) {
+    const double width = bounds.East() - bounds.West() + (bounds.East() < bounds.West() ? 360 : 0);
+    rows = std::ceil((bounds.North() - bounds.South()) * PixelsPerDegree(view));
+    columns = std::ceil(width * PixelsPerDegree(view));
+    if (!(std::max(rows, columns) <= INT16_MAX)) return K7_ERR_OUT_OF_RANGE;
+  }
   K7TerTileEX whole;
-  int code = whole.Init(K7ChartRect(), 0, 0);
+  int code = whole.Init(bounds, static_cast<int>(rows), static_cast<int>(columns));
   forEachTile([&](K7TerTile* tile) {
     if (!code) code = whole.AddTileForMerge(tile);
   });
-  if (!code && whole.MergeCount() == 0) return 0;
   if (!code) code = whole.MergeTiles();
   return code ? code : whole.Render(g, view, params);
 }
@@ -41,7 +53,7 @@ int DrawRings(const ForEachTile& forEachTile, int resolution, K7Grfx* g, const K
   const double wanted = std::max(postsPerDegree / RING_POSTS, resolution / RING_SOURCE_POSTS);
   const int bands = std::max(2, static_cast<int>(std::ceil(180 * wanted)));
   const double height = 180.0 / bands;
-  const int posts = std::max(1, static_cast<int>(std::ceil(height * postsPerDegree)));
+  const int posts = static_cast<int>(std::ceil(std::max(height * postsPerDegree, LEAST_RING_POSTS)));
   const K7ChartRect extent = view.GetExtent();
   int failure = 0;
   for (int band = 0; band < bands; ++band) {
@@ -80,7 +92,7 @@ int K7TerLevel::Render(K7Grfx* g, const K7MapView& view, const K7TerParams& para
         }
     }
   };
-  const int code = DrawWhole(forEachTile, g, view, params);
+  const int code = DrawWhole(forEachTile, m_resolution, g, view, params);
   return code == K7_ERR_OUT_OF_RANGE ? DrawRings(forEachTile, m_resolution, g, view, params) : code;
 }
 

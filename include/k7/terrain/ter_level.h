@@ -73,11 +73,11 @@ class K7_API K7TerLevel {
   bool AddToCache(K7TerTile* tile);
   /// Drops the shaded-relief images of all tiles.
   void ClearSRTImages();
-  /// Draws what the view shows of the level: all its tiles there as one, so that no edge of theirs shows, or,
-  /// where those have more posts than a K7TerTileEX can, as on maps of the world, in rings of tiles with a
-  /// post a pixel. That reads every tile that is shown: take a level for the scale. Answers 0 (also for
-  /// nothing to draw); K7_ERR_BAD_ARGUMENT for null; K7_ERR_NOT_INITIALIZED for a view that is not set; the
-  /// first failure of `K7TerTileEX::MergeTiles` and its `Render`.
+  /// Draws what the view shows of the level: all its tiles there as one, so that no edge of theirs shows,
+  /// with the files' posts or a post a pixel; where those are more than a K7TerTileEX can have, as on maps of
+  /// the world, in rings of tiles. That reads every tile that is shown: take a level for the scale. Answers 0
+  /// (also for nothing to draw); K7_ERR_BAD_ARGUMENT for null; K7_ERR_NOT_INITIALIZED for a view that is not
+  /// set; the first failure of `K7TerTileEX::MergeTiles` and its `Render`.
   int Render(K7Grfx* g, const K7MapView& view, const K7TerParams& params) const;
   /// Answers the rings of the level; there are none until `K7TerRings::Init`, and again after `Clear`.
   K7TerRings& Rings() { return m_rings; }
