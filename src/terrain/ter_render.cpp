@@ -99,8 +99,8 @@ int K7TerLevel::Render(K7Grfx* g, const K7MapView& view, const K7TerParams& para
 // Whether there is a tile for every place of an area, which may touch what it does not reach.
 bool K7TerLevel::Covers(const K7ChartRect& area) const {
   for (int slot = 0; slot < BANDS * COLUMNS; ++slot) {
-    const double south = slot / COLUMNS * CELL_DEGREES - 90, north = south + CELL_DEGREES;
-    const double west = slot % COLUMNS * CELL_DEGREES - 180, east = west + CELL_DEGREES;
+    const int south = slot / COLUMNS * CELL_DEGREES - 90, north = south + CELL_DEGREES;
+    const int west = slot % COLUMNS * CELL_DEGREES - 180, east = west + CELL_DEGREES;
     if (!area.AreaIn(north, south, east, west)) continue;
     const K7TerRegion* const region = m_regions[slot];
     if (!region) return false;
