@@ -262,11 +262,11 @@ refuses "profile takes no --no-legend" profile KSEA CYVR --no-legend
 refuses "elev needs at least one position" elev
 refuses "cannot read the position '91 10'" elev "48 -123" "91 10"
 refuses "up to 3600, not '0'" elev --resolution 0 "48 -123"
-refuses "cannot read the folder none" elev --terrain none "48 -123"
+refuses "cannot read the terrain folder 'none'" elev --terrain none "48 -123"
 mkdir odd
 cp "$sample"/terrain/120_N30W150.ter odd/7_N30W150.ter
 refuses "as 120_N30W150.ter" elev --terrain odd "48 -123"
-refuses "there are no region files (.ter) in empty" profile KSEA CYVR --terrain empty
+refuses "there are no region files (.ter) in 'empty'" profile KSEA CYVR --terrain empty
 refuses "unexpected argument '-5'" draw -5
 refuses "unexpected argument ''" draw ""
 refuses "no verb ''" ""
