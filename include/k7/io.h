@@ -6,3 +6,4 @@
 #include <k7/io/io.h>
 #include <k7/io/io_native.h>
 #include <k7/io/xml_elem.h>
+#include <k7/io/xml_output.h>

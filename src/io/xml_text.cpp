@@ -1,5 +1,8 @@
 #include "io/xml_text.h"
 
+#include <k7/foundation/error_string.h>
+#include <k7/foundation/string.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -44,6 +47,12 @@ const char* K7XmlText::Text() const {
   if (!m_bytes) return "";
   m_bytes[m_size] = 0;
   return m_bytes;
+}
+
+int K7XmlText::CopyTo(K7String& out, bool failed) const {
+  if (!failed && !m_failed && out.Copy(Text(), Size()) >= 0) return 0;
+  out.Clear();
+  return K7_ERR_MEMORY;
 }
 
 size_t K7XmlText::PlainLength(const char* text) {

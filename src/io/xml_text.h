@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstring>
 
+class K7String;
+
 /// The whitespace of XML texts: blank, tab, line feed, vertical tab, form feed, carriage return.
 constexpr bool IsXmlSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
@@ -46,6 +48,9 @@ class K7XmlText {
   /// Drops what is behind the first `size` bytes.
   void Cut(int size) { m_size = static_cast<size_t>(size); }
   bool Failed() const { return m_failed; }
+  /// Makes `out` this text: 0; K7_ERR_MEMORY, with `out` empty, when this or what it was made of (`failed`)
+  /// lacked memory.
+  int CopyTo(K7String& out, bool failed = false) const;
   /// Terminated, never null.
   const char* Text() const;
   int Size() const { return static_cast<int>(m_size); }

@@ -1,4 +1,4 @@
-#include "navdata/xml_field.h"
+#include "io/xml_field.h"
 
 #include <k7/navdata/alt.h>
 
@@ -45,5 +45,5 @@ K7String K7Alt::GetAltString() const {
 int K7Alt::ToXML(K7NavData*, K7XmlOutputType_t, K7XmlElem& parent, const char* name, bool metric) const {
   K7String text;
   const int err = ToString(text, false, metric);
-  return err ? err : k7nav::AddElement(parent, name, name, text);
+  return err ? err : k7xml::AddElement(parent, name, name, text);
 }

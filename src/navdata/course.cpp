@@ -1,4 +1,4 @@
-#include "navdata/xml_field.h"
+#include "io/xml_field.h"
 
 #include <k7/foundation/error_string.h>
 #include <k7/navdata/course.h>
@@ -23,5 +23,5 @@ int K7Course::GetCardinalDir(K7String& out) const {
 int K7Course::ToXML(K7NavData*, K7XmlOutputType_t, K7XmlElem& parent, const char* name) const {
   K7String text;
   const int err = ToString(text);
-  return err ? err : k7nav::AddElement(parent, name, name, text);
+  return err ? err : k7xml::AddElement(parent, name, name, text);
 }

@@ -19,7 +19,7 @@ int K7NavKey::typeString(K7String& out) const {
 }
 
 int K7NavKey::ToXML(K7NavData*, K7XmlOutputType_t, K7XmlElem& elem) const {
-  k7nav::XmlTree tree(elem);
+  k7xml::XmlTree tree(elem);
   K7XmlText text;
   k7nav::WriteWords(tree, text, *this);
   return text.Failed() ? int{K7_ERR_MEMORY} : tree.Result();

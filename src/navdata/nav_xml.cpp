@@ -97,7 +97,7 @@ string_view Trimmed(string_view text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-void AddNote(XmlSink& out, K7XmlText& text, const char* element, const char* label) {
+void AddNote(k7xml::XmlSink& out, K7XmlText& text, const char* element, const char* label) {
   if (text.Size() > 0) out.Add(element, label, text.Text());
 }
 
@@ -113,7 +113,7 @@ constexpr Service SERVICES[] = {{"CPDLC:", "CPDLCService", "CPDLC Service"},
 
 // A marker takes all that is behind it, divided where it stands again: a marker that comes later in the list
 // is looked for in what the earlier ones left.
-void AddNotes(XmlSink& out, K7XmlText& text, string_view notes) {
+void AddNotes(k7xml::XmlSink& out, K7XmlText& text, string_view notes) {
   string_view taken[std::size(SERVICES)];
   for (size_t i = 0; i < std::size(SERVICES); ++i) {
     const size_t at = notes.find(SERVICES[i].marker);
@@ -144,7 +144,7 @@ void AddNotes(XmlSink& out, K7XmlText& text, string_view notes) {
 }
 
 // What all types have.
-void AddShared(XmlSink& out, K7XmlText& text, const K7NavRec& rec, K7XmlOutputType_t type) {
+void AddShared(k7xml::XmlSink& out, K7XmlText& text, const K7NavRec& rec, K7XmlOutputType_t type) {
   if (type == K7XML_FULL) WriteKey(out, text, "NavKey", rec.key);
   out.Add("Type", "Type", K7NavData::TypeName(rec.Type()));
   if (const char* notes = rec.notes) AddNotes(out, text, notes);
@@ -183,13 +183,10 @@ void AddRecord(Rendering& r, const Renderer& renderer, const K7NavRec& rec, cons
 
 int Render(K7NavData* data, const Renderer& renderer, const K7NavRec& rec, K7XmlOutputType_t type,
            K7String& out) {
-  XmlDocument document;
+  k7xml::XmlDocument document;
   Rendering r{data, type, document};
   AddRecord(r, renderer, rec, "Record");
-  const bool failed = r.failed || r.text.Failed() || document.Failed();
-  if (!failed && out.Copy(document.Text(), document.Size()) >= 0) return 0;
-  out.Clear();
-  return K7_ERR_MEMORY;
+  return document.CopyTo(out, r.failed || r.text.Failed());
 }
 
 int WriteContent(const char* content, K7String& out) {
@@ -259,7 +256,7 @@ int K7NavRec::ToXML(K7NavData* data, K7XmlOutputType_t type, K7String& out) cons
 }
 
 int K7NavRec::ToXML(K7NavData*, K7XmlOutputType_t type, K7XmlElem& root) const {
-  k7nav::XmlTree tree(root);
+  k7xml::XmlTree tree(root);
   K7XmlText text;
   k7nav::AddShared(tree, text, *this, type);
   return text.Failed() ? int{K7_ERR_MEMORY} : tree.Result();

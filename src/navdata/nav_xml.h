@@ -1,7 +1,7 @@
 // Rendering of records: a table of rows a type, a row an element.
 #pragma once
 
-#include "navdata/xml_sink.h"
+#include "io/xml_sink.h"
 
 #include <k7/navdata/nav_data.h>
 
@@ -23,7 +23,7 @@ struct Row;
 struct Rendering {
   K7NavData* data;  ///< null when nothing is looked up
   K7XmlOutputType_t type;
-  XmlDocument& out;
+  k7xml::XmlDocument& out;
   bool nests = true;         ///< rows of related records count: in the record itself, not in those within
   const Row* row = nullptr;  ///< the row at work
   K7XmlText text = {};       ///< of its element

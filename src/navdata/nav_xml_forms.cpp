@@ -78,7 +78,7 @@ bool PutIdentOf(Rendering& r, const K7NavKey& key) {
   return fix && Text<decltype(fix->ident)>(r, fix->ident);
 }
 
-void WriteWords(XmlSink& out, K7XmlText& text, const K7NavKey& key) {
+void WriteWords(k7xml::XmlSink& out, K7XmlText& text, const K7NavKey& key) {
   text.Clear();
   PutNumber(text, key.Idx());
   out.Add("Index", nullptr, text.Text());
@@ -87,7 +87,7 @@ void WriteWords(XmlSink& out, K7XmlText& text, const K7NavKey& key) {
   out.Add("NavType", nullptr, text.Text());
 }
 
-void WriteKey(XmlSink& out, K7XmlText& text, const char* element, const K7NavKey& key) {
+void WriteKey(k7xml::XmlSink& out, K7XmlText& text, const char* element, const K7NavKey& key) {
   out.Open(element);
   WriteWords(out, text, key);
   out.Close(element);

@@ -287,8 +287,8 @@ bool KnownLatLong(Rendering& r, const void* member) {
 }
 
 // Keys of other records, as elements of their own; and the identifiers that the store knows of them.
-void WriteWords(XmlSink& out, K7XmlText& text, const K7NavKey& key);
-void WriteKey(XmlSink& out, K7XmlText& text, const char* element, const K7NavKey& key);
+void WriteWords(k7xml::XmlSink& out, K7XmlText& text, const K7NavKey& key);
+void WriteKey(k7xml::XmlSink& out, K7XmlText& text, const char* element, const K7NavKey& key);
 template <class M>
 bool AnyKey(Rendering& r, const void* member) {
   static_assert(std::is_same_v<M, K7NavKey>);

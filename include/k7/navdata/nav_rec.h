@@ -3,6 +3,7 @@
 
 #include <k7/export.h>
 #include <k7/foundation/string.h>
+#include <k7/io/xml_output.h>
 #include <k7/navdata/alt.h>
 #include <k7/navdata/course.h>
 #include <k7/navdata/nav_key.h>
@@ -13,14 +14,6 @@
 
 class K7NavData;
 class K7XmlElem;
-
-/// Flavour of an XML rendering. Any other value renders the common elements, without keys.
-enum K7XmlOutputType_t : int {
-  K7XML_PLAIN = 0,
-  K7XML_FULL = 1,      ///< with the keys of the record and of related ones, and all details
-  K7XML_DISPLAY = 2,   ///< for reading: positions in one element, coded flags in words
-  K7XML_DOCUMENT = 4,  ///< the text of a regional note itself; plain for all other records
-};
 
 /// Text of a record: a pointer to NUL-terminated windows-1252 text that the record does not own and that
 /// whoever filled the record keeps alive as long as the record. 8 bytes on every target, so that layouts

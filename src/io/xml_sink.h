@@ -6,7 +6,7 @@
 #include <k7/foundation/string.h>
 #include <k7/io/xml_elem.h>
 
-namespace k7nav {
+namespace k7xml {
 
 /// Takes elements in the order of the text. What fails is kept and asked for at the end.
 class XmlSink {
@@ -46,6 +46,7 @@ class XmlDocument final : public XmlSink {
 
   bool Failed() const { return m_text.Failed(); }
   const char* Text() const { return m_text.Text(); }
+  int CopyTo(K7String& out, bool failed) const { return m_text.CopyTo(out, failed); }
   int Size() const { return m_text.Size(); }
   /// Replaces all from `at` on.
   void Replace(int at, const K7XmlText& text);
@@ -57,4 +58,4 @@ class XmlDocument final : public XmlSink {
   size_t m_depth = 0;
 };
 
-}  // namespace k7nav
+}  // namespace k7xml

@@ -1,12 +1,12 @@
-#include "navdata/xml_sink.h"
+#include "io/xml_sink.h"
 
-#include "navdata/xml_field.h"
+#include "io/xml_field.h"
 
 #include <k7/foundation/error_string.h>
 
 #include <new>
 
-namespace k7nav {
+namespace k7xml {
 
 void XmlTree::Open(const char* element) {
   if (m_err) return;
@@ -70,4 +70,4 @@ void XmlDocument::Replace(int at, const K7XmlText& text) {
   m_text.Append(text.Text(), static_cast<size_t>(text.Size()));
 }
 
-}  // namespace k7nav
+}  // namespace k7xml

@@ -3,9 +3,9 @@
 
 class K7XmlElem;
 
-namespace k7nav {
+namespace k7xml {
 
 /// Appends a child with the attribute Name="label", none for null. 0 or K7_ERR_MEMORY.
 int AddElement(K7XmlElem& parent, const char* name, const char* label, const char* text);
 
-}  // namespace k7nav
+}  // namespace k7xml
