@@ -11,6 +11,7 @@
 #include <k7/geometry/shape_tile.h>
 #include <k7/geometry/shp_dbf.h>
 #include <k7/geometry/shp_file.h>
+#include <k7/geometry/shp_layer.h>
 #include <k7/geometry/shp_obj.h>
 #include <k7/geometry/tile_feature.h>
 #include <k7/geometry/tile_join.h>

@@ -30,8 +30,8 @@ constexpr FeatureRow PARKING_STAND[] = {
 };
 constexpr FeatureRow DISPLACED_AREA[] = {
     AIRPORT, {"IDTHR", "Runway Displaced Area Threshold"}, STATUS, AIRCRAFT, LENGTH};
-constexpr FeatureRow RUNWAY[] = {
-    AIRPORT, {"IDRWY", "Runway Identification"}, STATUS, AIRCRAFT, LENGTH, {"WIDTH", "Width", Form::Metres}};
+constexpr FeatureRow RUNWAY[] = {AIRPORT, {"IDRWY", "Runway Identification"}, STATUS, AIRCRAFT,
+                                 LENGTH,  {"WIDTH", "Width", Form::Metres}};
 constexpr FeatureRow EXIT_LINE[] = {
     AIRPORT, {"IDLIN", "Exit Line Identification"}, STATUS, {"DIREC", "Direction"}};
 constexpr FeatureRow THRESHOLD[] = {

@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <strings.h>
+#include <string>
 #include <variant>
 #include <vector>
 
@@ -136,8 +136,9 @@ TEST(Shape, AttributesAreWrittenByTheirTypeAndNamedAsElementsMayBe) {
                               {"TEXT", std::string("a<b & \"c\"")},
                               {"EMPTY", std::string("  ")},
                               {"", 9}});
-  EXPECT_EQ(layer.Shown(K7XML_FULL), (Lines{"COUNT|COUNT|-5", "LARGE|LARGE|1099511627776",
-                                            "_2nd__try_|_2nd__try_|2.001", "TEXT|TEXT|a<b & \"c\"", "_|_|9"}));
+  EXPECT_EQ(layer.Shown(K7XML_FULL),
+            (Lines{"COUNT|COUNT|-5", "LARGE|LARGE|1099511627776", "_2nd__try_|_2nd__try_|2.001",
+                   "TEXT|TEXT|a<b & \"c\"", "_|_|9"}));
 }
 
 TEST(Shape, SpecialValuesAreUnknownOrLeftOut) {
@@ -196,26 +197,26 @@ TEST(Shape, EachKindHasItsAttributes) {
     K7ShapeType type;
     size_t count;
     const char *last, *name;
-  } KINDS[] = {{K7_SHAPE_APRON, 5, "Aircraft restrictions", "Apron"},
-               {K7_SHAPE_DEICING_AREA, 4, "Aircraft restrictions", "Deicing Area"},
-               {K7_SHAPE_FREQUENCY_AREA, 4, "Information", "Frequency Area"},
-               {K7_SHAPE_HOTSPOT, 3, "Notes", "Hotspot"},
-               {K7_SHAPE_PARKING_STAND, 10, "Fuel", "Parking Stand"},
-               {K7_SHAPE_DISPLACED_AREA, 5, "Length", "Runway Displaced Area"},
-               {K7_SHAPE_RUNWAY, 6, "Width", "Runway"},
-               {K7_SHAPE_EXIT_LINE, 4, "Direction", "Exit Line"},
-               {K7_SHAPE_THRESHOLD, 8, "Elevation", "Runway Threshold"},
-               {K7_SHAPE_TAXIWAY, 3, "Status", "Taxiway"},
-               {K7_SHAPE_HOLDING_POSITION, 4, "Taxiway Holding Position Type", "Taxiway Holding Position"},
-               {K7_SHAPE_HOLDING_LINE, 2, "Taxiway Holding Position Identification",
-                "Taxiway Holding Position"},
-               {K7_SHAPE_VERTICAL_STRUCTURE, 3, "Vertical Structure Type", "Vertical Structure"}};
+  } KINDS[] = {
+      {K7_SHAPE_APRON, 5, "Aircraft restrictions", "Apron"},
+      {K7_SHAPE_DEICING_AREA, 4, "Aircraft restrictions", "Deicing Area"},
+      {K7_SHAPE_FREQUENCY_AREA, 4, "Information", "Frequency Area"},
+      {K7_SHAPE_HOTSPOT, 3, "Notes", "Hotspot"},
+      {K7_SHAPE_PARKING_STAND, 10, "Fuel", "Parking Stand"},
+      {K7_SHAPE_DISPLACED_AREA, 5, "Length", "Runway Displaced Area"},
+      {K7_SHAPE_RUNWAY, 6, "Width", "Runway"},
+      {K7_SHAPE_EXIT_LINE, 4, "Direction", "Exit Line"},
+      {K7_SHAPE_THRESHOLD, 8, "Elevation", "Runway Threshold"},
+      {K7_SHAPE_TAXIWAY, 3, "Status", "Taxiway"},
+      {K7_SHAPE_HOLDING_POSITION, 4, "Taxiway Holding Position Type", "Taxiway Holding Position"},
+      {K7_SHAPE_HOLDING_LINE, 2, "Taxiway Holding Position Identification", "Taxiway Holding Position"},
+      {K7_SHAPE_VERTICAL_STRUCTURE, 3, "Vertical Structure Type", "Vertical Structure"}};
   std::vector<Value> all;
   for (const char* const key :
-       {"IDARPT", "IDAPRON", "APRONTYP", "STATUS", "RESTACFT", "IDENT", "FRQ",  "STATION", "INFO",  "IDHOT",
-        "NOTES",  "IDSTD",   "TERMREF",  "JETWAY", "TOWING",   "DOCKING", "GNDPOWER", "FUEL", "IDTHR", "LENGTH",
-        "IDRWY",  "WIDTH",   "IDLIN",    "DIREC",  "TORA",     "TODA",  "LDA",  "ASDA",    "ELEV",  "TYPE",
-        "PLYSTTYP"})
+       {"IDARPT",   "IDAPRON", "APRONTYP", "STATUS", "RESTACFT", "IDENT",  "FRQ",     "STATION",
+        "INFO",     "IDHOT",   "NOTES",    "IDSTD",  "TERMREF",  "JETWAY", "TOWING",  "DOCKING",
+        "GNDPOWER", "FUEL",    "IDTHR",    "LENGTH", "IDRWY",    "WIDTH",  "IDLIN",   "DIREC",
+        "TORA",     "TODA",    "LDA",      "ASDA",   "ELEV",     "TYPE",   "PLYSTTYP"})
     all.push_back({key, std::string("x")});
   Layer layer;
   for (const auto& kind : KINDS) {

@@ -1,0 +1,23 @@
+// Texts of attribute tables in windows-1252, whatever code page they were written in.
+#pragma once
+
+#include <cstdint>
+
+namespace k7page {
+
+/// 128 characters of windows-1252 for the bytes from 0x80 on, or one of the two below.
+using Page = const char*;
+
+extern const Page WINDOWS_1252;  ///< as it is
+extern const Page UTF_8;
+
+/// By what a ".cpg" file says ("UTF-8", "ISO-8859-1", "CP850", "ANSI 1250", "65001"); null for another.
+Page ByName(const char* name);
+/// By the language driver byte of a dBASE header; null for another.
+Page ByDriver(uint8_t driver);
+
+/// Turns a text into windows-1252, in place: it never grows. Letters that the page does not have lose their
+/// marks, other characters become "?", control characters blanks.
+void Convert(Page page, char* text);
+
+}  // namespace k7page

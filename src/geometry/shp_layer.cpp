@@ -1,0 +1,174 @@
+#include <k7/geometry/shp_layer.h>
+
+#include "geometry/code_page.h"
+#include "geometry/shp_layer_store.h"
+#include "io/read.h"
+
+#include <k7/foundation/error_string.h>
+#include <k7/io/io.h>
+#include <k7/projection/grfx.h>
+#include <k7/projection/map_path.h>
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+namespace {
+
+// "land" of "data/land.shp".
+int TakeName(const char* path, K7String& name) {
+  const char* start = path;
+  for (const char* p = path; *p; ++p)
+    if (*p == '/' || *p == '\\') start = p + 1;
+  const char* const point = std::strrchr(start, '.');
+  return name.Copy(start, point ? static_cast<int>(point - start) : -1) < 0 ? int{K7_ERR_MEMORY} : 0;
+}
+
+// What the ".cpg" beside a set says, else null.
+k7page::Page PageBeside(const char* path, K7IO* io) {
+  const char* const point = std::strrchr(path, '.');
+  K7String name;
+  if (!point || name.Copy(path, static_cast<int>(point - path)) < 0) return nullptr;
+  for (const char* const ending : {".cpg", ".CPG"}) {
+    K7String full(name);
+    if ((full += ending) < 0) return nullptr;
+    const std::unique_ptr<K7File> file(io->CreateFileX(full, "rb"));
+    if (!file || !file->IsValid()) continue;
+    char text[32] = {};
+    return file->Read(text, sizeof text - 1) > 0 ? k7page::ByName(text) : nullptr;
+  }
+  return nullptr;
+}
+
+void ConvertTexts(k7page::Page page, const K7ShpFile& file) {
+  for (int i = 0; i < file.StoredCount(); ++i) {
+    const K7DbfField* const fields = file.GetRecord(i)->Attrs();
+    for (int k = 0; fields && k < file.FieldCount(); ++k)
+      if (file.Field(k)->type == 'C' && fields[k].text) k7page::Convert(page, fields[k].text);
+  }
+}
+
+int TakeFields(K7ShpLayerStore& store, k7page::Page page) {
+  const int count = store.file->FieldCount();
+  store.fields.reset(new (std::nothrow) K7String[static_cast<size_t>(count)]);
+  if (!store.fields) return K7_ERR_MEMORY;
+  for (int i = 0; i < count; ++i) {
+    char name[sizeof store.file->Field(i)->name + 1] = {};
+    std::memcpy(name, store.file->Field(i)->name, sizeof store.file->Field(i)->name);
+    k7page::Convert(page, name);
+    if (store.fields[static_cast<size_t>(i)].Create(name) < 0) return K7_ERR_MEMORY;
+  }
+  return 0;
+}
+
+int TakeRecords(K7ShpLayerStore& store) {
+  const int count = store.file->StoredCount();
+  store.records.reset(new (std::nothrow) ShpLayerRec[static_cast<size_t>(count)]);
+  const std::unique_ptr<K7ChartRect[]> boxes(new (std::nothrow) K7ChartRect[static_cast<size_t>(count)]);
+  if (!store.records || !boxes) return K7_ERR_MEMORY;
+  for (int i = 0; i < count; ++i) {
+    ShpLayerRec& record = store.records[static_cast<size_t>(i)];
+    K7ChartRect& box = boxes[static_cast<size_t>(i)];
+    record.Init(&store, i);
+    if (record.GetBounds(box) == 0) store.bounds.BoundingUnion(store.bounds, box);
+  }
+  store.count = count;
+  return store.tree.Build(boxes.get(), count);
+}
+
+K7MapFeatureKind KindOf(const ShpLayerRec& record) {
+  if (record.IsArea()) return K7_MAP_AREA;
+  return record.GetPolyCount() > 0 ? K7_MAP_LINES : K7_MAP_POINTS;
+}
+
+// A record without a shape is a feature without points: the two are counted alike.
+bool AddFeature(K7MapFeatures& features, const ShpLayerRec& record, K7ShpFile& file) {
+  const K7ShpObj* const obj = record.Obj();
+  Buffer<K7LatLon> points;
+  Buffer<int> sizes;
+  double lat, lon;
+  for (int i = 0; obj && i < obj->GetPointCount(); ++i)
+    if (obj->GetPoint(&file, i, lat, lon) == 0) points.Add(K7LatLon(lat, lon));
+  if (obj && obj->GetPos(&file, lat, lon) == 0) points.Add(K7LatLon(lat, lon));
+  for (int i = 0; i < record.GetPolyCount(); ++i) sizes.Add(record.GetPolySize(i));
+  if (sizes.Count() == 0) sizes.Add(points.Count());
+  // A reader that could not turn all points into degrees leaves nothing to be drawn.
+  int sum = 0;
+  for (int i = 0; i < sizes.Count(); ++i) sum += sizes[i];
+  const int parts = sum == points.Count() ? sizes.Count() : 0;
+  return !points.Failed() && !sizes.Failed() &&
+         features.Add(KindOf(record), points.Data(), sizes.Data(), parts) >= 0;
+}
+
+// Null without memory.
+std::unique_ptr<K7MapFeatures> MakeFeatures(const K7ShpLayerStore& store) {
+  std::unique_ptr<K7MapFeatures> features(new (std::nothrow) K7MapFeatures);
+  for (int i = 0; features && i < store.count; ++i)
+    if (!AddFeature(*features, store.records[static_cast<size_t>(i)], *store.file)) features.reset();
+  return features;
+}
+
+int Load(K7ShpLayerStore& store, const char* path, K7IO* io) {
+  if (const int err = TakeName(path, store.name)) return err;
+  store.file->KeepNullShapes(true);
+  if (const int err = store.file->Read(path, io)) return err;
+  k7page::Page page = PageBeside(path, io);
+  if (!page) page = k7page::ByDriver(store.file->DbfHeader().languageDriver);
+  if (!page) page = k7page::WINDOWS_1252;
+  ConvertTexts(page, *store.file);
+  if (const int err = TakeFields(store, page)) return err;
+  return TakeRecords(store);
+}
+
+}  // namespace
+
+K7ShpLayer::K7ShpLayer(K7ShapeType type, int key)
+    : m_type(type), m_key(key), m_store(new (std::nothrow) K7ShpLayerStore) {}
+
+K7ShpLayer::~K7ShpLayer() { delete m_store; }
+
+int K7ShpLayer::Read(const char* path, K7IO* io, K7ShpFile* reader) {
+  std::unique_ptr<K7ShpLayerStore> store(new (std::nothrow) K7ShpLayerStore);
+  std::unique_ptr<K7ShpFile> file(reader ? reader : new (std::nothrow) K7ShpFile);
+  delete std::exchange(m_store, new (std::nothrow) K7ShpLayerStore);
+  if (!path || !io) return K7_ERR_BAD_ARGUMENT;
+  if (!store || !file) return K7_ERR_MEMORY;
+  store->file = std::move(file);
+  if (const int err = Load(*store, path, io)) return err;
+  delete std::exchange(m_store, store.release());
+  return 0;
+}
+
+const K7ShpFile* K7ShpLayer::File() const { return m_store ? m_store->file.get() : nullptr; }
+K7ShapeTable* K7ShpLayer::Table() const { return m_store ? &m_store->table : nullptr; }
+const char* K7ShpLayer::Name() const { return m_store ? static_cast<const char*>(m_store->name) : ""; }
+
+const K7MapFeatures* K7ShpLayer::Features() {
+  if (!m_store) return nullptr;
+  if (const K7MapFeatures* const ready = m_store->ready.load(std::memory_order_acquire)) return ready;
+  const K7LockGuard lock(m_store->mutex);
+  if (!m_store->features) m_store->features = MakeFeatures(*m_store);
+  m_store->ready.store(m_store->features.get(), std::memory_order_release);
+  return m_store->features.get();
+}
+
+K7ShapeTable* K7ShpLayer::GetTable(const K7ShapeRec* record) const {
+  return record && m_store && m_store->table.FindRecord(record->GetKey()) == record ? &m_store->table
+                                                                                    : nullptr;
+}
+
+int K7ShpLayer::Render(K7Grfx* g, K7MapPath& path, K7ShapeRec* record) {
+  if (!g || !record) return K7_ERR_BAD_ARGUMENT;
+  if (!GetTable(record)) return K7_ERR_NOT_FOUND;
+  const K7MapFeatures* const features = Features();
+  if (!features) return K7_ERR_MEMORY;
+  const int number = static_cast<const ShpLayerRec*>(record)->Number();
+  const int area = path.Area(g, *features, number);
+  if (area > 0) g->Fill();
+  const int line = area < 0 ? area : path.Outline(g, *features, number);
+  if (line > 0) g->Stroke();
+  return line < 0 ? line : 0;
+}
+
+int K7ShpLayer::FreeMemCache() { return m_store ? m_store->table.FreeMemCache() : 0; }
