@@ -34,10 +34,12 @@ inline int Feet(int metres) { return static_cast<int>(metres * 3.2808399 + 0.5);
 
 /// The level for so many arc-seconds between posts.
 inline int LevelIndex(double resolution) {
-  constexpr double COARSEST[] = {300, 100, 30, 10, 3, 1};  // that level 0, 1 ... serves
-  int index = K7TerrainK7::LEVELS - 1;
-  while (index > 0 && !(resolution < COARSEST[index - 1])) --index;
-  return index;
+  if (resolution < 1) return 6;
+  if (resolution < 3) return 5;
+  if (resolution < 10) return 4;
+  if (resolution < 30) return 3;
+  if (resolution < 100) return 2;
+  return resolution < 300 ? 1 : 0;
 }
 
 }  // namespace k7ter
@@ -46,7 +48,6 @@ inline int LevelIndex(double resolution) {
 inline int K7TerGrid::PostAt(double lat, double lon) const {
   if (lon < west && lon + 360 < east) lon += 360;
   const double fy = (lat - south) / height, fx = (lon - west) / width;
-  const double rowCount = rows, columnCount = columns;
   int row = 0, column = 0;
   // The north and the east edge belong to the last cell.
   if (!k7ter::Index(rowCount * fy, rowCount, row)) {

@@ -56,6 +56,8 @@ K7TerGrid* k7ter::NewGrid(const K7ChartRect& bounds, int rows, int columns) {
   if (!(grid->width > 0)) grid->width = NONE;
   grid->rows = static_cast<int16_t>(rows);
   grid->columns = static_cast<int16_t>(columns);
+  grid->rowCount = grid->rows;
+  grid->columnCount = grid->columns;
   for (int row = 0; row < rows; ++row) grid->Rows()[row] = grid->Posts() + int64_t{row} * columns;
   return grid;
 }

@@ -19,6 +19,7 @@ struct K7TerGrid {
   // Where the tile lies, degrees; the east runs on across 180. What has no height or no width has NaN for it,
   // and no position then has a post.
   double south = 0, west = 0, east = 0, height = 0, width = 0;
+  double rowCount = 0, columnCount = 0;
 
   int16_t** Rows() { return reinterpret_cast<int16_t**>(this + 1); }
   int16_t* Posts() { return reinterpret_cast<int16_t*>(Rows() + rows); }

@@ -80,9 +80,7 @@ void Elevations::Clear() {
   if (K7TerrainK7* const terrain = K7TerrainK7::Inst()) terrain->Clear();
 }
 
-int Elevations::GetElev(double lat, double lon, double resolution) {
-  return Find(lat, lon, resolution).feet;
-}
+int Elevations::GetElev(double lat, double lon, double resolution) { return Find(lat, lon, resolution).feet; }
 
 Elevations::Answer Elevations::Find(double lat, double lon, double resolution) {
   // The north pole and 180 east lie in no cell.

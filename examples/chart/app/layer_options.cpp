@@ -142,7 +142,8 @@ bool HasSource(const LayerRow& row, const LayerOptions& options) {
   switch (row.source) {
     case LayerSource::Terrain:
       // Relief would cover a picture.
-      if (row.item == ThemeItem::Terrain && !options.underlay.empty() && options.terrain.empty()) return false;
+      if (row.item == ThemeItem::Terrain && !options.underlay.empty() && options.terrain.empty())
+        return false;
       return !TerrainFolder(options).empty();
     case LayerSource::Navigation:
       return !options.nav.empty();

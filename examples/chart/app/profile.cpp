@@ -1,11 +1,11 @@
 // k7chart profile: the ground under a way from fix to fix.
 
 #include "app/chart_options.h"
+#include "app/elevations.h"
 #include "app/level_text.h"
 #include "app/nav_source.h"
 #include "app/progress_line.h"
 #include "app/sheet_options.h"
-#include "app/elevations.h"
 #include "app_common/save_file.h"
 #include "app_common/shared_data.h"
 #include "app_common/verb.h"

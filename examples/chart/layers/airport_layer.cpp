@@ -165,8 +165,7 @@ void AirportLayer::FindRunways(const LayerContext& context, AirportPlace& airpor
 
 PixelBox AirportLayer::BoxOf(const LayerContext& context, const AirportPlace& airport) const {
   const double edge = 1.5 * context.scale;
-  if (airport.runways.empty())
-    return SymbolBox(context, airport, Radius(airport) + 1.5);
+  if (airport.runways.empty()) return SymbolBox(context, airport, Radius(airport) + 1.5);
   PixelBox box = BoxAbout(airport.dx, airport.dy, 0);
   for (const RunwayLine& r : airport.runways) {
     box.left = std::min({box.left, r.x1, r.x2});

@@ -190,8 +190,7 @@ void NavaidLayer::DrawSymbol(const NavaidPlace& navaid, SymbolPen& pen) const {
 // identifier. Airways turn at navaids: they stand without one too.
 bool NavaidLayer::OfferLabel(const LayerContext& context, const NavaidPlace& navaid, double size,
                              LabelPlan& plan) const {
-  const PixelBox symbol =
-      SymbolBox(context, navaid, SymbolRadius(navaid.key.NavType()) + 1);
+  const PixelBox symbol = SymbolBox(context, navaid, SymbolRadius(navaid.key.NavType()) + 1);
   Label box = {Figures(navaid.freq) + navaid.ident + "  " + Morse(navaid.ident),
                0,
                0,
