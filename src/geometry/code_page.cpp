@@ -5,6 +5,7 @@
 #include <k7/foundation/string.h>
 
 #include <cstddef>
+#include <cstring>
 #include <iterator>
 
 namespace k7page {
@@ -33,15 +34,15 @@ constexpr struct {
     {0xC8, PAGE_1250}, {0xCA, PAGE_1254}, {0xCC, PAGE_1257},
 };
 
-// U+2013 and the like.
+// U+2013 and the like, and letters of Romanian.
 constexpr struct {
   uint16_t code;
   uint8_t byte;
 } ELSEWHERE[] = {
-    {0x0192, 0x83}, {0x02C6, 0x88}, {0x02DC, 0x98}, {0x2013, 0x96}, {0x2014, 0x97},
-    {0x2018, 0x91}, {0x2019, 0x92}, {0x201A, 0x82}, {0x201C, 0x93}, {0x201D, 0x94},
-    {0x201E, 0x84}, {0x2020, 0x86}, {0x2021, 0x87}, {0x2022, 0x95}, {0x2026, 0x85},
-    {0x2030, 0x89}, {0x2039, 0x8B}, {0x203A, 0x9B}, {0x20AC, 0x80}, {0x2122, 0x99},
+    {0x0218, 'S'},  {0x0219, 's'},  {0x021A, 'T'},  {0x021B, 't'},  {0x0192, 0x83}, {0x02C6, 0x88},
+    {0x02DC, 0x98}, {0x2013, 0x96}, {0x2014, 0x97}, {0x2018, 0x91}, {0x2019, 0x92}, {0x201A, 0x82},
+    {0x201C, 0x93}, {0x201D, 0x94}, {0x201E, 0x84}, {0x2020, 0x86}, {0x2021, 0x87}, {0x2022, 0x95},
+    {0x2026, 0x85}, {0x2030, 0x89}, {0x2039, 0x8B}, {0x203A, 0x9B}, {0x20AC, 0x80}, {0x2122, 0x99},
 };
 
 char ByteOf(uint32_t code) {
@@ -70,6 +71,8 @@ uint32_t Decode(const unsigned char*& p) {
 }  // namespace
 
 Page ByName(const char* name) {
+  // A text editor may have put its mark in front.
+  if (std::strncmp(name, "\xEF\xBB\xBF", 3) == 0) name += 3;
   if (K7String::IComp(name, "UTF-8", 5) == 0 || K7String::IComp(name, "UTF8", 4) == 0) return UTF_8;
   char digits[8] = {};
   size_t count = 0;
@@ -89,14 +92,18 @@ Page ByDriver(uint8_t driver) {
   return nullptr;
 }
 
+char Printable(char c) {
+  const unsigned char byte = static_cast<unsigned char>(c);
+  if (byte < 0x20 || byte == 0x7F) return ' ';
+  return byte == 0x81 || byte == 0x8D || byte == 0x8F || byte == 0x90 || byte == 0x9D ? '?' : c;
+}
+
 void Convert(Page page, char* text) {
   char* out = text;
   const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
   while (*p) {
     if (*p < 0x80 || page == WINDOWS_1252) {
-      const bool isControl = *p < 0x20 || *p == 0x7F;
-      *out++ = isControl ? ' ' : static_cast<char>(*p);
-      ++p;
+      *out++ = Printable(static_cast<char>(*p++));
     } else if (page == UTF_8) {
       *out++ = ByteOf(Decode(p));
     } else {

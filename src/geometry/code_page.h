@@ -16,6 +16,10 @@ Page ByName(const char* name);
 /// By the language driver byte of a dBASE header; null for another.
 Page ByDriver(uint8_t driver);
 
+/// Answers what stands for a byte where windows-1252 is to be read: a blank for a control character, "?" for
+/// one of the five that the page leaves open, else the byte.
+char Printable(char c);
+
 /// Turns a text into windows-1252, in place: it never grows. Letters that the page does not have lose their
 /// marks, other characters become "?", control characters blanks.
 void Convert(Page page, char* text);

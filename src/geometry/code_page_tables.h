@@ -1,6 +1,5 @@
 // What the bytes of other code pages are in windows-1252: the character itself, its letter without the marks,
-// or
-// "?". Each but the first table begins at byte 0x80.
+// or "?". Each but the first table begins at byte 0x80.
 #pragma once
 
 namespace k7page {

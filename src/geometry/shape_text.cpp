@@ -21,12 +21,13 @@ namespace {
 using k7shape::FeatureRow;
 using k7shape::Form;
 
-// A record with its table, and where its values are put together.
+// A record with its table, and where its values and their elements' names are put together.
 struct Source {
   const K7ShapeTable& table;
   const K7ShapeRec& record;
-  K7XmlText text{};
+  K7XmlText text{}, name{};
 
+  bool Failed() const { return text.Failed() || name.Failed(); }
   // Puts attribute i into `text`. False when there is nothing to be read.
   bool Take(int i, Form form) {
     text.Clear();
@@ -56,11 +57,19 @@ void AddNumber(k7xml::XmlDocument& out, const char* element, const char* label, 
   out.Add(element, label, text);
 }
 
-void AddKeys(k7xml::XmlDocument& out, const K7Shape& shape, const Source& source) {
+void AddText(k7xml::XmlDocument& out, const char* element, const char* label, const char* text,
+             Source& source) {
+  source.text.Clear();
+  k7shape::AppendText(source.text, text);
+  out.Add(element, label, source.text.Text());
+}
+
+void AddKeys(k7xml::XmlDocument& out, const K7Shape& shape, Source& source) {
   const K7ShapeType type = shape.Type();
-  out.Add("ShapeType", "Shape Type", type == K7_SHAPE_PLAIN ? shape.Name() : K7Shape::TypeName(type));
+  AddText(out, "ShapeType", "Shape Type", type == K7_SHAPE_PLAIN ? shape.Name() : K7Shape::TypeName(type),
+          source);
   AddNumber(out, "ShapeKey", "Shape Key", shape.Key());
-  out.Add("DbName", "Database Name", source.table.DbName());
+  AddText(out, "DbName", "Database Name", source.table.DbName(), source);
   AddNumber(out, "TableIndex", "Table Index", source.table.TableIndex());
   AddNumber(out, "Key", "Key", source.record.GetKey());
 }
@@ -72,17 +81,16 @@ void AddFeature(k7xml::XmlDocument& out, std::span<const FeatureRow> rows, Sourc
 
 const char* LabelOf(const char* name, std::span<const FeatureRow> rows) {
   for (const FeatureRow& row : rows)
-    if (K7String::IComp(row.key, name) == 0) return row.label;
+    if (name && K7String::IComp(row.key, name) == 0) return row.label;
   return nullptr;
 }
 
 void AddAttribs(k7xml::XmlDocument& out, std::span<const FeatureRow> rows, Source& source) {
-  K7XmlText element;
   for (int i = 0; i < source.table.AttribCount(); ++i) {
     if (!source.Take(i, Form::Text)) continue;
-    ElementName(source.table.AttribName(i), element);
+    ElementName(source.table.AttribName(i), source.name);
     const char* const label = LabelOf(source.table.AttribName(i), rows);
-    out.Add(element.Text(), label ? label : element.Text(), source.text.Text());
+    out.Add(source.name.Text(), label ? label : source.name.Text(), source.text.Text());
   }
 }
 
@@ -109,7 +117,7 @@ void Describe(const K7Shape& shape, Source& source, K7XmlText& line) {
   if (TakeFirst(source, isPlain ? std::span(NAMES) : rows.subspan(1, 1)))
     Append(line, isPlain ? "" : " ", source.text, "");
   else if (isPlain)
-    line.Append(shape.Name());
+    k7shape::AppendText(line, shape.Name());
   if (TakeFirst(source, isPlain ? std::span(DETAILS) : rows.subspan(2))) Append(line, " (", source.text, ")");
 }
 
@@ -129,7 +137,7 @@ int K7Shape::ToXML(K7ShapeRec* record, K7XmlOutputType_t type, K7String& out) {
   else
     AddAttribs(document, rows, source);
   document.Close("Record");
-  return document.CopyTo(out, source.text.Failed());
+  return document.CopyTo(out, source.Failed());
 }
 
 int K7Shape::GetDescription(K7ShapeRec* record, K7String& out) {
@@ -139,5 +147,5 @@ int K7Shape::GetDescription(K7ShapeRec* record, K7String& out) {
   Source source{*table, *record};
   K7XmlText line;
   Describe(*this, source, line);
-  return line.CopyTo(out, source.text.Failed());
+  return line.CopyTo(out, source.Failed());
 }

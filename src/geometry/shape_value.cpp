@@ -1,7 +1,10 @@
 #include "geometry/shape_value.h"
 
+#include "geometry/code_page.h"
+
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <iterator>
 #include <string_view>
 
@@ -30,7 +33,10 @@ string_view Trimmed(string_view text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-void Append(K7XmlText& out, string_view text) { out.Append(text.data(), text.size()); }
+// Hosts' tables hold any bytes: no text of theirs breaks a line or a document.
+void Append(K7XmlText& out, string_view text) {
+  for (const char c : text) out.AppendRun(k7page::Printable(c), 1);
+}
 
 bool AppendOne(K7XmlText& out, string_view text) {
   if (text.empty() || IsOneOf(text, ABSENT)) return false;
@@ -88,6 +94,7 @@ bool AppendMetres(K7XmlText& out, K7ShapeAttribType type, const K7ShapeAttrib& v
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), metres);
     if (error != std::errc() || end != text.data() + text.size()) return false;
   }
+  if (!std::isfinite(metres)) return false;
   char number[LONGEST_NUMBER];
   const char* const end = std::to_chars(number, std::end(number), metres, std::chars_format::fixed, 2).ptr;
   Append(out, {number, static_cast<size_t>(end - number)});
@@ -96,6 +103,8 @@ bool AppendMetres(K7XmlText& out, K7ShapeAttribType type, const K7ShapeAttrib& v
 }
 
 }  // namespace
+
+void AppendText(K7XmlText& out, const char* text) { Append(out, text ? text : ""); }
 
 bool AppendValue(K7XmlText& out, K7ShapeAttribType type, const K7ShapeAttrib& value, Form form) {
   const Text written(type, value);

@@ -134,11 +134,12 @@ TEST(Shape, AttributesAreWrittenByTheirTypeAndNamedAsElementsMayBe) {
                               {"LARGE", int64_t{1} << 40},
                               {"2nd <try>", 2.0005},
                               {"TEXT", std::string("a<b & \"c\"")},
+                              {"LINES", std::string("a\n\x01\x7F\x9D")},
                               {"EMPTY", std::string("  ")},
                               {"", 9}});
   EXPECT_EQ(layer.Shown(K7XML_FULL),
             (Lines{"COUNT|COUNT|-5", "LARGE|LARGE|1099511627776", "_2nd__try_|_2nd__try_|2.001",
-                   "TEXT|TEXT|a<b & \"c\"", "_|_|9"}));
+                   "TEXT|TEXT|a<b & \"c\"", "LINES|LINES|a   ?", "_|_|9"}));
 }
 
 TEST(Shape, SpecialValuesAreUnknownOrLeftOut) {
@@ -183,12 +184,12 @@ TEST(Shape, FeaturesOfAnAerodromeReadByTheirLabels) {
                                   {"TORA", 3627.125},
                                   {"TODA", std::string("3627")},
                                   {"LDA", 3400},
-                                  {"ASDA", std::string("as TORA")},
+                                  {"ASDA", std::string("infinity")},
                                   {"ELEV", 131.2}});
   EXPECT_EQ(layer.Shown(K7XML_DISPLAY),
             (Lines{"IDTHR|Runway Threshold|16L", "TORA|Take-off Run Available|3627.12 m",
                    "TODA|Take-off Distance Available|3627.00 m", "LDA|Landing Distance Available|3400.00 m",
-                   "ASDA|Accelerate-Stop Distance Available|as TORA", "ELEV|Elevation|131.200"}));
+                   "ASDA|Accelerate-Stop Distance Available|infinity", "ELEV|Elevation|131.200"}));
 }
 
 TEST(Shape, EachKindHasItsAttributes) {

@@ -55,6 +55,7 @@ class K7_API K7Shape {
   /// \name As text
   /// They answer 0; K7_ERR_NOT_FOUND, with `out` unchanged, for a record that is not of this layer;
   /// K7_ERR_MEMORY with `out` empty. A null record is 0 with `out` unchanged.
+  /// Control characters in texts become blanks, bytes that windows-1252 leaves open "?".
   /// @{
   /// Replaces `out` with the record as an XML document: "ShapeType", "ShapeKey", "DbName", "TableIndex",
   /// "Key", and its attributes under their names, of which characters that no element may have become "_".

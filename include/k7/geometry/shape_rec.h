@@ -44,8 +44,6 @@ class K7_API K7ShapeRec {
   /// What an area is filled by. All stay the record's, until `FreeCache` or `FreeMemCache` of its table.
   /// @{
   virtual int GetTriVertCount();
-  /// Answers the vertices, in degrees: x east, y north.
-  virtual const K7ShpXY* GetTriVerts();
   virtual const uint16_t* GetTriVertIndices();
   virtual int GetTessGroupCount();
   /// Gives an array of `GetTessGroupCount` groups, whose count it answers.
@@ -63,6 +61,9 @@ class K7_API K7ShapeRec {
   /// Drops what can be made again. Answers the bytes freed.
   virtual int FreeCache();
   /// @}
+
+  /// Answers the vertices of the triangles, in degrees: x east, y north. Longitudes may pass 180.
+  virtual const K7ShpXY* GetTriVerts();
 
  protected:
   K7ShapeRec() = default;
