@@ -29,14 +29,6 @@ uint32_t AlongCurve(double lat, double lon) {
   return along;
 }
 
-// Meets in latitude, and in longitude the one or, across 180, either of two stretches.
-template <class Box>
-bool Meets(const Box& box, const K7ChartRect& area) {
-  if (!(box.south <= area.North() && area.South() <= box.north)) return false;
-  const bool west = area.West() <= box.east, east = box.west <= area.East();
-  return area.West() <= area.East() ? west && east : west || east;
-}
-
 }  // namespace
 
 void BoundsTree::Clear() {
@@ -67,10 +59,10 @@ int BoundsTree::Build(const K7ChartRect* boxes, int count) {
   for (int32_t i = 0; i < count; ++i) {
     const K7ChartRect& box = boxes[i];
     if (box.IsEmpty()) continue;
-    const uint32_t along = AlongCurve((box.North() + box.South()) / 2, (box.East() + box.West()) / 2);
+    const double east = box.East() < box.West() ? box.East() + 360 : box.East();
+    const uint32_t along = AlongCurve((box.North() + box.South()) / 2, (east + box.West()) / 2);
     // Until they are sorted the count holds their order.
-    m_boxes[m_leaves++] = {box.North(), box.South(), box.East(),
-                           box.West(),  i,           static_cast<int32_t>(along >> 1)};
+    m_boxes[m_leaves++] = {box.North(), box.South(), east, box.West(), i, static_cast<int32_t>(along >> 1)};
   }
   std::sort(m_boxes, m_boxes + m_leaves, [](const Box& a, const Box& b) { return a.count < b.count; });
   int32_t first = 0, end = m_leaves;
@@ -86,17 +78,27 @@ int BoundsTree::Build(const K7ChartRect* boxes, int count) {
 void BoundsTree::Find(const K7ChartRect& area, Buffer<int32_t>& found) const {
   if (m_root < 0 || area.IsEmpty()) return;
   const int before = found.Count();
+  // Boxes across 180 reach on beyond it: the area is looked for where it stands and a turn to the east.
+  const bool crosses = area.East() < area.West();
+  FindWithin(area.North(), area.South(), area.East(), crosses ? area.West() - 360 : area.West(), found);
+  FindWithin(area.North(), area.South(), area.East() + 360, crosses ? area.West() : area.West() + 360, found);
+  std::sort(found.Data() + before, found.Data() + found.Count());
+  const int32_t* const end = std::unique(found.Data() + before, found.Data() + found.Count());
+  if (!found.Failed()) found.Truncate(static_cast<int>(end - found.Data()));
+}
+
+void BoundsTree::FindWithin(double north, double south, double east, double west,
+                            Buffer<int32_t>& found) const {
   int32_t open[MAX_LEVELS * NODE];
   int depth = 0;
   open[depth++] = m_root;
   while (depth > 0) {
     const int32_t at = open[--depth];
     const Box& box = m_boxes[at];
-    if (!Meets(box, area)) continue;
+    if (!(box.south <= north && south <= box.north && box.west <= east && west <= box.east)) continue;
     if (at < m_leaves)
       found.Add(box.item);
     else
       for (int32_t i = 0; i < box.count; ++i) open[depth++] = box.item + i;
   }
-  std::sort(found.Data() + before, found.Data() + found.Count());
 }

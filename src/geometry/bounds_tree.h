@@ -17,7 +17,7 @@ class BoundsTree {
   BoundsTree& operator=(const BoundsTree&) = delete;
   ~BoundsTree() { Clear(); }
 
-  /// `boxes` in degrees, none across 180; those that are empty are never found. 0 or K7_ERR_MEMORY.
+  /// `boxes` in degrees, numbers all; those that are empty are never found. 0 or K7_ERR_MEMORY.
   int Build(const K7ChartRect* boxes, int count);
   void Clear();
   /// Appends the numbers of those that meet an area, edges included, in rising order; an area whose east is
@@ -26,13 +26,14 @@ class BoundsTree {
 
  private:
   struct Box {
-    double north, south, east, west;
-    int32_t item;  // of a leaf: the record; else the first box of the level below
+    double north, south, east, west;  // east never below west: beyond 180 where the box crosses it
+    int32_t item;                     // of a leaf: the record; else the first box of the level below
     int32_t count;
   };
   static constexpr int NODE = 16;
   static constexpr int MAX_LEVELS = 9;  // 16^8 leaves and the root
 
+  void FindWithin(double north, double south, double east, double west, Buffer<int32_t>& found) const;
   Box Over(int32_t first, int32_t count) const;
 
   Box* m_boxes = nullptr;

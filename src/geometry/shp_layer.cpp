@@ -2,6 +2,7 @@
 
 #include "geometry/code_page.h"
 #include "geometry/shp_layer_store.h"
+#include "geometry/shp_rows.h"
 #include "io/read.h"
 
 #include <k7/foundation/error_string.h>
@@ -25,20 +26,25 @@ int TakeName(const char* path, K7String& name) {
   return name.Copy(start, point ? static_cast<int>(point - start) : -1) < 0 ? int{K7_ERR_MEMORY} : 0;
 }
 
-// What the ".cpg" beside a set says, else null.
-k7page::Page PageBeside(const char* path, K7IO* io) {
-  const char* const point = std::strrchr(path, '.');
+// Gives what the ".cpg" beside a set says, null without one. 0 or a code.
+int TakePage(const char* path, K7IO* io, k7page::Page& page) {
   K7String name;
-  if (!point || name.Copy(path, static_cast<int>(point - path)) < 0) return nullptr;
+  // The set has been read: there is a point.
+  if (const int err = name.Copy(path, static_cast<int>(std::strrchr(path, '.') - path)); err < 0) return err;
   for (const char* const ending : {".cpg", ".CPG"}) {
-    K7String full(name);
-    if ((full += ending) < 0) return nullptr;
+    K7String full;
+    if (const int err = full.Copy(name); err < 0) return err;
+    if (const int err = full += ending; err < 0) return err;
     const std::unique_ptr<K7File> file(io->CreateFileX(full, "rb"));
-    if (!file || !file->IsValid()) continue;
+    if (!file) return K7_ERR_MEMORY;
+    if (!file->IsValid()) continue;
     char text[32] = {};
-    return file->Read(text, sizeof text - 1) > 0 ? k7page::ByName(text) : nullptr;
+    const int64_t size = std::min<int64_t>(k7read::BytesLeft(file.get()), sizeof text - 1);
+    if (size < 0 || k7read::Exact(file.get(), text, static_cast<int>(size)) != 0) return K7_ERR_FILE_IO;
+    page = k7page::ByName(text);
+    return 0;
   }
-  return nullptr;
+  return 0;
 }
 
 void ConvertTexts(k7page::Page page, const K7ShpFile& file) {
@@ -64,13 +70,14 @@ int TakeFields(K7ShpLayerStore& store, k7page::Page page) {
 
 int TakeRecords(K7ShpLayerStore& store) {
   const int count = store.file->StoredCount();
+  ShpRows rows;
   store.records.reset(new (std::nothrow) ShpLayerRec[static_cast<size_t>(count)]);
   const std::unique_ptr<K7ChartRect[]> boxes(new (std::nothrow) K7ChartRect[static_cast<size_t>(count)]);
   if (!store.records || !boxes) return K7_ERR_MEMORY;
   for (int i = 0; i < count; ++i) {
     ShpLayerRec& record = store.records[static_cast<size_t>(i)];
     K7ChartRect& box = boxes[static_cast<size_t>(i)];
-    record.Init(&store, i);
+    if (const int err = record.Init(&store, i, rows)) return err;
     if (record.GetBounds(box) == 0) store.bounds.BoundingUnion(store.bounds, box);
   }
   store.count = count;
@@ -88,15 +95,15 @@ bool AddFeature(K7MapFeatures& features, const ShpLayerRec& record, K7ShpFile& f
   Buffer<K7LatLon> points;
   Buffer<int> sizes;
   double lat, lon;
-  for (int i = 0; obj && i < obj->GetPointCount(); ++i)
+  const int first = record.GetPolyCount() > 0 ? record.PolyStart(0) : 0;
+  for (int i = first; obj && i < obj->GetPointCount(); ++i)
     if (obj->GetPoint(&file, i, lat, lon) == 0) points.Add(K7LatLon(lat, lon));
-  if (obj && obj->GetPos(&file, lat, lon) == 0) points.Add(K7LatLon(lat, lon));
   for (int i = 0; i < record.GetPolyCount(); ++i) sizes.Add(record.GetPolySize(i));
   if (sizes.Count() == 0) sizes.Add(points.Count());
   // A reader that could not turn all points into degrees leaves nothing to be drawn.
   int sum = 0;
   for (int i = 0; i < sizes.Count(); ++i) sum += sizes[i];
-  const int parts = sum == points.Count() ? sizes.Count() : 0;
+  const int parts = sum > 0 && sum == points.Count() ? sizes.Count() : 0;
   return !points.Failed() && !sizes.Failed() &&
          features.Add(KindOf(record), points.Data(), sizes.Data(), parts) >= 0;
 }
@@ -113,7 +120,8 @@ int Load(K7ShpLayerStore& store, const char* path, K7IO* io) {
   if (const int err = TakeName(path, store.name)) return err;
   store.file->KeepNullShapes(true);
   if (const int err = store.file->Read(path, io)) return err;
-  k7page::Page page = PageBeside(path, io);
+  k7page::Page page = nullptr;
+  if (const int err = TakePage(path, io, page)) return err;
   if (!page) page = k7page::ByDriver(store.file->DbfHeader().languageDriver);
   if (!page) page = k7page::WINDOWS_1252;
   ConvertTexts(page, *store.file);
@@ -131,7 +139,8 @@ K7ShpLayer::~K7ShpLayer() { delete m_store; }
 int K7ShpLayer::Read(const char* path, K7IO* io, K7ShpFile* reader) {
   std::unique_ptr<K7ShpLayerStore> store(new (std::nothrow) K7ShpLayerStore);
   std::unique_ptr<K7ShpFile> file(reader ? reader : new (std::nothrow) K7ShpFile);
-  delete std::exchange(m_store, new (std::nothrow) K7ShpLayerStore);
+  // Kept until the end: the path may be a text of it.
+  const std::unique_ptr<K7ShpLayerStore> old(std::exchange(m_store, new (std::nothrow) K7ShpLayerStore));
   if (!path || !io) return K7_ERR_BAD_ARGUMENT;
   if (!store || !file) return K7_ERR_MEMORY;
   store->file = std::move(file);

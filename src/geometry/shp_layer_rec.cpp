@@ -1,51 +1,52 @@
 #include "geometry/shp_layer_rec.h"
 
 #include "geometry/shp_layer_store.h"
+#include "geometry/shp_rows.h"
 #include "geometry/tess_block.h"
 
 #include <k7/foundation/error_string.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 namespace {
 
 // Where a parallel enters and leaves the rings.
-bool FindCrossings(const K7ShapeRec& record, double lat, Buffer<double>& crossings) {
-  for (int poly = 0; poly < record.GetPolyCount(); ++poly) {
-    double lastLat = 0, lastLon = 0;
-    for (int i = 0; i < record.GetPolySize(poly); ++i) {
-      double pointLat, pointLon;
-      if (record.GetPolyPoint(poly, i, pointLat, pointLon) != 0) return false;
-      if (i > 0 && (lastLat > lat) != (pointLat > lat))
-        crossings.Add(lastLon + (pointLon - lastLon) * (lat - lastLat) / (pointLat - lastLat));
-      lastLat = pointLat;
-      lastLon = pointLon;
-    }
-  }
+void FindCrossings(const ShpRows& rows, double lat, Buffer<double>& crossings) {
+  const K7ShpXY* p = rows.points.Data();
+  for (int row = 0; row < rows.sizes.Count(); p += rows.sizes[row++])
+    for (int i = 1; i < rows.sizes[row]; ++i)
+      if ((p[i - 1].y > lat) != (p[i].y > lat))
+        crossings.Add(p[i - 1].x + (p[i].x - p[i - 1].x) * (lat - p[i - 1].y) / (p[i].y - p[i - 1].y));
   std::sort(crossings.Data(), crossings.Data() + crossings.Count());
-  return crossings.Count() >= 2 && !crossings.Failed();
 }
 
-// The middle of the widest stretch that a parallel halfway up lies inside.
-bool FindInside(const K7ShapeRec& record, double& lat, double& lon) {
-  K7ChartRect bounds;
-  if (record.GetBounds(bounds) != 0) return false;
-  const double middle = (bounds.North() + bounds.South()) / 2;
+// The middle of the widest stretch that a parallel lies inside: 0, K7_ERR_NOT_FOUND or K7_ERR_MEMORY.
+int FindInside(const ShpRows& rows, double parallel, double& lat, double& lon) {
   Buffer<double> crossings;
-  if (!FindCrossings(record, middle, crossings)) return false;
-  double widest = -1;
+  FindCrossings(rows, parallel, crossings);
+  if (crossings.Failed()) return K7_ERR_MEMORY;
+  double widest = 0;
   for (int i = 0; i + 1 < crossings.Count(); i += 2) {
     const double width = crossings[i + 1] - crossings[i];
-    if (!(width > widest)) continue;
+    if (width <= widest) continue;
     widest = width;
-    lat = middle;
-    lon = crossings[i] + width / 2;
+    lat = parallel;
+    lon = std::remainder(crossings[i] + width / 2, 360);
   }
-  return widest > 0;
+  return widest > 0 ? 0 : int{K7_ERR_NOT_FOUND};
 }
 
 }  // namespace
+
+int ShpLayerRec::Init(K7ShpLayerStore* store, int number, ShpRows& rows) {
+  m_store = store;
+  m_number = number;
+  if (const int err = rows.Take(*this)) return err;
+  m_bounds = rows.Bounds();
+  return 0;
+}
 
 const K7ShpObj* ShpLayerRec::Obj() const { return m_store->file->GetRecord(m_number)->Obj(); }
 
@@ -56,26 +57,29 @@ bool ShpLayerRec::IsArea() const {
 }
 
 int ShpLayerRec::GetBounds(K7ChartRect& bounds) const {
-  const K7ShpObj* const obj = Obj();
-  if (!obj) return K7_ERR_NOT_FOUND;
-  double north, south, east, west;
-  const int err = obj->GetBounds(m_store->file.get(), north, south, east, west);
-  if (err == 0) bounds.Init(north, south, east, west);
-  return err;
+  if (m_bounds.IsEmpty()) return K7_ERR_NOT_FOUND;
+  bounds = m_bounds;
+  return 0;
 }
 
 int ShpLayerRec::GetPos(double& lat, double& lon) const {
-  const K7ShpObj* const obj = Obj();
-  if (!obj || obj->GetPointCount() + (obj->GetPolyCount() == 0) == 0) return K7_ERR_NOT_FOUND;
-  if (IsArea() && FindInside(*this, lat, lon)) return 0;
-  if (obj->GetPolyCount() == 0 && obj->GetPos(m_store->file.get(), lat, lon) == 0) return 0;
+  if (m_bounds.IsEmpty()) return K7_ERR_NOT_FOUND;
+  ShpRows rows;
+  if (const int err = rows.Take(*this)) return err;
+  if (IsArea()) {
+    const int err = FindInside(rows, (m_bounds.North() + m_bounds.South()) / 2, lat, lon);
+    if (err != K7_ERR_NOT_FOUND) return err;
+  }
   int longest = 0, first = 0, start = 0;
-  for (int i = 0; i < obj->GetPolyCount(); start += obj->GetPolySize(i++)) {
-    if (obj->GetPolySize(i) <= longest) continue;
-    longest = obj->GetPolySize(i);
+  for (int i = 0; i < rows.sizes.Count(); start += rows.sizes[i++]) {
+    if (rows.sizes[i] <= longest) continue;
+    longest = rows.sizes[i];
     first = start;
   }
-  return obj->GetPoint(m_store->file.get(), first + longest / 2, lat, lon);
+  const K7ShpXY& middle = rows.points[first + longest / 2];
+  lat = middle.y;
+  lon = std::remainder(middle.x, 360);
+  return 0;
 }
 
 int ShpLayerRec::GetPolyCount() const {
@@ -88,32 +92,28 @@ int ShpLayerRec::GetPolySize(int i) const {
   return obj && obj->GetPolyCount() > 0 ? obj->GetPolySize(i) : int{K7_ERR_OUT_OF_RANGE};
 }
 
-int ShpLayerRec::GetPolyPoint(int poly, int i, double& lat, double& lon) const {
-  if (i < 0 || i >= GetPolySize(poly)) return K7_ERR_OUT_OF_RANGE;
-  const K7ShpObj* const obj = Obj();
-  return obj->GetPoint(m_store->file.get(), static_cast<const K7ShpPoly*>(obj)->PartStarts()[poly] + i, lat,
-                       lon);
+int ShpLayerRec::PolyStart(int poly) const {
+  return static_cast<const K7ShpPoly*>(Obj())->PartStarts()[poly];
 }
 
-// Made once, by whoever comes first; null without memory, and where there is no area to cut.
+int ShpLayerRec::GetPolyPoint(int poly, int i, double& lat, double& lon) const {
+  if (i < 0 || i >= GetPolySize(poly)) return K7_ERR_OUT_OF_RANGE;
+  return Obj()->GetPoint(m_store->file.get(), PolyStart(poly) + i, lat, lon);
+}
+
+// Made once, by whoever comes first; null without memory, and for what is no area. One that cannot be cut
+// has no triangles: it is not tried again each time.
 const TessBlock* ShpLayerRec::Tess() {
   if (const TessBlock* const made = m_tess.load(std::memory_order_acquire)) return made;
   if (!IsArea()) return nullptr;
   const K7LockGuard lock(m_store->mutex);
   if (const TessBlock* const made = m_tess.load(std::memory_order_relaxed)) return made;
-  Buffer<K7LatLon> points;
-  Buffer<int> sizes;
-  for (int poly = 0; poly < GetPolyCount(); ++poly) {
-    sizes.Add(GetPolySize(poly));
-    for (int i = 0; i < GetPolySize(poly); ++i) {
-      double lat, lon;
-      if (GetPolyPoint(poly, i, lat, lon) != 0) return nullptr;
-      points.Add(K7LatLon(lat, lon));
-    }
-  }
-  if (points.Failed() || sizes.Failed()) return nullptr;
+  ShpRows rows;
+  if (rows.Take(*this) != 0) return nullptr;
   m_store->cut.Clear();
-  if (m_store->cut.Add(points.Data(), sizes.Data(), sizes.Count()) < 0) return nullptr;
+  const int count = rows.sizes.Count();
+  if (count > 0 && m_store->cut.Add(rows.points.Data(), rows.sizes.Data(), count) == K7_ERR_MEMORY)
+    return nullptr;
   m_tess.store(MakeTessBlock(m_store->cut), std::memory_order_release);
   return m_tess.load(std::memory_order_relaxed);
 }

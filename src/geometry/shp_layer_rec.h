@@ -9,6 +9,7 @@
 class K7ShpFile;
 class K7ShpRecord;
 struct K7ShpLayerStore;
+struct ShpRows;
 struct TessBlock;
 
 class ShpLayerRec final : public K7ShapeRec {
@@ -17,16 +18,16 @@ class ShpLayerRec final : public K7ShapeRec {
   ShpLayerRec(const ShpLayerRec&) = delete;
   ShpLayerRec& operator=(const ShpLayerRec&) = delete;
   ~ShpLayerRec() override { FreeCache(); }
-  void Init(K7ShpLayerStore* store, int number) {
-    m_store = store;
-    m_number = number;
-  }
+  /// Takes the number, from 0, of a record of the store's file, and bounds its points: boxes that files hold
+  /// may be those of other points. 0 or K7_ERR_MEMORY.
+  int Init(K7ShpLayerStore* store, int number, ShpRows& scratch);
 
-  /// From 0.
   int Number() const { return m_number; }
   const K7ShpLayerStore* Store() const { return m_store; }
   const K7ShpObj* Obj() const;
   bool IsArea() const;
+  /// Where line or ring `poly` begins among the points.
+  int PolyStart(int poly) const;
 
   int GetKey() const override { return m_number + 1; }
   int GetBounds(K7ChartRect& bounds) const override;
@@ -48,6 +49,7 @@ class ShpLayerRec final : public K7ShapeRec {
 
   K7ShpLayerStore* m_store = nullptr;
   int m_number = 0;
+  K7ChartRect m_bounds;
   void* m_cache = nullptr;  // the host's own
   std::atomic<TessBlock*> m_tess{nullptr};
 };

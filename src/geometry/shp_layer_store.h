@@ -21,7 +21,7 @@ class ShpTable final : public K7ShapeTable {
   int TableIndex() const override { return 0; }
   int RecordCount() const override;
   K7ShapeRec* GetRecord(int i) const override;
-  K7ShapeRec* FindRecord(int key) const override { return GetRecord(key - 1); }
+  K7ShapeRec* FindRecord(int key) const override { return key > 0 ? GetRecord(key - 1) : nullptr; }
   K7ChartRect GetBounds() const override;
   K7ShapeQuery* AreaQuery(const K7ChartRect& area) const override;
   int AttribCount() const override;

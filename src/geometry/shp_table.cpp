@@ -76,7 +76,9 @@ K7ShapeAttribType ShpTable::AttribType(int i) const {
 }
 
 int ShpTable::FindAttrib(const char* name) const {
-  return name && m_store.file ? m_store.file->FindField(name) : -1;
+  for (int i = 0; name && i < AttribCount(); ++i)
+    if (m_store.fields[static_cast<size_t>(i)].IComp(name) == 0) return i;
+  return -1;
 }
 
 int ShpTable::GetAttrib(const K7ShapeRec& record, int i, K7ShapeAttrib& value) const {

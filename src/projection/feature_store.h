@@ -7,9 +7,6 @@
 
 #include <cmath>
 
-/// A little beyond the poles and one turn beyond the map is still read as a position.
-inline bool OnEarth(double lat, double lon) { return std::fabs(lat) <= 90.0001 && std::fabs(lon) <= 540; }
-
 /// Latitudes and longitudes in arrays of their own: they are projected many at a time.
 struct PointSpan {
   const double* lat;

@@ -11,27 +11,14 @@
 
 namespace {
 
-// As far as rows are carried on from 180 to 180.
-constexpr double MAX_LON = 540;
 // The rows of one feature while they are repaired, in place at the end of the store's arrays.
 class Row {
  public:
   Row(double* lat, double* lon, int count) : m_lat(lat), m_lon(lon), m_count(count) {}
 
   void Unroll() {
-    for (int i = 1; i < m_count; ++i) m_lon[i] = CarriedOn(m_lon[i - 1], m_lon[i]);
-  }
-
-  // A ring that does not close after unrolling runs around a pole. One of which nothing but a line would be
-  // left is a band around the world, and one that winds on and on is no ring.
-  bool UnrollsToRing() const {
-    double lon = m_lon[0], west = lon, east = lon;
-    for (int i = 1; i < m_count; ++i) {
-      lon = CarriedOn(lon, m_lon[i]);
-      west = std::min(west, lon);
-      east = std::max(east, lon);
-    }
-    return std::fabs(lon - m_lon[0]) < SAME_PLACE && east - west > SAME_PLACE && east - west < MAX_LON;
+    const auto lonOf = [this](int i) -> double& { return m_lon[i]; };
+    if (CarriesOnToRing(m_count, lonOf)) CarryOn(m_count, lonOf);
   }
 
   // Positive for a clockwise ring, whose area lies to the right.
@@ -110,7 +97,7 @@ void AddRow(K7MapFeatureStore& store, const K7LatLon* points, int count, bool ri
   }
   if (ring) {
     Row row(store.lat.Data() + first, store.lon.Data() + first, copied);
-    if (row.UnrollsToRing()) row.Unroll();
+    row.Unroll();
     row.StraightenCuts();
     if (isFirst) turn = row.Turning() < 0;
     if (turn) row.Reverse();
@@ -127,7 +114,7 @@ void AddLine(K7MapFeatureStore& store, const K7LatLon* points, int count) {
     const bool starts = store.lon.Count() == first;
     const double lat = std::clamp(points[i].Lat(), -90.0, 90.0);
     const double lon = starts ? points[i].Lon() : CarriedOn(store.lon.Last(), points[i].Lon());
-    const bool ends = std::fabs(lon) > MAX_LON;
+    const bool ends = std::fabs(lon) > FARTHEST_LON;
     for (int copies = ends ? 2 : 1; copies > 0; --copies) {
       store.lat.Add(lat);
       store.lon.Add(ends && copies == 1 ? std::remainder(lon, 360) : lon);

@@ -13,6 +13,7 @@
 #include "projection/feature_store.h"
 #include "projection/map_limits.h"
 #include "projection/plane_cut.h"
+#include "projection/seam.h"
 
 #include <algorithm>
 #include <cmath>

@@ -315,6 +315,30 @@ inline int ShapesOneByOne(FailingIO& host, Digest& got) {
   return 0;
 }
 
+// What did not get memory leaves the layer empty, and no half document.
+inline int ShapeLayer(FailingIO& host, Digest& got) {
+  K7ShpLayer layer;
+  const int err = layer.Read("land.shp", &host);
+  K7ShapeTable* const table = layer.Table();
+  if (err) return IfKept(!table || table->RecordCount() == 0, err);
+  if (!table) return K7_ERR_MEMORY;
+  const std::unique_ptr<K7ShapeQuery> query(table->AreaQuery({50, 0, 60, -120}));
+  if (!query || !layer.Features()) return K7_ERR_MEMORY;
+  K7String text("before");
+  while (K7ShapeRec* const record = query->Next()) {
+    if (const int code = layer.ToXML(record, K7XML_FULL, text)) return text.IsEmpty() ? code : DAMAGED;
+    got.Add(text);
+    if (const int code = layer.GetDescription(record, text)) return text.IsEmpty() ? code : DAMAGED;
+    double lat, lon;
+    TRY(record->GetPos(lat, lon));
+    got.Add(text, lat, lon, layer.Features()->PointCount(record->GetKey() - 1));
+    const int vertices = record->GetTriVertCount();
+    if (vertices == 0) return K7_ERR_MEMORY;
+    got.Add(vertices);
+  }
+  return 0;
+}
+
 inline int Images(FailingIO& host, Digest& got) {
   const ScopedIO scope(&host);
   K7RasterCache cache(1 << 20);
@@ -415,6 +439,14 @@ inline int NavRecords(FailingIO&, Digest& got) {
 
 using Files = std::vector<std::pair<std::string, std::string>>;
 
+inline Files Land() {
+  Files files = {{"land.cpg", "UTF-8"}};
+  for (const char* const extension : {"shp", "dbf", "shx"})
+    files.emplace_back(std::string("land.") + extension,
+                       GetFile(std::string(K7_SAMPLE_DATA "/ne_110m_land.") + extension));
+  return files;
+}
+
 // Remains of an old record in front of the sixth: the sequence fails, and the index leads on.
 inline Files Rivers(bool gap) {
   Files files;
@@ -477,6 +509,7 @@ inline const Scenario ALL[] = {
     {"ShapesWhole", Shapes, {IO, K7_ERR_OUT_OF_RANGE}, Rivers(false)},
     {"ShapesByIndex", Shapes, {IO, K7_ERR_OUT_OF_RANGE, BAD}, Rivers(true)},
     {"ShapesOneByOne", ShapesOneByOne, {IO}, Rivers(false)},
+    {"ShapeLayer", ShapeLayer, {IO, K7_ERR_OUT_OF_RANGE, HOST}, Land()},
     {"Images", Images, {IO, HOST}, Pictures()},
     {"Positions", Positions},
     {"Projections", Projections},

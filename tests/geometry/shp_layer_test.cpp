@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <random>
 #include <set>
@@ -29,43 +30,57 @@ void Put(Bytes& out, T value) {
 }
 void PutBig(Bytes& out, int value) { Put(out, __builtin_bswap32(static_cast<unsigned>(value))); }
 
-// "a.shp" with one polygon, whose one attribute NAME is `text`.
-void PutPolygon(MemIO& io, const std::vector<K7ShpXY>& ring, const std::string& text, uint8_t driver = 0) {
-  const int count = static_cast<int>(ring.size()), words = (44 + 4 + 16 * count) / 2;
-  Bytes main;
-  PutBig(main, 9994);
-  main.resize(24);
-  PutBig(main, 50 + 4 + words);
-  Put(main, 1000), Put(main, 5);
-  main.resize(100);
-  PutBig(main, 1), PutBig(main, words);
-  Put(main, 5);
-  K7ShpRect box{999, 999, -999, -999};
-  for (const K7ShpXY& p : ring) {
-    box.xMin = std::min(box.xMin, p.x), box.xMax = std::max(box.xMax, p.x);
-    box.yMin = std::min(box.yMin, p.y), box.yMax = std::max(box.yMax, p.y);
+using Ring = std::vector<K7ShpXY>;
+constexpr K7ShpRect NOWHERE{-80, -80, -80, -80};
+
+// "a.shp" with a polygon for each element of `areas`, with a box that has nothing to do with it, whose one
+// attribute `field` is `text`.
+void PutPolygons(MemIO& io, const std::vector<std::vector<Ring>>& areas, const std::string& text,
+                 uint8_t driver = 0, const std::string& field = "NAME") {
+  Bytes main(100);
+  for (const std::vector<Ring>& rings : areas) {
+    int points = 0;
+    for (const Ring& ring : rings) points += static_cast<int>(ring.size());
+    const int parts = static_cast<int>(rings.size());
+    PutBig(main, 1), PutBig(main, (44 + 4 * parts + 16 * points) / 2);
+    Put(main, 5), Put(main, NOWHERE), Put(main, parts), Put(main, points);
+    int start = 0;
+    for (const Ring& ring : rings) Put(main, start), start += static_cast<int>(ring.size());
+    for (const Ring& ring : rings)
+      for (const K7ShpXY& p : ring) Put(main, p);
   }
-  Put(main, box), Put(main, 1), Put(main, count), Put(main, 0);
-  for (const K7ShpXY& p : ring) Put(main, p);
+  Bytes head;
+  PutBig(head, 9994);
+  head.resize(24);
+  PutBig(head, static_cast<int>(main.size() / 2));
+  Put(head, 1000), Put(head, 5);
+  std::copy(head.begin(), head.end(), main.begin());
   io.Put("a.shp", main);
   io.Put("a.shx", Bytes(108));
-  Bytes dbf = {3, 126, 8, 1, 1, 0, 0, 0, 65, 0, static_cast<unsigned char>(text.size() + 1), 0};
+  Bytes dbf = {3, 126, 8, 1};
+  Put(dbf, static_cast<int>(areas.size())), Put(dbf, uint16_t{65});
+  Put(dbf, static_cast<uint16_t>(text.size() + 1));
   dbf.resize(29);
   dbf.push_back(driver);
   dbf.resize(32);
-  for (const char c : {'N', 'A', 'M', 'E'}) dbf.push_back(static_cast<unsigned char>(c));
+  for (const char c : field) dbf.push_back(static_cast<unsigned char>(c));
   dbf.resize(43);
   dbf.push_back('C');
   dbf.resize(48);
   dbf.push_back(static_cast<unsigned char>(text.size()));
   dbf.resize(64);
   dbf.push_back(0x0D);
-  dbf.push_back(' ');
-  dbf.insert(dbf.end(), text.begin(), text.end());
+  for (size_t i = 0; i < areas.size(); ++i) {
+    dbf.push_back(' ');
+    dbf.insert(dbf.end(), text.begin(), text.end());
+  }
   io.Put("a.dbf", dbf);
 }
+void PutPolygon(MemIO& io, const Ring& ring, const std::string& text, uint8_t driver = 0) {
+  PutPolygons(io, {{ring}}, text, driver);
+}
 
-const std::vector<K7ShpXY> SQUARE = {{0, 0}, {0, 2}, {2, 2}, {2, 0}, {0, 0}};
+const Ring SQUARE = {{0, 0}, {0, 2}, {2, 2}, {2, 0}, {0, 0}};
 
 double AreaOf(K7ShapeRec& record) {
   double sum = 0;
@@ -186,6 +201,99 @@ TEST(ShpLayer, LargeAreasComeInGroups) {
   EXPECT_NEAR(AreaOfTriangles(comb), (TEETH * 0.5 + (TEETH - 0.25)) / 512, 1e-6);
 }
 
+TEST(ShpLayer, AreasAcross180AreWhole) {
+  constexpr double NOT = std::numeric_limits<double>::quiet_NaN();
+  const auto box = [](double west, double east, double south, double north) {
+    return Ring{{west, south}, {west, north}, {east, north}, {east, south}};
+  };
+  // Areas of the first three: 4 x 2 degrees less a hole of 1 x 1, however they are written.
+  MemIO io;
+  PutPolygons(io,
+              {{box(178, -178, 0, 2), box(-180, -179, 0.5, 1.5)},
+               {box(178, 182, 0, 2), {}, box(180, 181, 0.5, 1.5)},
+               {{{-180, 0.5}, {-180, 1.5}, {-179, 1.5}, {-179, 0.5}}, box(178, -178, 0, 2)},
+               {{{1, 1}, {NOT, 3}, {1, 3}, {INFINITY, -INFINITY}, {3, 3}, {3, 1}}},
+               {{{5, 5}}, {{6, 6}, {7, 7}}},
+               {{{NOT, NOT}, {5e6, 5e6}}},
+               {}},
+              "x");
+  K7ShpLayer layer;
+  ASSERT_EQ(layer.Read("a.shp", &io), 0);
+  const K7ShapeTable& table = *layer.Table();
+  double lat, lon;
+  K7ChartRect bounds;
+  for (int i = 0; i < 3; ++i) {
+    K7ShapeRec& record = *table.GetRecord(i);
+    ASSERT_EQ(record.GetBounds(bounds), 0);
+    EXPECT_EQ(bounds, K7ChartRect(2, 0, -178, 178));
+    EXPECT_NEAR(AreaOfTriangles(record), 7, 1e-12);
+    ASSERT_EQ(record.GetPos(lat, lon), 0);
+    EXPECT_TRUE(layer.Features()->Contains(i, lat, lon)) << lon;
+  }
+  EXPECT_EQ(AreaOfTriangles(*table.GetRecord(3)), 4);
+  EXPECT_EQ(AreaOfTriangles(*table.GetRecord(4)), 0);
+  EXPECT_EQ(table.GetRecord(4)->GetPos(lat, lon), 0);
+  for (const int i : {5, 6}) {
+    EXPECT_EQ(table.GetRecord(i)->GetBounds(bounds), K7_ERR_NOT_FOUND);
+    EXPECT_EQ(table.GetRecord(i)->GetPos(lat, lon), K7_ERR_NOT_FOUND);
+    EXPECT_EQ(table.GetRecord(i)->GetTriVertCount(), 0);
+  }
+  const struct {
+    K7ChartRect area;
+    size_t found;
+  } AREAS[] = {{{1, 1, -178, -178.5}, 3}, {{1, 1, 178, 170}, 3},      {{1, 1, -177, -177.9}, 0},
+               {{1, 1, -178, 178}, 3},    {{1, 1, -179.9, 179.9}, 3}, {{1, 1, 180, -180}, 4},
+               {{1, 1, 2, 177.9}, 4},     {{0, -9, 180, 180}, 3},     {{9, 2.5, 180, -180}, 2}};
+  for (const auto& area : AREAS)
+    EXPECT_EQ(All(layer.Table()->AreaQuery(area.area)).size(), area.found) << area.area.West();
+}
+
+// A reader that turns metres into degrees, and refuses those in the west.
+struct MetreReader : K7ShpFile {
+  bool XY2LatLon(const K7ShpXY* xy, double& lat, double& lon) override {
+    lat = xy->y / 60 / 1852;
+    lon = xy->x / 60 / 1852;
+    return lon >= 0;
+  }
+};
+
+TEST(ShpLayer, AReaderTurnsPointsIntoDegreesOrRefusesThem) {
+  constexpr double DEGREE = 60 * 1852;
+  MemIO io;
+  PutPolygons(io, {{{{0, 0}, {0, DEGREE}, {DEGREE, 0}}}, {{{-1, 0}, {0, DEGREE}, {DEGREE, 0}}}}, "a.shp");
+  K7ShpLayer layer;
+  ASSERT_EQ(layer.Read("a.shp", &io, new MetreReader), 0);
+  K7ShapeTable& table = *layer.Table();
+  EXPECT_EQ(table.GetBounds(), K7ChartRect(1, 0, 1, 0));
+  EXPECT_NEAR(AreaOfTriangles(*table.GetRecord(0)), 0.5, 1e-12);
+  double lat, lon;
+  EXPECT_EQ(table.GetRecord(1)->GetPos(lat, lon), K7_ERR_NOT_FOUND);
+  EXPECT_EQ(layer.Features()->PointCount(1) + table.GetRecord(1)->GetTriVertCount(), 0);
+  // Once more, by a path that is the layer's own.
+  K7ShapeAttrib path;
+  ASSERT_EQ(table.GetAttrib(*table.GetRecord(0), 0, path), 0);
+  ASSERT_EQ(layer.Read(path, &io), 0);
+  EXPECT_EQ(layer.Table()->GetBounds(), K7ChartRect(0, 0, 0, -1));
+}
+
+TEST(ShpLayer, APlaceIsOnePoint) {
+  MemIO io;
+  PutPolygons(io, {{}}, "x");
+  Bytes main(100);
+  PutBig(main, 1), PutBig(main, 10);
+  Put(main, int{K7_SHP_POINT}), Put(main, K7ShpXY{190, 3});
+  io.Put("a.shp", main);
+  K7ShpLayer layer;
+  ASSERT_EQ(layer.Read("a.shp", &io), 0);
+  EXPECT_EQ(layer.Features()->PointCount(0), 1);
+  K7ShapeRec& place = *layer.Table()->GetRecord(0);
+  double lat, lon;
+  ASSERT_EQ(place.GetPos(lat, lon), 0);
+  EXPECT_TRUE(lat == 3 && lon == -170);
+  EXPECT_EQ(place.GetPolySize(0), K7_ERR_OUT_OF_RANGE);
+  EXPECT_EQ(All(layer.Table()->AreaQuery({3, 3, -170, -170})).size(), 1u);
+}
+
 TEST(ShpLayer, TextsAreWindows1252) {
   const struct {
     const char *page, *text, *expected;
@@ -207,7 +315,8 @@ TEST(ShpLayer, TextsAreWindows1252) {
                 "dz",
                 0},
                {nullptr, "a\tb\x1F<&", "a b <&", 0},
-               {"KOI8-R", "\xE9", "\xE9", 0}};
+               {"KOI8-R", "\xE9\x8F", "\xE9?", 0},
+               {"\xEF\xBB\xBFUTF-8", "\xC8\x98\xCC\x81", "S?", 0}};
   for (const auto& text : TEXTS) {
     MemIO io;
     PutPolygon(io, SQUARE, text.text, text.driver);
@@ -242,11 +351,16 @@ TEST(ShpLayer, WhatIsNotThereIsSaid) {
   ASSERT_NE(record, nullptr);
   EXPECT_TRUE(!table.FindRecord(0) && !table.FindRecord(2) && !table.GetRecord(-1));
   K7ShapeAttrib value;
+  EXPECT_EQ(table.FindRecord(INT32_MIN), nullptr);
   EXPECT_EQ(table.GetAttrib(*record, 1, value), K7_ERR_OUT_OF_RANGE);
   EXPECT_EQ(table.GetAttrib(*other.Table()->GetRecord(0), 0, value), K7_ERR_NOT_FOUND);
   EXPECT_EQ(layer.GetTable(other.Table()->GetRecord(0)), nullptr);
   EXPECT_STREQ(table.AttribName(0), "NAME");
   EXPECT_TRUE(!table.AttribName(1) && table.FindAttrib("other") == -1);
+  PutPolygons(io, {{SQUARE}}, "x", 1, "\x81\x01<ELEVENS>");  // no terminator
+  ASSERT_EQ(other.Read("a.shp", &io), 0);
+  EXPECT_STREQ(other.Table()->AttribName(0), "\xFC <ELEVENS>");
+  EXPECT_EQ(other.Table()->FindAttrib(other.Table()->AttribName(0)), 0);
   double lat, lon;
   EXPECT_EQ(record->GetPolyPoint(0, 5, lat, lon), K7_ERR_OUT_OF_RANGE);
   EXPECT_EQ(record->GetPolySize(1), K7_ERR_OUT_OF_RANGE);

@@ -10,7 +10,9 @@ class K7ShpFile;
 struct K7ShpLayerStore;
 
 /// A layer whose records are those of one shapefile set, in one table, index 0. Keys count the records from
-/// 1. Positions are found through a tree of their bounds. An area's triangles are made when they are first
+/// 1. Bounds are those of the points, whatever boxes the set holds; points off the earth are left out, rows
+/// that jump across 180 degrees carried on, as `K7MapFeatures` does. Areas are asked for through a tree of
+/// the bounds. An area's triangles are made when they are first
 /// asked for, and kept until `FreeMemCache`.
 ///
 ///     K7ShpLayer stands(K7_SHAPE_PARKING_STAND, 5);
@@ -22,7 +24,7 @@ struct K7ShpLayerStore;
 /// Texts are handed out in windows-1252. What they are in says the set's ".cpg" file (UTF-8, ISO 8859-1 and
 /// -15, Windows 1250, 1252, 1254 and 1257, DOS 437 and 850), or else the language byte of its table; without
 /// a known one they are taken as they stand. Letters that windows-1252 does not have lose their marks, other
-/// characters become "?", control characters blanks.
+/// characters and bytes that it leaves open become "?", control characters blanks.
 ///
 /// One thread reads; afterwards any number of threads may use the layer and its records. `FreeMemCache` and
 /// `FreeCache` are for a moment when no other thread does.
@@ -36,8 +38,9 @@ class K7_API K7ShpLayer : public K7Shape {
 
   /// Reads a set; its name becomes the layer's: "land" of "data/land.shp". Records without a shape are kept,
   /// with their attributes. `reader`, which is the layer's from now on, turns projected coordinates into
-  /// degrees; null for a set in degrees. Answers 0; K7_ERR_MEMORY; or the code of `K7ShpFile::Read`, with
-  /// the layer empty.
+  /// degrees, for all threads that use the layer; null for a set in degrees. Answers 0, or with the layer
+  /// empty K7_ERR_BAD_ARGUMENT for null, K7_ERR_MEMORY, K7_ERR_FILE_IO for a ".cpg" file that cannot be read,
+  /// or the code of `K7ShpFile::Read`.
   int Read(const char* path, K7IO* io, K7ShpFile* reader = nullptr);
 
   /// Answers the set as read; texts of its records are in windows-1252. Null before `Read`.
