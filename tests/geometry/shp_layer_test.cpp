@@ -165,7 +165,15 @@ TEST(ShpLayer, TrianglesFillTheAreaAndAreFreed) {
   ASSERT_EQ(layer.Read(Sample("ne_50m_land").c_str(), K7IO::Inst()), 0);
   K7ShapeTable& table = *layer.Table();
   const auto touch = [&] {
-    for (int i = 0; i < table.RecordCount(); ++i) table.GetRecord(i)->GetTriVertCount();
+    for (int i = 0; i < table.RecordCount(); ++i) {
+      K7ShapeRec& record = *table.GetRecord(i);
+      K7String text;
+      double lat, lon;
+      record.GetTriVertCount();
+      ASSERT_EQ(record.GetPos(lat, lon) + layer.ToXML(&record, K7XML_FULL, text), 0);
+      EXPECT_EQ(layer.Features()->Count(), table.RecordCount());
+      EXPECT_EQ(All(table.AreaQuery({lat, lat, lon, lon})).count(&record), 1u);
+    }
   };
   std::vector<std::thread> threads;
   for (int t = 0; t < 4; ++t) threads.emplace_back(touch);
