@@ -1,29 +1,13 @@
-// Shapefile sets from outside. The input is a byte (odd: null shapes are kept), the lengths of the main file
-// and of the attribute table as 32-bit words, the two files, and the rest as the index.
+// Shapefile sets from outside. The input is a byte (odd: null shapes are kept) and the set.
+
+#include "shp_set.h"
 
 #include <k7/geometry.h>
-
-#include "support/mem_io.h"
 
 #include <cstdint>
 #include <cstdlib>
 
 namespace {
-
-Bytes Take(const uint8_t*& data, size_t& size, size_t n) {
-  n = std::min(n, size);
-  Bytes bytes(data, data + n);
-  data += n;
-  size -= n;
-  return bytes;
-}
-
-uint32_t TakeLength(const uint8_t*& data, size_t& size) {
-  uint32_t length = 0;
-  const Bytes raw = Take(data, size, sizeof length);
-  std::copy(raw.begin(), raw.end(), reinterpret_cast<unsigned char*>(&length));
-  return length;
-}
 
 // Keeps what is read from being optimised away.
 volatile double g_sink;
@@ -69,13 +53,9 @@ void WalkRecord(K7ShpFile& file, const K7ShpRecord& record) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 1) return 0;
-  const bool keepNullShapes = Take(data, size, 1)[0] % 2 != 0;
-  const uint32_t mainLength = TakeLength(data, size);
-  const uint32_t tableLength = TakeLength(data, size);
+  const bool keepNullShapes = data[0] % 2 != 0;
   MemIO io;
-  io.Put("a.shp", Take(data, size, mainLength));
-  io.Put("a.dbf", Take(data, size, tableLength));
-  io.Put("a.shx", Take(data, size, size));
+  PutSet(io, data + 1, size - 1);
 
   K7ShpFile file;
   file.KeepNullShapes(keepNullShapes);
