@@ -1,6 +1,7 @@
 #!/bin/bash
 # Installs a build and uses it as a host outside the tree does: check_installed.sh SOURCE BUILD
 #   the README's program builds with find_package and with pkg-config, and prints what the README says it prints;
+#   the programs of docs/host build and say what they should;
 #   the library exports the classes and functions of exported_names.txt and nothing else;
 #   k7chart, where it was built, draws from where it is installed, terrain that k7terrain finds good included;
 #   other folders and a project that holds the tree get what they ask for.
@@ -31,6 +32,11 @@ export PKG_CONFIG_LIBDIR=$libdir
 g++ -std=c++20 "$work/main.cpp" -o "$work/consumer" $(pkg-config --cflags --libs k7core)
 LD_LIBRARY_PATH=$(dirname "$libdir") "$work/consumer" >"$work/pkgconfig.txt"
 diff -u "$work/expected.txt" "$work/pkgconfig.txt"
+
+# The programs of docs/writing_a_host.md, by themselves against what is installed.
+{ cmake -S "$source_dir/docs/host" -B "$work/programs" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" &&
+  cmake --build "$work/programs"; } >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
+"$source_dir/tests/docs/host_programs.sh" "$source_dir" "$work/programs"
 
 "$source_dir/script/exported-names" "$(find "$work/prefix" -name 'libk7core.so')" >"$work/names.txt"
 diff -u "$source_dir/tests/install/exported_names.txt" "$work/names.txt"
