@@ -5,13 +5,6 @@
 #include <cmath>
 #include <map>
 
-namespace {
-
-// A field of angles leaps where it comes around; nothing runs between such nodes.
-constexpr double LEAP = 90;
-
-}  // namespace
-
 // Which edges of the cells a line of one value passes from one to another. An edge is numbered by the node at
 // its left or upper end, twice that for one across and one more for one down.
 struct Contours::Links {
@@ -25,9 +18,10 @@ struct Contours::Links {
   }
 };
 
-Contours::Contours(DeviceField field, int width, int height, double cell)
+Contours::Contours(DeviceField field, int width, int height, double cell, double leap)
     : m_field(std::move(field)),
       m_cell(cell),
+      m_leap(leap),
       m_columns(static_cast<int>(std::ceil(width / cell)) + 1),
       m_rows(static_cast<int>(std::ceil(height / cell)) + 1),
       m_least(INFINITY),
@@ -43,17 +37,17 @@ Contours::Contours(DeviceField field, int width, int height, double cell)
 }
 
 // By false position, which keeps to the edge.
-DevicePoint Contours::OnEdge(int edge, double value) const {
-  static const int STEPS = 4;
+DevicePoint Contours::OnEdge(int edge, double value, int steps) const {
   const int node = edge / 2, column = node % m_columns, row = node / m_columns;
   const bool down = edge % 2;
   DevicePoint a = Node(column, row), b = down ? Node(column, row + 1) : Node(column + 1, row);
   double fa = Value(column, row) - value;
   double fb = (down ? Value(column, row + 1) : Value(column + 1, row)) - value;
   DevicePoint p = a;
-  for (int i = 0; i < STEPS && fa != fb; ++i) {
+  for (int i = 0; i < steps && fa != fb; ++i) {
     const double t = fa / (fa - fb);
     p = {a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t};
+    if (i + 1 == steps) break;
     const double f = m_field(p.x, p.y) - value;
     if (!std::isfinite(f) || f == 0) break;
     const bool first = (f < 0) == (fa < 0);
@@ -69,7 +63,7 @@ void Contours::LinkCell(int column, int row, double value, Links& links) const {
   const auto [least, most] = std::minmax_element(std::begin(corners), std::end(corners));
   for (const double corner : corners)
     if (!std::isfinite(corner)) return;
-  if (!(*least < value) || *most < value || *most - *least > LEAP) return;
+  if (!(*least < value) || *most < value || *most - *least > m_leap) return;
   const int node = row * m_columns + column;
   const int edges[] = {2 * node, 2 * (node + 1) + 1, 2 * (node + m_columns), 2 * node + 1};
   int crossed[4], count = 0;
@@ -84,11 +78,11 @@ void Contours::LinkCell(int column, int row, double value, Links& links) const {
   links.Add(crossed[(turned + 2) % 4], crossed[(turned + 3) % 4]);
 }
 
-DeviceLine Contours::Follow(int edge, double value, Links& links) const {
+DeviceLine Contours::Follow(int edge, double value, int steps, Links& links) const {
   DeviceLine line;
   const int first = edge;
   for (int last = -1; edge >= 0;) {
-    line.points.push_back(OnEdge(edge, value));
+    line.points.push_back(OnEdge(edge, value, steps));
     const auto here = links.to.find(edge);
     if (here == links.to.end()) break;
     const int next = here->second[0] != last ? here->second[0] : here->second[1];
@@ -128,18 +122,21 @@ void Contours::Bend(const DevicePoint& a, const DevicePoint& b, double value, do
 }
 
 std::vector<DeviceLine> Contours::At(double value, double tolerance) const {
+  static const int STEPS = 4, HALVINGS = 3;
   Links links;
   for (int row = 0; row + 1 < m_rows; ++row)
     for (int column = 0; column + 1 < m_columns; ++column) LinkCell(column, row, value, links);
   std::vector<int> starts;
   for (const auto& [edge, ends] : links.to)
     if (ends[1] < 0) starts.push_back(edge);
+  const bool isEven = std::isinf(tolerance);
+  const int steps = isEven ? 1 : STEPS;
   std::vector<DeviceLine> lines;
   for (const int start : starts)
-    if (links.to.count(start)) lines.push_back(Follow(start, value, links));
-  while (!links.to.empty()) lines.push_back(Follow(links.to.begin()->first, value, links));
+    if (links.to.count(start)) lines.push_back(Follow(start, value, steps, links));
+  while (!links.to.empty()) lines.push_back(Follow(links.to.begin()->first, value, steps, links));
 
-  static const int HALVINGS = 3;
+  if (isEven) return lines;
   for (DeviceLine& line : lines) {
     std::vector<DevicePoint> points = {line.points.front()};
     for (size_t i = 1; i < line.points.size(); ++i)

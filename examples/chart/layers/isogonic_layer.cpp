@@ -10,6 +10,7 @@ namespace {
 
 constexpr double CELL = 12;          // pixels
 constexpr double TOLERANCE = 0.02;   // degrees
+constexpr double LEAP = 90;          // degrees, where the angle comes around
 constexpr double PICK_REACH = 4;     // pixels
 constexpr double LABELS_APART = 40;  // letter sizes along a line
 
@@ -43,7 +44,7 @@ void IsogonicLayer::Prepare(const LayerContext& context) {
         double lat, lon;
         return view.FromDevice(dx, dy, lat, lon) ? model->Position(lat, lon, 0, 0, NAN) : NAN;
       },
-      view.Width(), view.Height(), CELL);
+      view.Width(), view.Height(), CELL, LEAP);
   const int step = IsogonicStep(view.NMPerPixel(), contours.Most() - contours.Least());
   for (double value = std::ceil(contours.Least() / step) * step; value <= contours.Most(); value += step)
     for (DeviceLine& line : contours.At(value, TOLERANCE)) m_lines.push_back({value, std::move(line)});

@@ -1,7 +1,7 @@
 #include "layers/terrain_layer.h"
 
 #include "layers/relief_picture.h"
-#include "layers/smooth_posts.h"
+#include "layers/view_posts.h"
 
 #include <k7/projection/chart_rect.h>
 
@@ -14,10 +14,6 @@ constexpr double FEET_PER_METRE = 1 / 0.3048;
 // Pixels over which relief fades where its data end.
 constexpr double FADE = 18;
 constexpr double ORDINARY_TEXT = 12;
-
-// How often posts that lie so many pixels apart are smoothed. Seen from near, their squares and creases would
-// show.
-int PassesFor(double pixels) { return static_cast<int>(std::lround(std::min(pixels / 4, 6.0))); }
 
 // The lowest and the highest post in a view, in feet; the first above the second for none.
 struct Heights {
@@ -90,15 +86,6 @@ LegendEntry TintBar(const LayerContext& context, const HeightTint* first, int co
 
 }  // namespace
 
-// The coarsest that has a post for every two pixels, else the finest.
-int TerrainLayer::ResolutionFor(const K7MapView& view) const {
-  const double wanted = 60 / view.NMPerPixel() / 2;
-  int best = 0;
-  for (const int resolution : m_files.Resolutions())
-    if (best == 0 || resolution >= wanted) best = resolution;
-  return best;
-}
-
 void TerrainLayer::Prepare(const LayerContext& context) {
   m_shown.reset();
   m_isSeen = false;
@@ -115,13 +102,7 @@ void TerrainLayer::Prepare(const LayerContext& context) {
   // Gentle slopes of wide views would hardly show.
   m_params.m_exaggeration = std::clamp(context.view.NMPerPixel() * 12, 1.0, 8.0);
   m_params.m_deepDarkening = 0;
-  const int resolution = ResolutionFor(context.view);
-  m_shown = std::make_unique<K7TerTileEX>();
-  for (K7TerTile* const tile : m_files.TilesIn(resolution, context.view.GetExtent()))
-    m_shown->AddTileForMerge(tile);
-  if (m_shown->MergeCount() == 0 || m_shown->MergeTiles() != 0 ||
-      !SmoothTwice(*m_shown, PassesFor(60.0 / resolution / context.view.NMPerPixel())))
-    m_shown.reset();
+  m_shown = PostsFor(m_files, context.view, 2, 0);
 }
 
 void TerrainLayer::DrawAreas(const LayerContext& context, K7MapPath&, K7Grfx& g) {

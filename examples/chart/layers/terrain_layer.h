@@ -22,8 +22,6 @@ class TerrainLayer : public Layer {
   void AddToLegend(const LayerContext& context, std::vector<LegendEntry>& legend) const override;
 
  private:
-  int ResolutionFor(const K7MapView& view) const;
-
   const TerrainFiles& m_files;
   K7TerParams m_params;
   std::unique_ptr<K7TerTileEX> m_shown;  // what the view shows, in one grid
