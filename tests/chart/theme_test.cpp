@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <random>
@@ -47,6 +48,18 @@ TEST_F(ThemeFileTest, WhatIsLeftOutIsDay) {
   EXPECT_FALSE(theme[ThemeItem::Rivers].ShowsAt(2.6));
 }
 
+TEST_F(ThemeFileTest, WhatIsLeftOutOfAVariantIsAsItsLayer) {
+  Theme theme;
+  ASSERT_EQ(Read("<Width Group=\"ClassCAirspaces\">3</Width><Line Group=\"Airspaces\">#010203</Line><Width "
+                 "Group=\"Airspaces\">2</Width><Fill Group=\"Airports\">#040506</Fill>",
+                 theme),
+            "");
+  EXPECT_EQ(theme[ThemeItem::ClassCAirspaces].line, (Color{1, 2, 3, 255}));
+  EXPECT_EQ(theme[ThemeItem::ClassCAirspaces].width, 3);
+  EXPECT_EQ(theme[ThemeItem::ClassEAirspaces].width, 2);
+  EXPECT_EQ(theme[ThemeItem::ToweredAirports].fill, (Color{4, 5, 6, 255}));
+}
+
 TEST_F(ThemeFileTest, SavedThemesReadBackEqual) {
   std::mt19937 bits(7);
   const auto number = [&bits] { return std::uniform_real_distribution<>(0.1, 40)(bits); };
@@ -63,6 +76,12 @@ TEST_F(ThemeFileTest, SavedThemesReadBackEqual) {
       for (size_t k = 0; k < bits() % 5; ++k) theme[item].dash[k] = number();
       theme[item].minNMPerPixel = bits() % 2 ? number() / 100 : 0;
     }
+    theme[ThemeItem::Terrain].visible = bits() % 2;
+    theme[ThemeItem::ClassDAirspaces].width = number();
+    std::vector<ThemeItem> order = {ThemeItem::Sea, ThemeItem::Route, ThemeItem::Contours};
+    std::shuffle(order.begin(), order.end(), bits);
+    order.resize(bits() % 4);
+    theme.SetOrder(order);
     HeightTints& tints = theme[ThemeItem::Terrain].tints = {1 + static_cast<int>(bits() % 20), {}};
     for (int k = 0; k < tints.count; ++k)
       tints.rows[static_cast<size_t>(k)] = {k * 2000 - 9000, {byte(), byte(), byte(), byte()}};
@@ -103,6 +122,13 @@ TEST_F(ThemeFileTest, SaysWhatIsWrongAndStaysAsItWas) {
       {"<Moon Group=\"Symbols\">a.png</Moon>", "Symbols has no 'Moon'; it has ToweredAirport, Airport"},
       {"<VOR Group=\"Symbols\">no.png</VOR>", "no.png': No such file"},
       {"<VOR Group=\"Symbols\">t.xml</VOR>", "cannot read the image"},
+      {"<Visible Group=\"Land\">maybe</Visible>", "Visible of Land is yes or no, not 'maybe'"},
+      {"<Visible Group=\"Limb\">no</Visible>", "Limb has no 'Visible'"},
+      {"<Hidden Group=\"Layers\">Land</Hidden>", "Layers has no 'Hidden'; it has Order"},
+      {"<Order Group=\"Layers\">Land, Moon</Order>", "no layer 'Moon'; layers are Sea, Land"},
+      {"<Order Group=\"Layers\">Land, Limb</Order>", "no layer 'Limb'"},
+      {"<Order Group=\"Layers\">Land,Sea, Land</Order>", "'Land' twice"},
+      {"<Order Group=\"Layers\"></Order>", "names none"},
       {"", "nothing"},
   };
   for (const auto& c : cases) {
@@ -160,7 +186,7 @@ TEST_F(ThemeFileTest, NightIsDarkAndLegibleUnderRedLight) {
 
 // Where terrain begins at the sea's level nothing shows it.
 TEST_F(ThemeFileTest, TintsAboutTheSeasLevelAreThoseOfTheSeaAndTheLand) {
-  for (const char* const name : {"/day.xml", "/night.xml"}) {
+  for (const char* const name : {"/day.xml", "/night.xml", "/printed.xml"}) {
     Theme theme;
     ASSERT_EQ(theme.Read(K7_THEMES + std::string(name)), "");
     const HeightTints& tints = theme[ThemeItem::Terrain].tints;

@@ -5,6 +5,7 @@
 #include <k7/foundation/error_string.h>
 #include <k7/foundation/options.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -16,14 +17,18 @@
 namespace {
 
 // Keys of an entry.
-constexpr unsigned FILL = 1, LINE = 2, WIDTH = 4, DASH = 8, MIN_SCALE = 16, MAX_SCALE = 32, TINTS = 64;
+constexpr unsigned FILL = 1, LINE = 2, WIDTH = 4, DASH = 8, MIN_SCALE = 16, MAX_SCALE = 32, TINTS = 64,
+                   VISIBLE = 128;
 constexpr unsigned STROKE = LINE | WIDTH | DASH;
 constexpr unsigned SCALES = MIN_SCALE | MAX_SCALE;
+constexpr unsigned LAYER = SCALES | VISIBLE;
 
 struct Row {
   const char* name;
   unsigned keys;
   ThemeEntry day;
+  ThemeItem partOf = ThemeItem::Text;  // the layer's item; Text: none
+  bool isVariant = false;              // what a file leaves out is as it has it for the layer, not as by day
 };
 
 constexpr Color INK = {33, 46, 61, 255};
@@ -49,32 +54,46 @@ constexpr HeightTints DAY_TINTS = {14,
                                      {7000, {211, 173, 126, 255}},
                                      {10000, {197, 160, 125, 255}}}}};
 
+constexpr ThemeEntry CONTROLLED = {{31, 95, 168, 46}, {31, 95, 168, 230}, 1.1, {}, 0, 0.8};
+constexpr ThemeEntry AIRPORT = {{253, 252, 250, 255}, {98, 44, 122, 255}, 1.2};
+
 // In the order of ThemeItem.
 constexpr Row ROWS[] = {
     {"Paper", FILL, {{253, 252, 250, 255}}},
-    {"Sea", FILL, {SEA}},
-    {"Sky", FILL, {{233, 241, 247, 255}}},
-    {"Land", FILL | STROKE | SCALES, {LAND, {69, 107, 133, 255}, 0.9}},
-    {"Underlay", SCALES, {}},
-    {"Terrain", TINTS | SCALES, {.tints = DAY_TINTS}},
-    {"Lakes", FILL | STROKE | SCALES, {SEA, RIVER, 0.8}},
-    {"Rivers", FILL | STROKE | SCALES, {SEA, RIVER, 0.8}},
-    {"LakeLines", STROKE, {{}, {156, 197, 222, 255}, 3.2}},
-    {"Borders", STROKE | SCALES, {{}, {153, 77, 107, 204}, 0.9, {7, 2.5, 1.5, 2.5}}},
-    {"Other", FILL | STROKE | SCALES, {{140, 51, 140, 38}, {140, 51, 140, 230}, 1}},
-    {"Graticule", STROKE, {{}, {64, 89, 115, 89}, 0.6}},
-    {"Elevations", LINE | SCALES, {{}, {32, 60, 128, 230}, 0, {}, 0.03, 0.4}},
-    {"Isogonics", STROKE | SCALES, {{}, {140, 92, 154, 217}, 0.8, {9, 4}}},
-    {"Airspaces", FILL | STROKE | SCALES, {{31, 95, 168, 46}, {31, 95, 168, 230}, 1.1, {}, 0, 0.8}},
-    {"RestrictedAirspaces", FILL | STROKE | SCALES, {{178, 46, 58, 46}, {178, 46, 58, 230}, 1.1, {}, 0, 0.8}},
-    {"OtherAirspaces", FILL | STROKE | SCALES, {{92, 122, 56, 46}, {92, 122, 56, 230}, 1.1, {}, 0, 0.8}},
-    {"Airways", FILL | STROKE | SCALES, {{253, 252, 250, 235}, {66, 82, 110, 255}, 1, {}, 0, 1}},
-    {"Fixes", FILL | STROKE | SCALES, {{253, 252, 250, 255}, {66, 82, 110, 255}, 1, {}, 0, 0.3}},
-    {"CompassRoses", STROKE | SCALES, {{}, {28, 84, 140, 153}, 0.8, {}, 0, 0.3}},
-    {"Navaids", FILL | STROKE | SCALES, {{253, 252, 250, 255}, {28, 84, 140, 255}, 1.2, {}, 0, 3}},
-    {"Airports", FILL | STROKE | SCALES, {{253, 252, 250, 255}, {98, 44, 122, 255}, 1.2}},
-    {"Route", FILL | STROKE, {{253, 252, 250, 230}, {196, 0, 122, 255}, 2.6}},
-    {"Limb", STROKE, {{}, {89, 122, 148, 255}, 1.2}},
+    {"Sea", FILL | VISIBLE, {SEA}},
+    {"Sky", FILL, {{233, 241, 247, 255}}, ThemeItem::Sea},
+    {"Land", FILL | STROKE | LAYER, {LAND, {69, 107, 133, 255}, 0.9}},
+    {"Underlay", LAYER, {}},
+    {"Terrain", TINTS | LAYER, {.tints = DAY_TINTS}},
+    {"Contours", STROKE | LAYER, {{}, {133, 90, 48, 204}, 0.6, {}, 0, 0.35, {}, false}},
+    {"Lakes", FILL | STROKE | LAYER, {SEA, RIVER, 0.8}},
+    {"Rivers", FILL | STROKE | LAYER, {SEA, RIVER, 0.8}},
+    {"LakeLines", STROKE, {{}, {156, 197, 222, 255}, 3.2}, ThemeItem::Rivers},
+    {"Borders", STROKE | LAYER, {{}, {153, 77, 107, 204}, 0.9, {7, 2.5, 1.5, 2.5}}},
+    {"Other", FILL | STROKE | LAYER, {{140, 51, 140, 38}, {140, 51, 140, 230}, 1}},
+    {"Graticule", STROKE | VISIBLE, {{}, {64, 89, 115, 89}, 0.6}},
+    {"Elevations", LINE | LAYER, {{}, {32, 60, 128, 230}, 0, {}, 0.03, 0.4}},
+    {"Isogonics", STROKE | LAYER, {{}, {140, 92, 154, 217}, 0.8, {9, 4}}},
+    {"Airspaces", FILL | STROKE | LAYER, CONTROLLED},
+    {"ClassCAirspaces", FILL | STROKE | SCALES, CONTROLLED, ThemeItem::Airspaces, true},
+    {"ClassDAirspaces", FILL | STROKE | SCALES, CONTROLLED, ThemeItem::Airspaces, true},
+    {"ClassEAirspaces", FILL | STROKE | SCALES, CONTROLLED, ThemeItem::Airspaces, true},
+    {"RestrictedAirspaces",
+     FILL | STROKE | SCALES,
+     {{178, 46, 58, 46}, {178, 46, 58, 230}, 1.1, {}, 0, 0.8},
+     ThemeItem::Airspaces},
+    {"OtherAirspaces",
+     FILL | STROKE | SCALES,
+     {{92, 122, 56, 46}, {92, 122, 56, 230}, 1.1, {}, 0, 0.8},
+     ThemeItem::Airspaces},
+    {"Airways", FILL | STROKE | LAYER, {{253, 252, 250, 235}, {66, 82, 110, 255}, 1, {}, 0, 1}},
+    {"Fixes", FILL | STROKE | LAYER, {{253, 252, 250, 255}, {66, 82, 110, 255}, 1, {}, 0, 0.3}},
+    {"CompassRoses", STROKE | SCALES, {{}, {28, 84, 140, 153}, 0.8, {}, 0, 0.3}, ThemeItem::Navaids},
+    {"Navaids", FILL | STROKE | LAYER, {{253, 252, 250, 255}, {28, 84, 140, 255}, 1.2, {}, 0, 3}},
+    {"Airports", FILL | STROKE | LAYER, AIRPORT},
+    {"ToweredAirports", FILL | STROKE, AIRPORT, ThemeItem::Airports, true},
+    {"Route", FILL | STROKE | VISIBLE, {{253, 252, 250, 230}, {196, 0, 122, 255}, 2.6}},
+    {"Limb", STROKE, {{}, {89, 122, 148, 255}, 1.2}, ThemeItem::Sea},
     {"Frame", STROKE, {{}, INK, 2.5}},
     {"Neatline", STROKE, {{}, INK, 1}},
     {"Text", FILL, {INK}},
@@ -215,7 +234,20 @@ constexpr Key KEYS[] = {
     {"Tints", TINTS, "up to 20 heights in feet, rising, each with its colour: \"-60 #BAD6E6, 0 #E4EBD0\"",
      [](const char* text, ThemeEntry& entry) { return ReadTints(text, entry.tints); },
      [](const ThemeEntry& entry) { return Written(entry.tints); }},
+    {"Visible", VISIBLE, "yes or no",
+     [](const char* text, ThemeEntry& entry) {
+       entry.visible = std::strcmp(text, "yes") == 0;
+       return entry.visible || std::strcmp(text, "no") == 0;
+     },
+     [](const ThemeEntry& entry) { return std::string(entry.visible ? "yes" : "no"); }},
 };
+
+// The item that a group is; THEME_ITEMS for none.
+int ItemNamed(const std::string& group) {
+  int item = 0;
+  while (item < THEME_ITEMS && group != ROWS[item].name) ++item;
+  return item;
+}
 
 // A table of its own: a theme leaves the settings of the process alone.
 class ThemeFile : public K7Options {};
@@ -248,21 +280,59 @@ std::string TakeSymbol(const K7KeyValue& setting, const std::filesystem::path& f
   return std::string(SYMBOLS) + " has no '" + std::string(setting.key) + "'; it has " + names;
 }
 
+constexpr const char* LAYERS = "Layers";
+constexpr const char* ORDER = "Order";
+
+bool HasKey(int item, unsigned bits) { return (ROWS[item].keys & bits) != 0; }
+
+// Empty, or what is wrong with the order of layers.
+std::string TakeOrder(const std::string& name, const std::string& value, Theme& theme) {
+  if (name != ORDER) return std::string(LAYERS) + " has no '" + name + "'; it has " + ORDER;
+  std::vector<ThemeItem> order;
+  for (const std::string& part : Split(value, ',')) {
+    const std::string layer = part.substr(std::min(part.find_first_not_of(' '), part.size()));
+    const int item = ItemNamed(layer);
+    if (item == THEME_ITEMS || !HasKey(item, VISIBLE))
+      return "Order of Layers has no layer '" + layer + "'; layers are " +
+             Names(ROWS, [](const Row& row) { return (row.keys & VISIBLE) != 0; });
+    if (std::find(order.begin(), order.end(), static_cast<ThemeItem>(item)) != order.end())
+      return "Order of Layers has '" + layer + "' twice";
+    order.push_back(static_cast<ThemeItem>(item));
+  }
+  if (order.empty()) return "Order of Layers names none";
+  theme.SetOrder(std::move(order));
+  return {};
+}
+
+std::string Written(const std::vector<ThemeItem>& order) {
+  std::string text;
+  for (const ThemeItem item : order) text += (text.empty() ? "" : ", ") + std::string(ThemeItemName(item));
+  return text;
+}
+
 // Empty, or what is wrong with a setting.
 std::string Take(const K7KeyValue& setting, Theme& theme) {
   const std::string group(setting.group), name(setting.key), value(setting.value);
-  int item = 0;
-  while (item < THEME_ITEMS && group != ROWS[item].name) ++item;
+  if (group == LAYERS) return TakeOrder(name, value, theme);
+  const int item = ItemNamed(group);
   if (item == THEME_ITEMS)
     return "it sets '" + name + "' of '" + group + "', but the groups are " +
-           Names(ROWS, [](const Row&) { return true; }) + ", " + SYMBOLS;
+           Names(ROWS, [](const Row&) { return true; }) + ", " + LAYERS + ", " + SYMBOLS;
   for (const Key& key : KEYS) {
-    if (name != key.name || !(ROWS[item].keys & key.bit)) continue;
+    if (name != key.name || !HasKey(item, key.bit)) continue;
     if (key.read(value.c_str(), theme[static_cast<ThemeItem>(item)])) return {};
     return name + " of " + group + " is " + key.values + ", not '" + value + "'";
   }
   return group + " has no '" + name + "'; it has " +
-         Names(KEYS, [item](const Key& key) { return (ROWS[item].keys & key.bit) != 0; });
+         Names(KEYS, [item](const Key& key) { return HasKey(item, key.bit); });
+}
+
+// A theme that makes airspaces green need not say so class by class.
+void FillVariants(ThemeFile& file, Theme& theme) {
+  for (int item = 0; item < THEME_ITEMS; ++item)
+    for (const Key& key : KEYS)
+      if (ROWS[item].isVariant && HasKey(item, key.bit) && !file.GetKeyValueByName(key.name, ROWS[item].name))
+        key.read(key.write(theme[ROWS[item].partOf]).c_str(), theme[static_cast<ThemeItem>(item)]);
 }
 
 std::string TakeAll(ThemeFile& file, const std::filesystem::path& folder, Theme& theme,
@@ -277,6 +347,7 @@ std::string TakeAll(ThemeFile& file, const std::filesystem::path& folder, Theme&
     if (!problem.empty()) return problem;
   }
   if (i == 0) return "it sets nothing";
+  FillVariants(file, theme);
   for (int item = 0; item < THEME_ITEMS; ++item) {
     const ThemeEntry& entry = theme[static_cast<ThemeItem>(item)];
     if (entry.minNMPerPixel > entry.maxNMPerPixel)
@@ -320,9 +391,17 @@ std::string Theme::Save(const std::string& path) const {
     if (code == 0 && m_symbols.Of(kind))
       code = file.SetOption(SymbolKindName(kind), m_symbols.PathOf(kind).c_str(), SYMBOLS);
   }
+  if (code == 0 && !m_order.empty()) code = file.SetOption(ORDER, Written(m_order).c_str(), LAYERS);
   if (code == 0) code = file.Write(path.c_str());
   if (code == 0) return {};
   return "cannot write the theme '" + path + "'" + (code == K7_ERR_MEMORY ? ": out of memory" : "");
 }
 
 const char* ThemeItemName(ThemeItem item) { return ROWS[static_cast<size_t>(item)].name; }
+
+bool IsLayerItem(ThemeItem item) { return HasKey(static_cast<int>(item), VISIBLE); }
+
+ThemeItem LayerItemOf(ThemeItem item) {
+  const Row& row = ROWS[static_cast<size_t>(item)];
+  return row.partOf == ThemeItem::Text ? item : row.partOf;
+}

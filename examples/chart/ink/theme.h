@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <vector>
 
 struct Color {
   uint8_t red = 0, green = 0, blue = 0, alpha = 0;
@@ -21,6 +22,7 @@ enum class ThemeItem {
   Land,
   Underlay,  ///< the scales at which a picture under the map shows
   Terrain,   ///< tints of height and depth
+  Contours,  ///< lines of equal height
   Lakes,
   Rivers,
   LakeLines,  ///< centre lines of lakes among the rivers
@@ -30,6 +32,9 @@ enum class ThemeItem {
   Elevations,  ///< maximum elevation figures
   Isogonics,   ///< lines of equal magnetic variation
   Airspaces,   ///< controlled: line, and band inside it
+  ClassCAirspaces,
+  ClassDAirspaces,
+  ClassEAirspaces,  ///< and those of F and G
   RestrictedAirspaces,
   OtherAirspaces,
   Airways,  ///< fill: under their names
@@ -37,6 +42,7 @@ enum class ThemeItem {
   CompassRoses,
   Navaids,
   Airports,
+  ToweredAirports,
   Route,  ///< fill: around its line
   Limb,
   Frame,
@@ -69,16 +75,20 @@ struct ThemeEntry {
   double minNMPerPixel = 0;      ///< scales at which a layer shows
   double maxNMPerPixel = std::numeric_limits<double>::infinity();
   HeightTints tints{};
+  bool visible = true;  ///< of a layer: whether a chart has it on at first
 
   bool ShowsAt(double nmPerPixel) const { return nmPerPixel >= minNMPerPixel && nmPerPixel <= maxNMPerPixel; }
   bool operator==(const ThemeEntry&) const = default;
 };
 
 /// A file is one of `K7Options`: the item is the group, and its keys are Fill, Line (#RRGGBB or #RRGGBBAA),
-/// Width, Dash ("7 2.5 1.5 2.5" or "none"), MinNMPerPixel, MaxNMPerPixel ("none" for no limit) and Tints
-/// ("-60 #BAD6E6, 0 #E4EBD0, 1000 #EFE7C3"):
+/// Width, Dash ("7 2.5 1.5 2.5" or "none"), MinNMPerPixel, MaxNMPerPixel ("none" for no limit), Tints
+/// ("-60 #BAD6E6, 0 #E4EBD0, 1000 #EFE7C3") and Visible ("yes" or "no"):
 ///
 ///     <Options><Fill Group="Land">#F4EFDC</Fill><Width Group="Borders">0.9</Width></Options>
+///
+/// The key Order of the group Layers names layers from the ground up by their groups: they change places
+/// among themselves, others stay: <Order Group="Layers">Airspaces, Terrain</Order>
 ///
 /// Keys of the group Symbols are kinds of symbols, and name image files to draw in their place, relative to
 /// the theme's own folder: <VOR Group="Symbols">vor.png</VOR>.
@@ -91,6 +101,9 @@ class Theme {
   ThemeEntry& operator[](ThemeItem item) { return m_entries[static_cast<size_t>(item)]; }
 
   const SymbolImages& Symbols() const { return m_symbols; }
+  /// From the ground up; empty: layers lie as they always do.
+  const std::vector<ThemeItem>& Order() const { return m_order; }
+  void SetOrder(std::vector<ThemeItem> order) { m_order = std::move(order); }
 
   /// Takes on the look of a file; what it leaves out is day's. Empty, or what is wrong with it, and then the
   /// theme is as before.
@@ -102,7 +115,13 @@ class Theme {
  private:
   std::array<ThemeEntry, THEME_ITEMS> m_entries;
   SymbolImages m_symbols;
+  std::vector<ThemeItem> m_order;
 };
 
 /// "Land": the group of a theme file.
 const char* ThemeItemName(ThemeItem item);
+/// Whether an item is a layer, which can be hidden and has a place in the order of layers.
+bool IsLayerItem(ThemeItem item);
+/// The item of the layer that an item is part of: of LakeLines it is Rivers, of a layer itself that layer.
+/// What belongs to no layer, as Paper, is its own.
+ThemeItem LayerItemOf(ThemeItem item);

@@ -190,9 +190,9 @@ void AirportLayer::Draw(const AirportPlace& airport, SymbolPen& pen) const {
 // As on printed charts: the elevation, and behind it the longest runway in hundreds of feet.
 bool AirportLayer::OfferLabel(const LayerContext& context, const AirportPlace& airport, double size,
                               LabelPlan& plan) const {
-  const Lettering small = {.size = size * 0.68, .halo = true, .item = Item()};
+  const Lettering small = {.size = size * 0.68, .halo = true, .item = LookOf(airport)};
   const Label ident = {
-      airport.ident, 0, 0, {.size = size * 0.78, .bold = true, .halo = true, .item = Item()}};
+      airport.ident, 0, 0, {.size = size * 0.78, .bold = true, .halo = true, .item = LookOf(airport)}};
   std::vector<Label> lines = {ident};
   if (airport.nm <= NAMES_TO_NM && airport.longestRunway >= NAMED_FEET && !airport.name.empty())
     lines.push_back({airport.name, 0, 0, small});

@@ -20,6 +20,9 @@ class AirportLayer : public PlaceLayer<AirportPlace> {
  private:
   void Collect(const LayerContext& context) override;
   PixelBox BoxOf(const LayerContext& context, const AirportPlace& airport) const override;
+  ThemeItem LookOf(const AirportPlace& airport) const override {
+    return airport.symbol == AirportSymbol::Towered ? ThemeItem::ToweredAirports : Item();
+  }
   SymbolKind SymbolKindOf(const AirportPlace& airport) const override { return KindOfSymbol(airport.symbol); }
   void DrawSymbol(const AirportPlace& airport, SymbolPen& pen) const override;
   void Draw(const AirportPlace& airport, SymbolPen& pen) const override;

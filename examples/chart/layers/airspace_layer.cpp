@@ -20,8 +20,12 @@ constexpr double SMALLEST = 10;  // across; less would be a blot
 constexpr double LETTERS = 0.72;  // of the ordinary size
 constexpr double LINE = 1.25;     // from the name to the limits below it
 
-ThemeItem LookOf(const K7NavArea& area) {
-  if (area.Type() == K7NAV_CTRL_AIRSPACE) return ThemeItem::Airspaces;
+ThemeItem LookOf(const K7NavArea& area, char letter) {
+  if (area.Type() == K7NAV_CTRL_AIRSPACE) {
+    if (letter >= 'E' && letter <= 'G') return ThemeItem::ClassEAirspaces;
+    if (letter == 'D') return ThemeItem::ClassDAirspaces;
+    return letter == 'C' ? ThemeItem::ClassCAirspaces : ThemeItem::Airspaces;
+  }
   switch (area.type) {
     case K7SUAirspace::DANGER:
     case K7SUAirspace::PROHIBITED:
@@ -70,6 +74,9 @@ void AirspaceLayer::Prepare(const LayerContext& context) {
   if (!context.theme[Item()].ShowsAt(context.view.NMPerPixel())) return;
   for (const K7NavType type : {K7NAV_CTRL_AIRSPACE, K7NAV_SPECIAL_USE_AIRSPACE})
     Take(type, context.view.GetExtent());
+  std::erase_if(m_airspaces, [&](const Airspace& airspace) {
+    return !context.theme[airspace.look].ShowsAt(context.view.NMPerPixel());
+  });
   K7MapPath path(context.view);
   for (Airspace& airspace : m_airspaces) Lay(path, context.view, airspace);
 }
@@ -86,7 +93,7 @@ void AirspaceLayer::Take(K7NavType type, const K7ChartRect& area) {
     std::string name = NameOf(airspace);
     const char letter = controlled ? static_cast<const K7CtrlAirspace*>(rec)->airspaceClass : '\0';
     if (letter >= 'A' && letter <= 'G') name += std::string(name.empty() ? "" : " ") + letter;
-    m_airspaces.push_back({LookOf(airspace),
+    m_airspaces.push_back({LookOf(airspace, letter),
                            std::move(name),
                            LimitText(ceiling) + " / " + LimitText(floor),
                            airspace.key,

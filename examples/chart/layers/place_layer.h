@@ -21,9 +21,11 @@ class PlaceLayer : public Layer {
 
   /// The important lie above others.
   void DrawLines(const LayerContext& context, K7MapPath&, K7Grfx& g) override {
-    SymbolPen pen(g, context.theme[Item()], context.scale, context.theme.Symbols());
-    for (auto place = m_places.rbegin(); place != m_places.rend(); ++place)
-      if (place->isShown) Draw(*place, pen);
+    for (auto place = m_places.rbegin(); place != m_places.rend(); ++place) {
+      if (!place->isShown) continue;
+      SymbolPen pen(g, context.theme[LookOf(*place)], context.scale, context.theme.Symbols());
+      Draw(*place, pen);
+    }
   }
 
   void KeepSymbols(const LayerContext& context, LabelPlan& plan) override {
@@ -48,7 +50,7 @@ class PlaceLayer : public Layer {
       const auto isThis = [&](const LegendEntry& entry) { return entry.text == text; };
       if (!place.isShown || std::any_of(legend.begin(), legend.end(), isThis)) continue;
       static const double LARGEST = 16;  // picture that a line of the margin has room for
-      const auto draw = [this, place, entry = context.theme[Item()], scale = context.scale,
+      const auto draw = [this, place, entry = context.theme[LookOf(place)], scale = context.scale,
                          images = context.theme.Symbols()](K7Grfx& g, double x, double y) {
         Place sample = place;
         sample.dx = x;
@@ -73,6 +75,8 @@ class PlaceLayer : public Layer {
   virtual PixelBox BoxOf(const LayerContext& context, const Place& place) const {
     return SymbolBox(context, place, SymbolRadius(place.key.NavType()));
   }
+  /// What draws its symbol.
+  virtual ThemeItem LookOf(const Place&) const { return Item(); }
   virtual SymbolKind SymbolKindOf(const Place& place) const = 0;
   virtual void DrawSymbol(const Place& place, SymbolPen& pen) const = 0;
   /// As it lies on the ground, where that is not its symbol.
