@@ -34,7 +34,7 @@ ln -s chart.png link.png
 says() {  # what a line of the output must hold, then arguments
   local expected=$1
   shift
-  "$chart" "$@" | grep -q -- "$expected" || fail "no '$expected' in k7chart $*"
+  grep -q -- "$expected" <<<"$("$chart" "$@")" || fail "no '$expected' in k7chart $*"
 }
 says gallery --help
 says --projection draw --help
@@ -89,6 +89,7 @@ Layers in $sample
   layer      theme      present       sets
   land       Land       1:110m 1:50m  ne_110m_land, ne_50m_land, ne_10m_land
   terrain    Terrain    no            no terrain: '--terrain FOLDER' names region files that 'k7terrain build' has made
+  contours   Contours   no            no terrain: '--terrain FOLDER' names region files that 'k7terrain build' has made
   lakes      Lakes      no            ne_110m_lakes, ne_50m_lakes, ne_10m_lakes
   rivers     Rivers     1:110m 1:50m  ne_110m_rivers_lake_centerlines, ne_50m_rivers_lake_centerlines, ne_10m_rivers_lake_centerlines
   borders    Borders    1:110m 1:50m  ne_110m_admin_0_boundary_lines_land, ne_50m_admin_0_boundary_lines_land, ne_10m_admin_0_boundary_lines_land
@@ -188,6 +189,20 @@ grep -qF 'width="640px" height="400px"' profile.svg || fail "the size of profile
 "$chart" --range 80 --layer land --output land.png && "$chart" --range 80 --layer land --terrain none --output same.png &&
   cmp land.png same.png && "$chart" --range 80 --layer land --layer terrain --output same.png && ! cmp -s land.png same.png ||
   fail "terrain by name"
+# Layers on and off and in another order, in the picture and in the theme that keeps it.
+mountains=(--range 20 --center "49.6 -123.3")
+"$chart" "${mountains[@]}" --output plain.png && "$chart" "${mountains[@]}" --contours --write-theme kept.xml --output lines.png &&
+  ! cmp -s plain.png lines.png || fail "contours"
+"$chart" "${mountains[@]}" --theme kept.xml --output same.png && cmp lines.png same.png || fail "contours in a theme"
+"$chart" "${mountains[@]}" --theme kept.xml --hide contours --output same.png && cmp plain.png same.png || fail "hidden contours"
+"$chart" "${mountains[@]}" --theme printed --output same.png && ! cmp -s plain.png same.png || fail "the printed theme"
+"$chart" "${mountains[@]}" --order "land, Terrain" --output same.png && cmp plain.png same.png &&
+  "$chart" "${mountains[@]}" --order Terrain,land --write-theme kept.xml --output under.png && ! cmp -s plain.png under.png &&
+  "$chart" "${mountains[@]}" --theme kept.xml --output same.png && cmp under.png same.png || fail "the order of layers"
+"$chart" "${mountains[@]}" --layer land --show rivers --hide graticule --output shown.png &&
+  "$chart" "${mountains[@]}" --layer land --layer rivers --no-graticule --output same.png && cmp shown.png same.png || fail "layers shown and hidden"
+for dim in 0 70; do "$chart" route KSEA CYVR --dim $dim --output "dim$dim.png" >/dev/null || fail "a route dimmed by $dim"; done
+cmp route.png dim0.png && ! cmp -s route.png dim70.png || fail "what is off the route"
 mkdir own own/terrain
 cp "$sample"/ne_110m_land.* own
 cp "$sample"/terrain/12_*.ter own/terrain
@@ -223,6 +238,12 @@ refuses "--range is given twice" --range 3 --range 4
 refuses "--no-graticule takes no value" --no-graticule=yes
 refuses "--range needs a value" --range
 refuses "unknown theme 'dusk' (day, night" --theme dusk
+refuses "the chart has no layer 'lakes'; it has sea, land" --hide lakes
+refuses "the chart has no layer ''; it has sea, land" --order "land,,rivers"
+refuses "--order names a layer twice" --order land,land
+refuses "no terrain" --contours --terrain none
+refuses "cannot write the theme 'no/such.xml'" --write-theme no/such.xml
+refuses "by 0 to 100 percent, not '101'" route KSEA CYVR --dim 101
 refuses "theme.xml': Fill of Sea is #RRGGBB" --theme theme.xml
 refuses mollweide --projection mollweide
 refuses "N95" --center "N95 W10"

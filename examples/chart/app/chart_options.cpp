@@ -62,12 +62,12 @@ std::string SetRange(const char* text, ChartRequest& request) {
 }
 
 std::string SetTheme(const char* text, LookOptions& look) {
-  for (const char* const shipped : {"day", "night"})
+  for (const char* const shipped : {"day", "night", "printed"})
     if (K7String::IComp(text, shipped) == 0)
       return look.theme.Read(SharedData("themes") + "/" + shipped + ".xml");
   const std::string path = text;
   if (path.size() > 4 && K7String::IComp(text + path.size() - 4, ".xml") == 0) return look.theme.Read(path);
-  return "unknown theme " + Quoted(text) + " (day, night, or a file that ends in .xml)";
+  return "unknown theme " + Quoted(text) + " (day, night, printed, or a file that ends in .xml)";
 }
 
 constexpr OptionRow<ChartRequest> PROJECTION_OPTIONS[] = {
@@ -94,11 +94,18 @@ constexpr OptionRow<ChartRequest> PLACE_OPTIONS[] = {
 
 constexpr OptionRow<LookOptions> THEME_OPTIONS[] = {
     {"--theme", "THEME",
-     "day (default), night, or FILE.xml with colours, lines and symbols of your own, as data/themes/day.xml",
+     "day (default), night, printed in the colours of a paper chart, or FILE.xml with colours, lines and "
+     "symbols of your own, as data/themes/day.xml",
      SetTheme},
 };
 
 constexpr OptionRow<LookOptions> PART_OPTIONS[] = {
+    {"--write-theme", "FILE.xml",
+     "writes the theme, with the layers shown, hidden and ordered as on this chart, for --theme to read",
+     [](const char* text, LookOptions& look) {
+       look.writeTo = text;
+       return std::string();
+     }},
     {"--no-graticule", nullptr, "leaves out meridians and parallels",
      [](const char*, LookOptions& look) {
        look.graticule = false;

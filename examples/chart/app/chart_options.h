@@ -24,9 +24,10 @@ struct LookOptions {
   Theme theme;
   bool graticule = true;
   bool legend = true;
+  std::string writeTo;  // file for the theme with the layers as the chart has them; empty: none
 };
 
 /// --theme
 void AddThemeOption(OptionTable& table, LookOptions& look);
-/// --theme, --no-graticule, --no-legend.
+/// --theme, --write-theme, --no-graticule, --no-legend.
 void AddLookOptions(OptionTable& table, LookOptions& look);

@@ -98,8 +98,11 @@ std::string DrawSheet(const LayerOptions& options, const DataScale& scale, const
   std::vector<Layer*> layers = stack.Layers();
   if (top) layers.push_back(top);
   progress.Expect(2 * charts * static_cast<int>(layers.size()) + 1);
-  Chart chart(std::move(layers), look.theme, progress);
+  Chart chart(layers, look.theme, progress);
   chart.UseLegend(look.legend);
+  if (std::string problem = ArrangeLayers(options, chart.Layers()); !problem.empty()) return problem;
+  if (!look.writeTo.empty())
+    if (std::string problem = chart.SaveTheme(look.writeTo); !problem.empty()) return problem;
   if (std::string problem = draw(page.Cairo(), chart); !problem.empty()) return problem;
   return page.Save(sheet.output, progress);
 }

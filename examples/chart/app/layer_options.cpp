@@ -26,6 +26,26 @@ std::string AddLayer(const char* text, LayerOptions& options) {
   return {};
 }
 
+std::string ShowLayer(const char* text, LayerOptions& options) {
+  options.shown.emplace_back(text);
+  return {};
+}
+
+std::string HideLayer(const char* text, LayerOptions& options) {
+  options.hidden.emplace_back(text);
+  return {};
+}
+
+std::string SetOrder(const char* text, LayerOptions& options) {
+  for (std::string_view left = text;; left.remove_prefix(left.find(',') + 1)) {
+    std::string_view name = left.substr(0, left.find(','));
+    while (name.starts_with(' ')) name.remove_prefix(1);
+    while (name.ends_with(' ')) name.remove_suffix(1);
+    options.order.emplace_back(name);
+    if (left.find(',') == std::string_view::npos) return {};
+  }
+}
+
 std::string SetData(const char* text, LayerOptions& options) {
   options.folder = text;
   return {};
@@ -85,6 +105,15 @@ constexpr OptionRow<LayerOptions> LAYER_OPTIONS[] = {
      "all "
      "are drawn that there are data for",
      AddLayer, true},
+    {"--show", "LAYER", "shows a layer that the theme hides, or one more than --layer names; may be repeated",
+     ShowLayer, true},
+    {"--contours", nullptr, "shows the terrain's contour lines, as --show contours",
+     [](const char*, LayerOptions& options) { return ShowLayer("contours", options); }},
+    {"--hide", "LAYER", "leaves out a layer; may be repeated", HideLayer, true},
+    {"--order", "LAYERS",
+     "layers in the order in which they are to lie, from the ground up, as \"airports,airways\": they change "
+     "places among themselves, the others stay",
+     SetOrder},
 };
 
 constexpr OptionRow<LayerOptions> DATA_OPTIONS[] = {
@@ -152,6 +181,39 @@ bool HasSource(const LayerRow& row, const LayerOptions& options) {
   }
 }
 
+// Adds a layer that was asked for by name. Empty, or what is wrong.
+std::string AddNamed(const std::string& name, const std::string& folder, const DataScale& scale,
+                     std::vector<LayerRequest>& layers) {
+  LayerRequest request;
+  if (std::string problem = Find(name, folder, scale, request); !problem.empty()) return problem;
+  const bool twice = std::any_of(layers.begin(), layers.end(), [&](const LayerRequest& other) {
+    return other.path == request.path && other.item == request.item;
+  });
+  if (!twice) layers.push_back(std::move(request));
+  return {};
+}
+
+// What a chart has without being asked: '--show' takes back what a theme hides.
+bool NeedsNoData(const std::string& name) {
+  for (const char* const other : {"sea", "graticule", "underlay", "route"})
+    if (K7String::IComp(name.c_str(), other) == 0) return true;
+  return false;
+}
+
+// What has no row in the table is called as its layer: the graticule, a set of the user's own.
+std::string NameIn(const LayerList& layers, const std::string& name) {
+  const LayerRow* row = FindLayer(name.c_str());
+  if (!row && IsShapefile(name)) row = LayerOfFile(name);
+  if (row) return layers.NameOf(row->item);
+  return IsShapefile(name) ? std::filesystem::path(name).stem().string() : name;
+}
+
+std::string NoLayer(const std::string& name, const LayerList& layers) {
+  std::string names;
+  for (const std::string& layer : layers.Names()) names += (names.empty() ? "" : ", ") + layer;
+  return "the chart has no layer " + Quoted(name) + "; it has " + names;
+}
+
 // A picture lies under the relief; without that it covers all land and water.
 void AddUnderlay(const LayerOptions& options, std::vector<LayerRequest>& layers) {
   if (options.underlay.empty()) return;
@@ -187,26 +249,39 @@ void AddDataOptions(OptionTable& table, LayerOptions& options) { table.Add(DATA_
 std::string FindLayers(const LayerOptions& options, const DataScale& scale,
                        std::vector<LayerRequest>& layers) {
   if (options.underlayBounds && options.underlay.empty()) return "--underlay-bounds needs --underlay";
-  for (const std::string& name : options.names) {
-    LayerRequest request;
-    if (std::string problem = Find(name, options.folder, scale, request); !problem.empty()) return problem;
-    const bool twice = std::any_of(layers.begin(), layers.end(), [&](const LayerRequest& other) {
-      return other.path == request.path && other.item == request.item;
-    });
-    if (!twice) layers.push_back(std::move(request));
+  if (options.names.empty()) {
+    if (LayersIn(options.folder).empty()) return "no map data in the folder " + Quoted(options.folder);
+    for (const LayerRow& row : Layers()) {
+      std::string path = FindAnySet(options.folder, row, scale);
+      if (row.set ? !path.empty() : HasSource(row, options)) layers.push_back({row.item, std::move(path)});
+    }
+  }
+  for (const std::string& name : options.names)
+    if (std::string problem = AddNamed(name, options.folder, scale, layers); !problem.empty()) return problem;
+  for (const std::string& name : options.shown) {
+    if (NeedsNoData(name)) continue;
+    if (std::string problem = AddNamed(name, options.folder, scale, layers); !problem.empty()) return problem;
   }
   // As the table has them, whatever order they were asked for in: land would cover the lakes.
   std::stable_sort(layers.begin(), layers.end(),
                    [](const LayerRequest& a, const LayerRequest& b) { return a.item < b.item; });
-  if (!options.names.empty()) {
-    AddUnderlay(options, layers);
-    return {};
-  }
-  if (LayersIn(options.folder).empty()) return "no map data in the folder " + Quoted(options.folder);
-  for (const LayerRow& row : Layers()) {
-    std::string path = FindAnySet(options.folder, row, scale);
-    if (row.set ? !path.empty() : HasSource(row, options)) layers.push_back({row.item, std::move(path)});
-  }
   AddUnderlay(options, layers);
   return {};
+}
+
+std::string ArrangeLayers(const LayerOptions& options, LayerList& layers) {
+  for (const auto& [names, visible] :
+       {std::pair{&options.names, true}, {&options.shown, true}, {&options.hidden, false}})
+    for (const std::string& name : *names)
+      if (!layers.SetVisible(NameIn(layers, name), visible)) return NoLayer(name, layers);
+  std::vector<std::string> order;
+  for (const std::string& name : options.order) {
+    order.push_back(NameIn(layers, name));
+    const std::vector<std::string> all = layers.Names();
+    if (std::none_of(all.begin(), all.end(), [&](const std::string& layer) {
+          return K7String::IComp(layer.c_str(), order.back().c_str()) == 0;
+        }))
+      return NoLayer(name, layers);
+  }
+  return layers.SetOrder(order) ? std::string() : "--order names a layer twice";
 }

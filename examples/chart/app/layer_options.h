@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app_common/option_table.h"
+#include "layers/layer_list.h"
 #include "layers/layer_table.h"
 #include "layers/underlay_layer.h"
 
@@ -19,6 +20,8 @@ struct LayerOptions {
   std::string underlay;  // image file; empty: none
   std::optional<UnderlayBounds> underlayBounds;
   std::vector<std::string> names;  // as they were asked for; none: all that the folder has
+  std::vector<std::string> shown, hidden;
+  std::vector<std::string> order;  // from the ground up
 };
 
 /// The folder of region files that a chart has: the one given, or else "terrain" in the data folder, or in
@@ -31,10 +34,13 @@ struct LayerRequest {
   std::string path;
 };
 
-/// --layer
+/// --layer, --show, --contours, --hide, --order
 void AddLayerOptions(OptionTable& table, LayerOptions& options);
 /// --data, --nav, --magnetic, --terrain, --underlay, --underlay-bounds
 void AddDataOptions(OptionTable& table, LayerOptions& options);
+
+/// Shows, hides and orders the layers of a chart as it was asked for. Empty, or what is wrong.
+std::string ArrangeLayers(const LayerOptions& options, LayerList& layers);
 
 /// The layers of a chart of that scale, each once, from the ground up. Empty, or what is wrong.
 std::string FindLayers(const LayerOptions& options, const DataScale& scale,

@@ -46,6 +46,7 @@ class Pick : public Verb {
     const ChartWindow window = WindowOf(box);
     const Theme theme;
     Chart chart(stack.Layers(), theme, progress);
+    if (std::string problem = ArrangeLayers(m_layers, chart.Layers()); !problem.empty()) return problem;
     if (std::string problem = chart.Show(m_request, window.width, window.height, LineScale(box));
         !problem.empty())
       return problem;

@@ -8,6 +8,7 @@
 #include "layers/route_layer.h"
 #include "route/airway_graph.h"
 
+#include <cmath>
 #include <cstdio>
 
 namespace {
@@ -40,6 +41,17 @@ constexpr OptionRow<RouteRequest> ROUTE_OPTIONS[] = {
      SetLevel},
 };
 
+struct DimOption {
+  double percent = 0;
+};
+constexpr OptionRow<DimOption> DIM_OPTIONS[] = {
+    {"--dim", "PERCENT", "how much of what lies off the route is taken away, 0 (default) to 100",
+     [](const char* text, DimOption& dim) {
+       const bool isRead = ReadNumber(text, dim.percent) && dim.percent >= 0 && dim.percent <= 100;
+       return isRead ? std::string() : "the chart is dimmed by 0 to 100 percent, not " + Quoted(text);
+     }},
+};
+
 struct TableOption {
   bool only = false;
 };
@@ -55,6 +67,7 @@ class RouteVerb : public Verb {
  public:
   void AddOptions(OptionTable& table) override {
     table.Add(ROUTE_OPTIONS, m_route);
+    table.Add(DIM_OPTIONS, m_dim);
     table.Add(TABLE_OPTIONS, m_table);
     AddProjectionOptions(table, m_request);
     AddLayerOptions(table, m_layers);
@@ -100,11 +113,15 @@ class RouteVerb : public Verb {
     RouteLayer layer(route);
     return DrawSheet(
         m_layers, DataScaleOf(m_request), m_sheet, m_look, 1,
-        [&](cairo_t* cairo, Chart& chart) { return DrawChart(cairo, box, m_request, m_look.theme, chart); },
+        [&](cairo_t* cairo, Chart& chart) {
+          chart.SetOffRouteAlpha(static_cast<unsigned char>(std::lround(255 * (1 - m_dim.percent / 100))));
+          return DrawChart(cairo, box, m_request, m_look.theme, chart);
+        },
         &layer);
   }
 
   RouteRequest m_route;
+  DimOption m_dim;
   TableOption m_table;
   ChartRequest m_request;
   LookOptions m_look;

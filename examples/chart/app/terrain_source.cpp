@@ -1,5 +1,6 @@
 #include "app/terrain_source.h"
 
+#include "layers/contour_layer.h"
 #include "layers/elevation_layer.h"
 #include "layers/terrain_layer.h"
 
@@ -35,5 +36,6 @@ std::unique_ptr<Layer> TerrainSource::Make(ThemeItem item, const std::string& fo
   if (!m_files) problem = Load(folder, progress, m_files.emplace());
   if (!problem.empty()) return nullptr;
   if (item == ThemeItem::Elevations) return std::make_unique<ElevationLayer>(*m_files, obstacles, *graticule);
+  if (item == ThemeItem::Contours) return std::make_unique<ContourLayer>(*m_files);
   return std::make_unique<TerrainLayer>(*m_files);
 }

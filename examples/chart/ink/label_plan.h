@@ -6,6 +6,7 @@
 
 #include <cairo.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -63,7 +64,10 @@ class LabelPlan {
   const std::vector<Tick>& Ticks() const { return m_ticks; }
   const PixelBox& Sheet() const { return m_sheet; }
   const std::vector<Label>& Labels() const { return m_labels; }
-  void Draw(const Theme& theme, double scale) const;
+  /// How opaque a label is drawn, from 0 to 1.
+  using Opacity = std::function<double(const Label& label, const TurnedBox& place)>;
+  /// Without `opacity`, wholly.
+  void Draw(const Theme& theme, double scale, const Opacity& opacity = {}) const;
 
  private:
   struct Named {
@@ -77,6 +81,7 @@ class LabelPlan {
     return static_cast<size_t>(row) * static_cast<size_t>(m_columns) + static_cast<size_t>(column);
   }
   CellRange CellsOf(const PixelBox& bounds) const;
+  void DrawLabel(const Theme& theme, const Label& label, double scale) const;
   void DrawBox(const Theme& theme, const Label& label, double scale) const;
 
   cairo_t* m_cairo;

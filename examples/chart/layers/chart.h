@@ -1,12 +1,14 @@
 // A chart: a projection's view of the world and the layers that are drawn in it.
 #pragma once
 
-#include "layers/layer.h"
+#include "layers/layer_list.h"
 #include "layers/projection_params.h"
+#include "layers/route_veil.h"
 
 #include <k7/projection/chart.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,7 +26,7 @@ struct ChartRequest {
 /// the caller's and must outlive it.
 class Chart : public K7Chart {
  public:
-  Chart(std::vector<Layer*> layers, const Theme& theme, Progress& progress);
+  Chart(const std::vector<Layer*>& layers, const Theme& theme, Progress& progress);
 
   /// Looks at what is wanted through a window of `width` by `height` pixels, `scale` being that of lines and
   /// symbols. Empty, or why there is no such chart; the chart then shows nothing.
@@ -34,13 +36,29 @@ class Chart : public K7Chart {
   K7ChartRect GetExtent() const override;
   /// Any context will do: the chart sets it up. K7_ERR_NOT_INITIALIZED before the first view.
   int Render(K7Grfx* g) override;
+
+  /// Which layers are on and how they lie.
+  LayerList& Layers() { return m_layers; }
+  /// Components are the theme's items and kinds of symbols: "CompassRoses" and "VOR" belong to "navaids".
+  K7String GetComponentParentName(const char* component) override;
   void ResetLayers(unsigned char visible) override;
+  bool CanToggleTerrainContours() override;
+  void ToggleTerrainContours() override;
+  /// False without a route that is visible. The veil is the paper's colour; labels off the route fade alike.
+  bool SetOffRouteAlpha(unsigned char alpha) override;
+  void SetRouteVisible(unsigned char visible) override;
+  /// Takes the route off the chart.
+  void ClearRoute() override;
   void WriteUserThemePref(const char* path) override;
+  /// Writes the theme with the layers as they are on and lie now. Empty, or what went wrong.
+  std::string SaveTheme(const std::string& path) const;
 
   /// Null before the first view.
   const K7MapView* View() const { return m_view.get(); }
   /// To be called before `Render`: symbols whose labels find no room are not drawn.
   void OfferLabels(double size, LabelPlan& plan);
+  /// What becomes of labels when that which is off the route is dimmed; empty when nothing is.
+  LabelPlan::Opacity LabelOpacity() const;
   /// Without one, `Legend` is empty.
   void UseLegend(bool use) { m_useLegend = use; }
   /// The kinds of symbols that are drawn, the uppermost layer's first; valid as long as the view is.
@@ -54,9 +72,10 @@ class Chart : public K7Chart {
   LayerContext Context() const { return {*m_view, m_theme, m_scale, m_progress}; }
   template <class Visit>
   void VisitShown(Visit visit) const;
+  Layer* VisibleRoute() const;
+  std::optional<RouteVeil> Veil() const;
 
-  std::vector<Layer*> m_layers;
-  std::vector<char> m_visible;
+  LayerList m_layers;
   const Theme& m_theme;
   Progress& m_progress;
   std::unique_ptr<K7Projection> m_projection;
@@ -64,4 +83,5 @@ class Chart : public K7Chart {
   std::unique_ptr<K7MapPath> m_path;
   double m_scale = 1;
   bool m_useLegend = true;
+  unsigned char m_offRouteAlpha = 255;
 };

@@ -4,6 +4,7 @@
 #include "ink/label_plan.h"
 #include "ink/progress.h"
 #include "ink/theme.h"
+#include "layers/device_line.h"
 
 #include <k7/projection/map_path.h>
 #include <k7/projection/map_view.h>
@@ -62,6 +63,8 @@ class Layer {
   /// Adds a line of text for each thing that is drawn under a device point.
   virtual void Pick(const LayerContext&, K7MapPath&, double /*dx*/, double /*dy*/,
                     std::vector<std::string>& /*found*/) {}
+  /// The lines beside which a chart stays bright when what is off a route is dimmed.
+  virtual std::vector<DeviceLine> Corridor() const { return {}; }
   /// The denominator of the scale at which the layer's data were made, 110000000 for 1:110,000,000; 0 when it
   /// is not known or means nothing.
   virtual double DataScale() const { return 0; }

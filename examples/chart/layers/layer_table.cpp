@@ -13,6 +13,7 @@ namespace {
 constexpr LayerRow LAYERS[] = {
     {"land", "land", ThemeItem::Land},
     {"terrain", nullptr, ThemeItem::Terrain, LayerSource::Terrain},
+    {"contours", nullptr, ThemeItem::Contours, LayerSource::Terrain},
     {"lakes", "lakes", ThemeItem::Lakes},
     {"rivers", "rivers_lake_centerlines", ThemeItem::Rivers},
     {"borders", "admin_0_boundary_lines_land", ThemeItem::Borders},
@@ -39,6 +40,12 @@ LayerSource SourceOf(ThemeItem item) {
   for (const LayerRow& layer : LAYERS)
     if (layer.item == item) return layer.source;
   return LayerSource::Sets;
+}
+
+const char* LayerNameOf(ThemeItem item) {
+  for (const LayerRow& layer : LAYERS)
+    if (layer.item == item) return layer.name;
+  return nullptr;
 }
 
 const LayerRow* LayerOfFile(const std::string& path) {

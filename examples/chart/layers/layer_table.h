@@ -22,6 +22,8 @@ std::span<const LayerRow> Layers();
 LayerSource SourceOf(ThemeItem item);
 /// Null when there is none of that name, regardless of case.
 const LayerRow* FindLayer(const char* name);
+/// What the layer with that look is called; null for a layer without a row.
+const char* LayerNameOf(ThemeItem item);
 /// The layer that a set of any folder is, by its name: "ne_10m_land.shp" and "Land.shp" are land. Null for
 /// another name.
 const LayerRow* LayerOfFile(const std::string& path);

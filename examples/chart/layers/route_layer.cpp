@@ -289,3 +289,9 @@ void RouteLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double
                     Miles(leg.distance));
   }
 }
+
+std::vector<DeviceLine> RouteLayer::Corridor() const {
+  std::vector<DeviceLine> lines;
+  for (const Line& line : m_lines) lines.push_back(line.line);
+  return lines;
+}

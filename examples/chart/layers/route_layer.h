@@ -21,6 +21,7 @@ class RouteLayer : public Layer {
   void OfferLabels(const LayerContext& context, K7MapPath& path, double size, LabelPlan& plan) override;
   void Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
             std::vector<std::string>& found) override;
+  std::vector<DeviceLine> Corridor() const override;
 
  private:
   struct Fix {

@@ -158,7 +158,7 @@ std::string DrawChart(cairo_t* cairo, const ChartBox& box, const ChartRequest& r
   cairo_restore(cairo);
   DrawFrame(cairo, theme, window, box);
   DrawMargin(cairo, theme, window, box.textSize, chart, request, plan);
-  plan.Draw(theme, LineScale(box));
+  plan.Draw(theme, LineScale(box), chart.LabelOpacity());
   cairo_restore(cairo);
   return code == 0 ? std::string() : std::string(K7ErrorString::ErrorString(code));
 }
