@@ -75,6 +75,7 @@ class ContoursTest : public testing::Test {
 TEST_F(ContoursTest, RunBetweenLowerAndHigherPosts) {
   ContourLayer layer(files);
   Chart chart({&layer}, theme, progress);
+  EXPECT_TRUE(chart.CanToggleTerrainContours());
   for (const K7ProjType type :
        {K7_PROJ_LAMBERT, K7_PROJ_MERCATOR, K7_PROJ_RECTANGULAR, K7_PROJ_ORTHOGRAPHIC, K7_PROJ_GNOMONIC}) {
     ASSERT_EQ(chart.Show({type, {49.5, -123.2}, 20, {}}, 700, 500, 1), "");
@@ -92,23 +93,11 @@ TEST_F(ContoursTest, RunBetweenLowerAndHigherPosts) {
     }
     EXPECT_GT(points, 500) << type;
     EXPECT_EQ(wrong, 0) << type;
-  }
-}
-
-// Hidden by day: toggling shows them without another look at the chart.
-TEST_F(ContoursTest, AreToggled) {
-  struct Strokes : PathRecorder {
-    void Stroke() override { count += !pieces.empty(), Clear(); }
-    int count = 0;
-  };
-  ContourLayer layer(files);
-  Chart chart({&layer}, theme, progress);
-  ASSERT_TRUE(chart.CanToggleTerrainContours());
-  ASSERT_EQ(chart.Show({K7_PROJ_LAMBERT, {49.5, -123.2}, 20, {}}, 300, 200, 1), "");
-  for (const bool shown : {false, true, false}) {
-    Strokes strokes;
-    ASSERT_EQ(chart.Render(&strokes), 0);
-    EXPECT_EQ(strokes.count > 0, shown);
+    // Hidden by day, and what is hidden is not picked.
+    const DevicePoint on = lines.front().line.points.front();
+    EXPECT_TRUE(chart.Pick(on.x, on.y).empty());
+    chart.ToggleTerrainContours();
+    EXPECT_FALSE(chart.Pick(on.x, on.y).empty());
     chart.ToggleTerrainContours();
   }
 }

@@ -103,7 +103,7 @@ TEST_F(LayersTest, WhatLiesOffAVisibleRouteIsDimmedUnderIt) {
   ASSERT_TRUE(flown.SetOffRouteAlpha(102));
   const VeilRecorder drawn = draw();
   EXPECT_NEAR(drawn.Opacity(5, 5), 0.6, 0.01);
-  EXPECT_EQ(drawn.Opacity(WIDTH / 2, HEIGHT / 2), 0);
+  EXPECT_EQ(drawn.Opacity(WIDTH / 2.0, HEIGHT / 2.0), 0);
   EXPECT_GT(drawn.strokes, drawn.strokesBefore);  // though the route is the lowest layer
   const LabelPlan::Opacity label = flown.LabelOpacity();
   const auto at = [&](double x, double y, ThemeItem item) {

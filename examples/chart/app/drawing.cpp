@@ -1,5 +1,6 @@
 #include "app/drawing.h"
 
+#include "app/arrange_layers.h"
 #include "app/progress_line.h"
 #include "ink/pen.h"
 #include "layers/earth_layer.h"

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "app_common/option_table.h"
-#include "layers/layer_list.h"
 #include "layers/layer_table.h"
 #include "layers/underlay_layer.h"
 
@@ -38,9 +37,6 @@ struct LayerRequest {
 void AddLayerOptions(OptionTable& table, LayerOptions& options);
 /// --data, --nav, --magnetic, --terrain, --underlay, --underlay-bounds
 void AddDataOptions(OptionTable& table, LayerOptions& options);
-
-/// Shows, hides and orders the layers of a chart as it was asked for. Empty, or what is wrong.
-std::string ArrangeLayers(const LayerOptions& options, LayerList& layers);
 
 /// The layers of a chart of that scale, each once, from the ground up. Empty, or what is wrong.
 std::string FindLayers(const LayerOptions& options, const DataScale& scale,

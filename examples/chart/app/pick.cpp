@@ -1,5 +1,6 @@
 // k7chart pick: what lies under pixels of a chart.
 
+#include "app/arrange_layers.h"
 #include "app/chart_options.h"
 #include "app/drawing.h"
 #include "app/progress_line.h"
