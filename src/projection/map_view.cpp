@@ -3,6 +3,7 @@
 #include <k7/foundation/error_string.h>
 #include <k7/geodesy/constants.h>
 #include <k7/geodesy/latlon.h>
+#include <k7/geodesy/vector.h>
 #include <k7/projection/conic.h>
 
 #include "projection/map_limits.h"
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -49,6 +51,20 @@ class VolumeTaker : public K7Grfx {
 };
 
 constexpr double MAX_LON = 540;  // what projections take: one turn beyond the map
+constexpr double MAX_TURN = 360;
+
+// Turns the upward direction of a camera about its line of sight, clockwise as the picture shows it.
+// `lookAt`: eye, centre, up.
+void TurnCamera(double (&lookAt)[9], double degrees) {
+  const double* const v = lookAt;
+  K7Vector3 sight(v[3] - v[0], v[4] - v[1], v[5] - v[2]), up(v[6], v[7], v[8]), right, upright;
+  sight.Normalize();
+  sight.CrossProduct(up, right);
+  right.Normalize();
+  right.CrossProduct(sight, upright);
+  const double c = std::cos(degrees * K7_DEG_TO_RAD), s = std::sin(degrees * K7_DEG_TO_RAD);
+  for (int i = 0; i < 3; ++i) lookAt[6 + i] = upright.ToArray()[i] * c + right.ToArray()[i] * s;
+}
 
 }  // namespace
 
@@ -80,6 +96,7 @@ int K7MapView::LookAtZoom(double lat, double lon, double zoom) {
 int K7MapView::Place(double lat, double lon, double zoom) {
   if (!m_projection || Width() <= 0 || Height() <= 0) return K7_ERR_BAD_ARGUMENT;
   if (!(std::fabs(lat) <= 90 && std::fabs(lon) <= MAX_LON)) return K7_ERR_BAD_ARGUMENT;
+  if (!(std::fabs(m_turn) <= MAX_TURN)) return K7_ERR_BAD_ARGUMENT;
   m_lat = lat;
   m_lon = lon;
   return HasPicture(*m_projection) && SetZoom(zoom) ? K7_OK : K7_ERR_PROJECTION_RANGE;
@@ -92,6 +109,8 @@ bool K7MapView::SetZoom(double zoom) {
       !m_projection->CenterOn(&taker, m_lat, m_lon)) {
     return false;
   }
+  // A camera that sees the globe from within has left and right changed.
+  if (m_turn != 0) TurnCamera(m_lookAt, m_volume[0] < m_volume[1] ? m_turn : -m_turn);
   m_zoom = zoom;
   m_camera.SetZoom(zoom);
   m_isSet = true;
@@ -240,6 +259,8 @@ void K7MapView::VisitOutline(Visit visit) const {
 
 // Moves the centre along its meridian to the middle of the map, so that a world map fills its window.
 bool K7MapView::CenterMap() {
+  const double turn = std::exchange(m_turn, 0);
+  if (turn != 0) SetZoom(1);
   double top = INFINITY;
   double bottom = -INFINITY;
   VisitOutline([&](double, double dy) {
@@ -249,6 +270,7 @@ bool K7MapView::CenterMap() {
   double lat, lon;
   // Whole millionths: the equator is to be the equator.
   if (Pick(Width() / 2.0, (top + bottom) / 2, lat, lon)) m_lat = std::round(lat * 1e6) / 1e6;
+  m_turn = turn;
   return SetZoom(1);
 }
 

@@ -90,6 +90,54 @@ TEST(MapView, APixelSpansItsMiles) {
   }
 }
 
+// The same picture, turned about its middle: places, and the area that a path encloses.
+TEST(MapView, ATurnedViewShowsTheSameTurned) {
+  static const int FOUR = 4;
+  for (const double turn : {37.0, 90.0, -141.0, 360.0})
+    ForAllProjections(48.5, -123.5, 300, [&](const K7MapView& upright) {
+      K7MapView view(upright.Projection(), upright.Width(), upright.Height());
+      view.SetTurn(turn);
+      ASSERT_EQ(view.LookAt(48.5, -123.5, 300), 0);
+      EXPECT_NEAR(view.NMPerPixel() / upright.NMPerPixel(), 1, 1e-9);
+      double angle = 0;
+      ASSERT_TRUE(view.TrueNorth(48.5, -123.5, angle));
+      EXPECT_NEAR(std::remainder(angle + turn, 360), 0, 1e-4);
+      const double middleX = view.Width() / 2.0, middleY = view.Height() / 2.0;
+      const double c = std::cos(turn * std::acos(-1.0) / 180), s = std::sin(turn * std::acos(-1.0) / 180);
+      const K7LatLon corners[] = {{50, -125}, {50, -120}, {47, -121}, {48, -128}};
+      PathRecorder area;
+      K7MapPath(view).Area(&area, corners, &FOUR, 1);
+      PathRecorder outline;
+      K7MapPath(upright).Area(&outline, corners, &FOUR, 1);
+      int compared = 0;
+      for (double dx = 5; dx < view.Width(); dx += 17)
+        for (double dy = 5; dy < view.Height(); dy += 17) {
+          const double x = middleX + c * (dx - middleX) - s * (dy - middleY);
+          const double y = middleY + s * (dx - middleX) + c * (dy - middleY);
+          double lat = 0, lon = 0, otherLat = 1, otherLon = 1, ax = 0, ay = 0;
+          ASSERT_TRUE(view.FromDevice(dx, dy, lat, lon));
+          ASSERT_TRUE(upright.FromDevice(x, y, otherLat, otherLon));
+          EXPECT_NEAR(K7LatLon(lat, lon).Distance({otherLat, otherLon}), 0, 1e-3);
+          EXPECT_TRUE(view.ToDevice(otherLat, otherLon, ax, ay));
+          EXPECT_NEAR(std::hypot(ax - dx, ay - dy), 0, 1e-3);
+          // Beyond the guard band of the other window, the other path ends.
+          if (x < 0 || y < 0 || x > view.Width() || y > view.Height() || outline.Distance(x, y) < 1) continue;
+          EXPECT_EQ(area.Encloses(dx, dy), outline.Encloses(x, y)) << dx << " " << dy;
+          ++compared;
+        }
+      EXPECT_GT(compared, 80);
+    });
+  // The whole world turned is as much of the world, whole in its window.
+  const Owned world = Make(K7_PROJ_MILLER, 30, 0, 0);
+  K7MapView view(world.get(), 300, 200);
+  view.SetTurn(90);
+  ASSERT_EQ(view.LookAt(30, 0, 0), 0);
+  double x = 0, y = 0;
+  EXPECT_TRUE(view.ToDevice(0, 179.9, x, y) && view.ToDevice(89.9, 0, x, y) && view.ToDevice(-89.9, 0, x, y));
+  view.SetTurn(NAN);
+  EXPECT_EQ(view.LookAt(30, 0, 300), K7_ERR_BAD_ARGUMENT);
+}
+
 // Whatever magnification the host's context has of its own, and whether it asks by the view or by itself.
 TEST(MapView, AnyContextCanBeSetUp) {
   ForAllProjections(48.5, -123.5, 300, [](const K7MapView& view) {
@@ -115,9 +163,11 @@ TEST(MapView, AnyContextCanBeSetUp) {
 }
 
 // The smallest box around the positions of all pixels, longitudes from the centre's, and little more.
-void ExpectExtent(K7Projection& projection, double lat, double lon, double range) {
-  SCOPED_TRACE(testing::Message() << projection.Name() << " " << lat << " " << lon << " range " << range);
+void ExpectExtent(K7Projection& projection, double lat, double lon, double range, double turn = 0) {
+  SCOPED_TRACE(testing::Message() << projection.Name() << " " << lat << " " << lon << " range " << range
+                                  << " turned by " << turn);
   K7MapView view(&projection, 161, 121);
+  view.SetTurn(turn);
   if (view.LookAt(lat, lon, range) != 0) return;
   double edges[] = {-90, -90, -180, -180};  // north, south, east and west, the way out positive
   for (int y = 0; y <= view.Height(); ++y)
@@ -144,7 +194,8 @@ TEST(MapView, TheExtentHoldsWhatIsSeenAndLittleMore) {
   std::uniform_real_distribution<double> lats(-84, 84), lons(-180, 180), ranges(5, 700);
   for (int i = 0; i < 45; ++i) {
     const double lat = lats(random), lon = lons(random), range = ranges(random);
-    ExpectExtent(*Make(i % 9, lat, lon, range), lat, lon, range);
+    const Owned projection = Make(i % 9, lat, lon, range);
+    for (const double turn : {0.0, lons(random)}) ExpectExtent(*projection, lat, lon, range, turn);
   }
   // With edges that run askew to the meridians.
   K7PerspectiveProjection askew(4);

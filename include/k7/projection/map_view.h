@@ -33,12 +33,16 @@ class K7_API K7MapView {
   /// holds and takes no range.
   ///
   /// Answers 0; K7_ERR_BAD_ARGUMENT without projection or window, for a position outside +-90 and +-540
-  /// degrees or a negative range; K7_ERR_PROJECTION_RANGE when this centre, range and parameters give no
-  /// picture, and below 1e-9 nautical miles a pixel, where positions have no more digits. Failed, the view
-  /// shows nothing: nothing is seen, `GetExtent` is empty.
+  /// degrees, a turn outside +-360 or a negative range; K7_ERR_PROJECTION_RANGE when this centre, range and
+  /// parameters give no picture, and below 1e-9 nautical miles a pixel, where positions have no more digits.
+  /// Failed, the view shows nothing: nothing is seen, `GetExtent` is empty.
   int LookAt(double lat, double lon, double range);
   /// Does the same with a given magnification in place of a range, as `K7Grfx::GetZoom` counts it.
   int LookAtZoom(double lat, double lon, double zoom);
+  /// Turns the picture about the middle of the window, from the next look on: the direction `degrees`
+  /// clockwise of what would be up comes up. Where north would be up at the centre, as on the globes, the
+  /// cylinders and a cone about its own meridian, that is a true course.
+  void SetTurn(double degrees) { m_turn = degrees; }
   /// Answers whether the view looked at something, successfully.
   bool IsSet() const { return m_isSet; }
   /// @}
@@ -51,6 +55,7 @@ class K7_API K7MapView {
   double CenterLat() const { return m_lat; }
   double CenterLon() const { return m_lon; }
   double Zoom() const { return m_zoom; }
+  double Turn() const { return m_turn; }
   /// Answers the nautical miles that a pixel spans along the meridian at the centre; for a tilted eye,
   /// across the picture where the ground is nearest.
   double NMPerPixel() const { return m_nmPerPixel; }
@@ -149,6 +154,7 @@ class K7_API K7MapView {
   double m_lat = 0;
   double m_lon = 0;
   double m_zoom = 1;
+  double m_turn = 0;  // degrees
   double m_nmPerPixel = 0;
   bool m_isSet = false;
   bool m_parallel = true;   // the volume that SetUp repeats
