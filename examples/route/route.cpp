@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "route/airway_graph.h"
+#include "route/fix_kind.h"
 #include "route/route_ends.h"
 #include "route/route_search.h"
 #include "store/nav_store.h"
@@ -127,27 +128,39 @@ void RouteMaker::TakeStops(const std::vector<uint32_t>& nodes) {
     take({m_end.ident, m_end.key, m_end.place}, NO_NODE);
 }
 
+// What an airway states, or else the great circle's by the magnetic model.
+struct Course {
+  double degrees;
+  bool isTrue;
+};
+Course CourseAt(const K7LatLon& place, const K7LatLon& towards, const K7Course& stated) {
+  if (stated.Word() != 0) return {stated, stated.Reference() == K7Course::TRUE_NORTH};
+  const double degrees = place.InitCourse(towards);
+  if (degrees < 0) return {degrees, false};
+  const Tarsvald::MagVar* const model = K7MagVar::GetMagVar();
+  double variation = 0;
+  const bool isTrue = !model || !model->Position(&variation, place.Lat(), place.Lon(), 0, 0);
+  return {std::fmod(degrees - variation + 720, 360), isTrue};
+}
+
 RouteLeg RouteMaker::LegFrom(const RouteFix& from, const RouteFix& to, const Flown* flown) const {
   RouteLeg leg;
   leg.distance = from.place.Distance(to.place);
+  K7Course out, back;
   if (flown) {
     const K7AirwaySeg& segment = *flown->segment;
     leg.airway = flown->Airway();
     leg.minimum = MinimumOf(segment, flown->forth);
     leg.maximum = segment.maa;
-    const K7Course& course = flown->forth ? segment.course : segment.courseOpposite;
-    if (course.Word() != 0) {
-      leg.course = course;
-      leg.isTrue = course.Reference() == K7Course::TRUE_NORTH;
-      return leg;
-    }
+    out = flown->forth ? segment.course : segment.courseOpposite;
+    back = flown->forth ? segment.courseOpposite : segment.course;
   }
-  leg.course = from.place.InitCourse(to.place);
-  if (leg.course < 0) return leg;
-  const Tarsvald::MagVar* const model = K7MagVar::GetMagVar();
-  double variation = 0;
-  leg.isTrue = !model || !model->Position(&variation, from.place.Lat(), from.place.Lon(), 0, 0);
-  leg.course = std::fmod(leg.course - variation + 720, 360);
+  const Course leaving = CourseAt(from.place, to.place, out),
+               returning = CourseAt(to.place, from.place, back);
+  leg.course = leaving.degrees;
+  leg.isTrue = leaving.isTrue;
+  if (returning.degrees >= 0) leg.arrival = std::fmod(returning.degrees + 180, 360);
+  leg.isArrivalTrue = returning.isTrue;
   return leg;
 }
 
@@ -201,6 +214,7 @@ std::string RouteMaker::Make(Route& route) {
   TakeStops(result.nodes);
   TakeLegs(route);
   route.fixes = std::move(m_fixes);
+  for (RouteFix& fix : route.fixes) fix.kind = FixKind(m_store, fix.key);
   for (const RouteLeg& leg : route.legs) route.distance += leg.distance;
   route.fromName = m_start.what;
   route.toName = m_end.what;

@@ -21,13 +21,16 @@ struct RouteFix {
   std::string ident;
   K7NavKey key;  ///< no record where the airways name none
   K7LatLon place;
+  std::string kind = {};  ///< "airport", "VORTAC 116.8", "NDB 362", "fix"; empty where nothing is known
 };
 
 struct RouteLeg {
-  std::string airway;      ///< empty for a direct leg
-  double distance = 0;     ///< NM, along the great circle
-  double course = -1;      ///< degrees on leaving the first fix; below 0 where there is none
-  bool isTrue = false;     ///< where neither the airway nor a magnetic model knows better
+  std::string airway;   ///< empty for a direct leg
+  double distance = 0;  ///< NM, along the great circle
+  double course = -1;   ///< degrees on leaving the first fix; below 0 where there is none
+  bool isTrue = false;  ///< where neither the airway nor a magnetic model knows better
+  double arrival = -1;  ///< the same on reaching the second fix
+  bool isArrivalTrue = false;
   K7Alt minimum, maximum;  ///< in the leg's direction; words of 0 where none are stated
 };
 
@@ -46,6 +49,7 @@ std::string FindRoute(NavStore& store, const AirwayGraph& graph, const RouteRequ
 
 /// "087", "087T" of a true course, "" of none.
 std::string CourseText(const RouteLeg& leg);
+std::string ArrivalText(const RouteLeg& leg);
 /// "4000", "FL195"; "" where none is stated.
 std::string AltitudeText(const K7Alt& altitude);
 /// The route as a table of lines: a fix and the leg that leads to it on each.

@@ -5,13 +5,21 @@
 
 #include "route/route.h"
 
-std::string CourseText(const RouteLeg& leg) {
-  if (leg.course < 0) return {};
-  const int whole = static_cast<int>(std::lround(leg.course)) % 360;
+namespace {
+
+std::string Course(double degrees, bool isTrue) {
+  if (degrees < 0) return {};
+  const int whole = static_cast<int>(std::lround(degrees)) % 360;
   K7String text;
-  text.Format("%03d%s", whole == 0 ? 360 : whole, leg.isTrue ? "T" : "");
+  text.Format("%03d%s", whole == 0 ? 360 : whole, isTrue ? "T" : "");
   return std::string(text);
 }
+
+}  // namespace
+
+std::string CourseText(const RouteLeg& leg) { return Course(leg.course, leg.isTrue); }
+
+std::string ArrivalText(const RouteLeg& leg) { return Course(leg.arrival, leg.isArrivalTrue); }
 
 std::string AltitudeText(const K7Alt& altitude) {
   K7String text;

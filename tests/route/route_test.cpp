@@ -273,6 +273,35 @@ TEST_F(RouteTest, NearlyNoLengthAndOnePlaceWrittenTwiceEnd) {
   EXPECT_NE(FindRoute(store, graph, {"P0", "AWAY", 0, {}}, route), "");
 }
 
+// Whichever way a segment is flown, one of its courses is that of leaving and the other, turned round, that
+// of arriving; what states none has the great circle's, true without a model.
+TEST_F(RouteTest, LegsHaveTheCoursesOfBothEnds) {
+  const auto vor = MakeFix<K7VHFNavaid>(K7NAV_VOR, "A1", 48, -130);
+  vor->freq = 11680;
+  vor->flags = K7VHFNavaid::VOR | K7VHFNavaid::DME;
+  keys.push_back(writer.Add(*vor));
+  places.push_back(Stored(48, -130));
+  idents.emplace_back("A1");
+  AddFix("B1", 48.2, -127);
+  AddFix("C1", 48, -122);
+  const auto segment = Segment(0, 1, "V1", K7NAV_LOW_AIRWAY);
+  segment->course = K7Course(850);
+  segment->courseOpposite = K7Course(2670);
+  writer.Add(*segment);
+  AddBothWays(1, 2, "V1");
+  Read();
+  const Route there = Find({"A1", "C1", 0, {}}), back = Find({"C1", "A1", 0, {}});
+  ASSERT_EQ(there.legs.size(), 2U);
+  ASSERT_EQ(back.legs.size(), 2U);
+  EXPECT_EQ(CourseText(there.legs[0]) + " " + ArrivalText(there.legs[0]), "085 087");
+  EXPECT_EQ(CourseText(back.legs[1]) + " " + ArrivalText(back.legs[1]), "267 265");
+  EXPECT_TRUE(there.legs[1].isTrue && there.legs[1].isArrivalTrue);
+  EXPECT_NEAR(there.legs[1].course, places[1].InitCourse(places[2]), 1e-9);
+  EXPECT_NEAR(there.legs[1].arrival, places[1].FinalCourse(places[2]), 1e-6);
+  EXPECT_EQ(there.fixes[0].kind, "VOR-DME 116.8");
+  EXPECT_EQ(there.fixes[1].kind, "fix");
+}
+
 // The airways place a fix where its own record does not.
 TEST_F(RouteTest, StartsOnTheAirwaysAtAFixThatTheyPlaceElsewhere) {
   AddFix("A1", 48, -123);
