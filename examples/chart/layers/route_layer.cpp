@@ -149,11 +149,14 @@ void RouteLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
   for (const Fix& fix : m_fixes)
     if (fix.isSeen) plan.Keep(BoxAbout(fix.dx, fix.dy, fix.radius));
   const double half = context.theme[Item()].width / 2 * context.scale;
+  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
   for (const Line& line : m_lines) {
     const double length = line.line.Length();
     const int steps = std::max(1, static_cast<int>(std::ceil(length / (KEPT_STEP * context.scale))));
     for (int i = 0; i < steps; ++i) {
       const DeviceLine::Spot spot = line.line.SpotAt(length * (i + 0.5) / steps);
+      // Beyond the window, where the margin has its lettering, nothing is drawn.
+      if (!window.Meets({spot.at.x, spot.at.y, spot.at.x, spot.at.y})) continue;
       const double reach = length / steps / 2;
       plan.Keep({{spot.at.x - reach, spot.at.y - half, spot.at.x + reach, spot.at.y + half},
                  spot.at.x,
