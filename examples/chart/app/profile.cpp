@@ -6,6 +6,7 @@
 #include "app/nav_source.h"
 #include "app/progress_line.h"
 #include "app/sheet_options.h"
+#include "app/way_ground.h"
 #include "app_common/save_file.h"
 #include "app_common/shared_data.h"
 #include "app_common/verb.h"
@@ -13,8 +14,6 @@
 #include "route/route_ends.h"
 #include "sheet/page.h"
 #include "sheet/profile_panel.h"
-
-#include <k7/foundation/error_string.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -72,7 +71,7 @@ class ProfileVerb : public Verb {
     Profile profile;
     profile.altitude = m_way.altitude;
     if (std::string problem = FindFixes(profile); !problem.empty()) return problem;
-    if (std::string problem = MeasureGround(profile); !problem.empty()) return problem;
+    if (std::string problem = MeasureGround(m_terrain, profile); !problem.empty()) return problem;
     std::string problem = Draw(profile);
     if (problem.empty()) Print(profile);
     return problem;
@@ -90,22 +89,6 @@ class ProfileVerb : public Verb {
       if (!place.note.empty()) m_notes.push_back(place.note);
     }
     return {};
-  }
-
-  // Twice as densely as posts stand, so that a way that runs aslant between them meets each.
-  std::string MeasureGround(Profile& profile) const {
-    Elevations terrain;
-    if (std::string problem = terrain.Open(m_terrain.folder); !problem.empty()) return problem;
-    static const double MINUTE = 60;
-    const double resolution = m_terrain.resolution, posts = terrain.PostSpacing(resolution);
-    const double spacing = (posts > 0 ? posts : MINUTE) / MINUTE / 2;
-    size_t leg = 0;
-    const int code = TakeGround(terrain, resolution, spacing, profile, leg);
-    if (code == 0) return {};
-    const std::string from = profile.fixes[leg].ident, to = profile.fixes[leg + 1].ident;
-    if (code == K7_ERR_INVALID_DATA)
-      return from + " and " + to + " lie opposite each other: every great circle joins them";
-    return "no profile from " + from + " to " + to + ": " + K7ErrorString::ErrorString(code);
   }
 
   // Not into a picture that goes to the standard output.

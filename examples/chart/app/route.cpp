@@ -3,10 +3,15 @@
 #include "app/chart_options.h"
 #include "app/drawing.h"
 #include "app/level_text.h"
+#include "app/trip_options.h"
+#include "app/trip_sources.h"
+#include "app/way_ground.h"
 #include "app_common/verb.h"
 #include "layers/route_frame.h"
 #include "layers/route_layer.h"
 #include "route/airway_graph.h"
+#include "sheet/page.h"
+#include "sheet/trip_sheet.h"
 
 #include <cmath>
 #include <cstdio>
@@ -69,6 +74,7 @@ class RouteVerb : public Verb {
     table.Add(ROUTE_OPTIONS, m_route);
     table.Add(DIM_OPTIONS, m_dim);
     table.Add(TABLE_OPTIONS, m_table);
+    AddTripOptions(table, m_trip);
     AddProjectionOptions(table, m_request);
     AddLayerOptions(table, m_layers);
     AddDataOptions(table, m_layers);
@@ -87,19 +93,33 @@ class RouteVerb : public Verb {
   std::string Run() override {
     if (m_route.to.empty())
       return "a route needs two ends, identifiers or positions, as KSEA \"48.7 -121.8\"";
+    if (std::string problem = WhyNoSheet(); !problem.empty()) return problem;
     Route route;
     if (std::string problem = Find(route); !problem.empty()) return problem;
     std::fputs(RouteTable(route).c_str(), stdout);
-    return m_table.only ? std::string() : Draw(route);
+    if (m_table.only) return {};
+    return m_trip.isWanted ? DrawTrip(route) : Draw(route);
   }
 
  private:
-  std::string Find(Route& route) const {
+  std::string WhyNoSheet() const {
+    if (!m_trip.isWanted) return m_trip.given ? std::string(m_trip.given) + " needs --trip" : std::string();
+    // Strips are cut by their scale, which others do not have all over them.
+    if ((m_request.type != K7_PROJ_LAMBERT && m_request.type != K7_PROJ_STEREOGRAPHIC) ||
+        !m_request.params.empty())
+      return "the strips of a trip sheet are lambert or stereographic, without --param";
+    PageFormat format{};
+    if (PageFormatOf(m_sheet.output, format) && format == PageFormat::PDF) return {};
+    return "a trip sheet is a PDF: '--output FILE.pdf' names it";
+  }
+
+  std::string Find(Route& route) {
     NavStore store;
     if (std::string problem = WhyNoStore(m_layers.nav, store); !problem.empty()) return problem;
     if (std::string problem = WhyNoMagneticModel(m_layers.magnetic); !problem.empty()) return problem;
     AirwayGraph graph;
     if (!graph.Read(store)) return "cannot read the airways of " + Quoted(m_layers.nav);
+    m_sources = SourcesOf(store);
     return FindRoute(store, graph, m_route, route);
   }
 
@@ -120,9 +140,57 @@ class RouteVerb : public Verb {
         &layer);
   }
 
+  // Of the usual scales the largest that takes few strips, unless one is asked for.
+  std::string CutRoute(const Route& route, StripFrame& frame, std::vector<RouteStrip>& strips) {
+    static const double SCALES[] = {5e5, 1e6, 2e6, 5e6, 1e7, 2e7, 5e7};
+    static const size_t MANY = 12;
+    const bool isAsked = m_trip.scale > 0;
+    for (const double scale : SCALES) {
+      if (!isAsked) m_trip.scale = scale;
+      frame = FrameOnPaper(*m_trip.paper, m_trip.scale, m_trip.trackUp);
+      strips = CutStrips(route, frame);
+      if (!strips.empty() && (isAsked || strips.size() <= MANY)) return {};
+      if (isAsked) break;
+    }
+    return "the route takes more than " + std::to_string(MOST_STRIPS) + " strips at that scale";
+  }
+
+  std::string TakeTerrain(Trip& trip) const {
+    TerrainOptions terrain;
+    terrain.folder = TerrainFolder(m_layers);
+    if (terrain.folder.empty()) return {};
+    double posts = 0;
+    std::string problem = MeasureGround(terrain, trip.profile, &posts);
+    if (problem.empty())
+      trip.sources.push_back("Terrain: posts " + std::string(K7FmtString("%.9g", posts)) +
+                             " arc-seconds apart at the finest; what rises between them is not known.");
+    return problem;
+  }
+
+  std::string DrawTrip(const Route& route) {
+    Trip trip{route, m_trip.knots, ProfileOf(route, m_route.feet), m_sources};
+    if (std::string problem = TakeTerrain(trip); !problem.empty()) return problem;
+    StripFrame frame{};
+    std::vector<RouteStrip> strips;
+    if (std::string problem = CutRoute(route, frame, strips); !problem.empty()) return problem;
+    m_sheet.width = m_trip.paper->width;
+    m_sheet.height = m_trip.paper->height;
+    m_request.rangeNM = frame.width;
+    const StripPages pages{route, strips, frame, m_trip.scale, m_request};
+    RouteLayer layer(route);
+    return DrawSheet(
+        m_layers, DataScaleOf(m_request), m_sheet, m_look, static_cast<int>(strips.size()),
+        [&](cairo_t* cairo, Chart& chart) {
+          return DrawTripSheet(cairo, *m_trip.paper, m_look.theme, trip, pages, chart);
+        },
+        &layer);
+  }
+
   RouteRequest m_route;
   DimOption m_dim;
   TableOption m_table;
+  TripOptions m_trip;
+  std::vector<std::string> m_sources;
   ChartRequest m_request;
   LookOptions m_look;
   LayerOptions m_layers;

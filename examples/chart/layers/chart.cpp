@@ -33,6 +33,7 @@ std::string Chart::Show(const ChartRequest& request, int width, int height, doub
   if (std::string problem = SetParams(*m_projection, request.params); !problem.empty()) return problem;
 
   auto view = std::make_unique<K7MapView>(m_projection.get(), width, height);
+  view->SetTurn(request.turn);
   if (view->IsTilted() && request.rangeNM > 0)
     return "a tilted view shows what its field of view holds: it takes no --range";
   if (const int code = view->LookAt(c.Lat(), c.Lon(), request.rangeNM)) {

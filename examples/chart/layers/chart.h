@@ -20,6 +20,7 @@ struct ChartRequest {
   double rangeNM = 0;  // from the centre to the nearer edge; 0: all that the projection can show
   ProjectionParams params;
   std::string title{};  // in the margin, where there is one
+  double turn = 0;      // the true course that points up, degrees
 };
 
 /// Keeps its view from one drawing to the next and draws into any graphics context; layers and theme stay
