@@ -129,7 +129,7 @@ class RouteVerb : public Verb {
     FrameRoute(route, window.width, window.height, m_request);
     K7String miles;
     miles.Format("   %.0f NM", route.distance);
-    m_request.title = route.fixes.front().ident + " \u2013 " + route.fixes.back().ident + std::string(miles);
+    m_request.title = EndsText(route) + std::string(miles);
     RouteLayer layer(route);
     return DrawSheet(
         m_layers, DataScaleOf(m_request), m_sheet, m_look, 1,
@@ -138,21 +138,6 @@ class RouteVerb : public Verb {
           return DrawChart(cairo, box, m_request, m_look.theme, chart);
         },
         &layer);
-  }
-
-  // Of the usual scales the largest that takes few strips, unless one is asked for.
-  std::string CutRoute(const Route& route, StripFrame& frame, std::vector<RouteStrip>& strips) {
-    static const double SCALES[] = {5e5, 1e6, 2e6, 5e6, 1e7, 2e7, 5e7};
-    static const size_t MANY = 12;
-    const bool isAsked = m_trip.scale > 0;
-    for (const double scale : SCALES) {
-      if (!isAsked) m_trip.scale = scale;
-      frame = FrameOnPaper(*m_trip.paper, m_trip.scale, m_trip.trackUp);
-      strips = CutStrips(route, frame);
-      if (!strips.empty() && (isAsked || strips.size() <= MANY)) return {};
-      if (isAsked) break;
-    }
-    return "the route takes more than " + std::to_string(MOST_STRIPS) + " strips at that scale";
   }
 
   std::string TakeTerrain(Trip& trip) const {
@@ -170,13 +155,15 @@ class RouteVerb : public Verb {
   std::string DrawTrip(const Route& route) {
     Trip trip{route, m_trip.knots, ProfileOf(route, m_route.feet), m_sources};
     if (std::string problem = TakeTerrain(trip); !problem.empty()) return problem;
-    StripFrame frame{};
-    std::vector<RouteStrip> strips;
-    if (std::string problem = CutRoute(route, frame, strips); !problem.empty()) return problem;
+    const double scale = m_trip.scale > 0 ? m_trip.scale : UsualScale(route, *m_trip.paper, m_trip.trackUp);
+    const StripFrame frame = FrameOnPaper(*m_trip.paper, scale, m_trip.trackUp);
+    const std::vector<RouteStrip> strips = CutStrips(route, frame);
+    if (strips.empty())
+      return "the route takes more than " + std::to_string(MOST_STRIPS) + " strips at that scale";
     m_sheet.width = m_trip.paper->width;
     m_sheet.height = m_trip.paper->height;
     m_request.rangeNM = frame.width;
-    const StripPages pages{route, strips, frame, m_trip.scale, m_request};
+    const StripPages pages{route, strips, frame, scale, m_request};
     RouteLayer layer(route);
     return DrawSheet(
         m_layers, DataScaleOf(m_request), m_sheet, m_look, static_cast<int>(strips.size()),

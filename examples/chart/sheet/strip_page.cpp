@@ -4,12 +4,14 @@
 #include "layers/route_frame.h"
 #include "sheet/chart_sheet.h"
 #include "sheet/scale_bar.h"
+#include "sheet/trip.h"
 
 #include <k7/foundation/string.h>
 #include <k7/geodesy/constants.h>
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace {
 
@@ -102,9 +104,9 @@ void DrawHeader(TripPages& pages, const StripPages& strips, size_t index, const 
   cairo_t* const cairo = pages.Cairo();
   const RouteStrip& strip = strips.strips[index];
   const double left = TripPages::MARGIN, right = pages.Width() - TripPages::MARGIN;
-  const std::string ends = strips.route.fixes.front().ident + " \u2013 " + strips.route.fixes.back().ident;
   WriteText(cairo, pages.Look(),
-            ends + "   strip " + std::to_string(index + 1) + " of " + std::to_string(strips.strips.size()),
+            EndsText(strips.route) + "   strip " + std::to_string(index + 1) + " of " +
+                std::to_string(strips.strips.size()),
             left, EDGE + 30, {.size = 18, .bold = true});
   std::string what(K7FmtString("%.0f to %.0f NM of %.0f", strip.from, strip.to, strips.route.distance));
   what += "   1 : " + Denominator(strips.scale) + (strips.frame.trackUp ? "   track up" : "   north up");
@@ -125,6 +127,17 @@ void DrawHeader(TripPages& pages, const StripPages& strips, size_t index, const 
 StripFrame FrameOnPaper(const Paper& paper, double scale, bool trackUp) {
   const ChartWindow window = WindowOf(BoxOn(paper));
   return {window.width * NMPerPixel(scale), window.height * NMPerPixel(scale), trackUp};
+}
+
+double UsualScale(const Route& route, const Paper& paper, bool trackUp) {
+  static const double SCALES[] = {5e5, 1e6, 2e6, 5e6, 1e7, 2e7, 5e7};
+  static const size_t MANY = 12;
+  const auto isFit = [&](double scale) {
+    const size_t count = CutStrips(route, FrameOnPaper(paper, scale, trackUp)).size();
+    return count > 0 && count <= MANY;
+  };
+  const auto* const fitting = std::find_if(std::begin(SCALES), std::end(SCALES), isFit);
+  return fitting == std::end(SCALES) ? SCALES[0] : *fitting;
 }
 
 std::string DrawStrip(TripPages& pages, const StripPages& strips, size_t index, Chart& chart) {

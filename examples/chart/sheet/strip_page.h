@@ -5,8 +5,12 @@
 #include "sheet/route_strips.h"
 #include "sheet/trip_pages.h"
 
-/// How large a denominator's ground a page shows.
+/// What a page shows at a scale of that denominator.
 StripFrame FrameOnPaper(const Paper& paper, double scale, bool trackUp);
+
+/// The denominator of the largest of some usual scales, from 1 : 500,000 on, that takes a dozen strips at
+/// most.
+double UsualScale(const Route& route, const Paper& paper, bool trackUp);
 
 struct StripPages {
   const Route& route;

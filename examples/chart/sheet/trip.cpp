@@ -41,6 +41,10 @@ int ClearAltitude(const LegGround& ground) {
   return ground.highest ? (ClearAltitude(*ground.highest) + 99) / 100 * 100 : 0;
 }
 
+std::string EndsText(const Route& route) {
+  return route.fixes.front().ident + " \u2013 " + route.fixes.back().ident;
+}
+
 std::string RouteText(const Route& route) {
   std::string text;
   for (size_t i = 0; i < route.fixes.size(); ++i) {

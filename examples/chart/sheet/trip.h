@@ -31,5 +31,7 @@ LegGround GroundUnder(const Profile& profile, size_t leg);
 /// The lowest altitude that clears what is known of it, up to the next hundred feet. 0 where nothing is.
 int ClearAltitude(const LegGround& ground);
 
+/// "KSEA – CYVR"
+std::string EndsText(const Route& route);
 /// "KSEA SEA V23 PAE V495 YYJ CYVR": fixes where the airway changes, and the airways between them.
 std::string RouteText(const Route& route);

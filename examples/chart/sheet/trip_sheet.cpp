@@ -25,8 +25,7 @@ std::string DrawTripSheet(cairo_t* cairo, const Paper& paper, const Theme& theme
   const TableLayout table = LayOutTable(cairo, paper, trip);
   const bool hasGround = !trip.profile.points.empty(), hasRoom = table.left >= LEAST_PROFILE;
   const int count = table.pages + (hasGround && !hasRoom ? 1 : 0) + static_cast<int>(strips.strips.size());
-  const std::string title = trip.route.fixes.front().ident + " \u2013 " + trip.route.fixes.back().ident;
-  TripPages pages(cairo, paper, theme, title, count);
+  TripPages pages(cairo, paper, theme, EndsText(trip.route), count);
   DrawTable(pages, trip);
   if (hasGround && !hasRoom) pages.Next();
   if (hasGround) DrawGround(pages, trip, hasRoom ? table.left : pages.Room().bottom - pages.Room().top);

@@ -21,23 +21,23 @@ enum Column { FIX, AIRWAY, OUT, IN, LEG, TOTAL, MINIMUM, TIME, ELAPSED, GROUND, 
 
 // Of a table of 704 pixels. Words begin at `at`, figures end there.
 constexpr struct {
-  double at;
+  double at, width;
   Align align;
   const char *first, *second;
-} HEADS[] = {{0, Align::Left, "fix", ""},
-             {108, Align::Left, "airway", ""},
-             {206, Align::Right, "course", "out"},
-             {250, Align::Right, "course", "in"},
-             {304, Align::Right, "leg", "NM"},
-             {362, Align::Right, "total", "NM"},
-             {422, Align::Right, "minimum", "altitude"},
-             {468, Align::Right, "leg", "h:min"},
-             {520, Align::Right, "total", "h:min"},
-             {582, Align::Right, "ground", "ft"},
-             {642, Align::Right, "clear at", "ft"},
-             {704, Align::Right, "actual", "time"}};
+} HEADS[] = {{0, 102, Align::Left, "fix", ""},
+             {108, 62, Align::Left, "airway", ""},
+             {206, 36, Align::Right, "course", "out"},
+             {250, 38, Align::Right, "course", "in"},
+             {304, 48, Align::Right, "leg", "NM"},
+             {362, 52, Align::Right, "total", "NM"},
+             {422, 54, Align::Right, "minimum", "altitude"},
+             {468, 40, Align::Right, "leg", "h:min"},
+             {520, 46, Align::Right, "total", "h:min"},
+             {582, 56, Align::Right, "ground", "ft"},
+             {642, 54, Align::Right, "clear at", "ft"},
+             {704, 52, Align::Right, "actual", "time"}};
 static_assert(std::size(HEADS) == COLUMNS);
-constexpr double TABLE_WIDTH = 704, GAP = 6;
+constexpr double TABLE_WIDTH = 704;
 
 std::string Miles(double nm) { return std::string(K7FmtString("%.1f", nm)); }
 
@@ -66,10 +66,6 @@ void WriteWithin(TripPages& pages, const std::string& text, double x, double y, 
   const double wide = TextWidth(pages.Cairo(), text, letters.size, letters.bold);
   if (wide > width) letters.size = std::max(letters.size * width / wide, SMALLEST);
   WriteText(pages.Cairo(), pages.Look(), text, x, y, letters);
-}
-
-std::string Title(const Route& route) {
-  return route.fixes.front().ident + " \u2013 " + route.fixes.back().ident;
 }
 
 // What stands under the title, a paragraph each.
@@ -185,21 +181,16 @@ void Table::Line(double y, double width) const {
   Stroke(m_pages.Cairo(), line, 1);
 }
 
-// Names begin at their column and end before the next; figures end at theirs.
 void Table::Write(Column column, double y, const std::string& text, bool bold, double size) const {
-  const bool isLeft = HEADS[column].align == Align::Left;
-  const double from = isLeft ? X(column) : X(static_cast<Column>(column - 1)) + GAP;
-  // Before a column of figures these have room to begin.
-  static const double FIGURES = 30;
-  const double to = isLeft ? (column == FIX ? X(AIRWAY) : X(OUT) - FIGURES) - GAP : X(column);
-  WriteWithin(m_pages, text, X(column), y, column == OUT ? FIGURES : to - from,
+  WriteWithin(m_pages, text, X(column), y, HEADS[column].width * m_stretch,
               {.size = size, .align = HEADS[column].align, .bold = bold});
 }
 
 void Table::DrawWords() const {
   const PixelBox room = m_pages.Room();
   double y = room.top + TITLE * 0.8;
-  WriteWithin(m_pages, Title(m_trip.route), m_left, y, room.right - room.left, {.size = TITLE, .bold = true});
+  WriteWithin(m_pages, EndsText(m_trip.route), m_left, y, room.right - room.left,
+              {.size = TITLE, .bold = true});
   y = room.top + TITLE + 10;
   for (const std::string& line : m_layout.words) {
     WriteText(m_pages.Cairo(), m_pages.Look(), line, m_left, y + TEXT * 0.8, {.size = TEXT});
@@ -246,7 +237,8 @@ void Table::DrawRow(size_t row, double y) const {
   Write(ELAPSED, first, TimeText(end));
   if (!m_trip.profile.points.empty()) DrawGround(row - 1, first);
   // Room for a pencil.
-  cairo_rectangle(m_pages.Cairo(), X(CLEAR) + 10, y + 4, X(ACTUAL) - X(CLEAR) - 10, ROW - 8);
+  const double width = HEADS[ACTUAL].width * m_stretch;
+  cairo_rectangle(m_pages.Cairo(), X(ACTUAL) - width, y + 4, width, ROW - 8);
   ThemeEntry line = m_pages.Look()[ThemeItem::Neatline];
   line.width = 0.4;
   Stroke(m_pages.Cairo(), line, 1);
