@@ -30,6 +30,21 @@ ln -s chart.png link.png
 "$chart" --range 250 --output link.png && test -L link.png && ! cmp -s chart.png verb.png || fail "a link is written through"
 "$chart" gallery --size 900x600 && test -s gallery.png || fail "gallery"
 
+# Airport diagrams: of mapping sets, of runways alone, of each airport that there is.
+for format in png svg pdf; do
+  "$chart" airport ksea --output "field.$format" && test -s "field.$format" || fail "airport field.$format"
+done
+"$chart" airport KSEA --aerodrome none --output runways.png && ! cmp -s field.png runways.png || fail "runways alone"
+"$chart" airport KSEA --theme night --output dark.png && ! cmp -s field.png dark.png || fail "an airport by night"
+awk '$1 ~ /^(1|16|17)$/ { print $5 }' "$sample/navdata/apt.dat" | while read -r ident; do
+  "$chart" airport "$ident" --size 300x300 --output small.png || echo "$ident"
+done | grep . && fail "airports"
+if command -v python3 >/dev/null; then
+  mkdir -p made/aerodrome made/navdata
+  cp "$sample/aerodrome/make.py" made/aerodrome && cp "$sample/navdata/apt.dat" made/navdata &&
+    python3 made/aerodrome/make.py && diff -r made/aerodrome "$sample/aerodrome" || fail "aerodrome sets are not made so"
+fi
+
 # What the tables say is what the helps list.
 says() {  # what a line of the output must hold, then arguments
   local expected=$1
@@ -290,6 +305,9 @@ refuses "10 to 5000 knots, not '9.9'" route KSEA CYVR --trip --speed 9.9
 refuses "not 'a5'" route KSEA CYVR --trip --paper a5
 refuses "not '1:49999'" route KSEA CYVR --strip-scale 1:49999
 refuses "are lambert or stereographic" route KSEA CYVR --trip --output trip.pdf --projection miller
+refuses "there is no airport 'KSAE'; spelled like it are KPAE, KSEA" airport KSAE
+refuses "needs an airport" airport --theme night
+refuses "cannot read the folder of aerodrome sets 'nowhere'" airport KSEA --aerodrome nowhere
 refuses "a profile needs two identifiers or positions" profile KSEA
 refuses "there is no airport, navaid or fix 'KSAE'; spelled like it are KPAE, KSEA" profile KSAE CYVR
 refuses "KSEA and ksea are the same place" profile KSEA ksea

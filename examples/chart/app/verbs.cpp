@@ -6,6 +6,7 @@ std::unique_ptr<Verb> MakeGallery();
 std::unique_ptr<Verb> MakePick();
 std::unique_ptr<Verb> MakeRoute();
 std::unique_ptr<Verb> MakeProfile();
+std::unique_ptr<Verb> MakeAirport();
 std::unique_ptr<Verb> MakeElev();
 std::unique_ptr<Verb> MakeLayers();
 std::unique_ptr<Verb> MakeProjections();
@@ -21,6 +22,7 @@ constexpr VerbRow VERBS[] = {
      MakeRoute},
     {"profile", "FROM [VIA]... TO [OPTION]...",
      "Draws the ground under the great circles between identifiers or positions.", MakeProfile},
+    {"airport", "IDENT [OPTION]...", "Draws an airport's diagram.", MakeAirport},
     {"elev", "POSITION... [OPTION]...", "Says how high the ground is at positions.", MakeElev},
     {"layers", "[OPTION]...", "Lists the layers and which of them the data folder has.", MakeLayers},
     {"projections", "", "Lists the projections with their parameters.", MakeProjections},

@@ -43,7 +43,13 @@ enum class ThemeItem {
   Navaids,
   Airports,
   ToweredAirports,
-  Route,  ///< fill: around its line
+  Aprons,  ///< of an airport diagram, as what follows
+  Taxiways,
+  Runways,
+  Buildings,
+  AerodromeLines,  ///< holding positions, exit lines, frequency areas
+  Hotspots,        ///< and crosses on what is closed
+  Route,           ///< fill: around its line
   Limb,
   Frame,
   Neatline,  ///< the inner line of the frame

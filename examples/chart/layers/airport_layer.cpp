@@ -1,14 +1,13 @@
 #include "layers/airport_layer.h"
 
+#include "layers/runway_strips.h"
+
 #include <k7/navdata/airport.h>
 
 #include <cmath>
-#include <cstring>
 #include <iterator>
 
 namespace {
-
-constexpr double FEET_PER_NM = 1852 / 0.3048;
 
 // What a chart shows, by nautical miles an ordinary pixel: the shortest of the longest runways, and how far
 // apart symbols lie.
@@ -59,49 +58,6 @@ double ShownTo(AirportSymbol symbol) {
   return IsForAll(symbol) ? INFINITY : symbol == AirportSymbol::Seaplane ? SEAPLANES_TO_NM : OTHERS_TO_NM;
 }
 
-K7LatLon PositionOf(const K7NavFix& fix) {
-  return {K7NavData::FixPt2DecDeg(fix.lat), K7NavData::FixPt2DecDeg(fix.lon)};
-}
-
-struct RunwayEnds {
-  std::string ident;  // of the end at `from`
-  K7LatLon from, to;
-  double course;
-  int length, width;
-};
-
-// "34R" of "16L", as the other end is called; empty for what is no runway's name. Names may begin with "RW".
-std::string OppositeOf(const std::string& ident) {
-  static const char SIDES[] = "LRL";
-  const size_t first = ident.find_first_of("0123456789");
-  if (first == std::string::npos) return {};
-  size_t behind = first;
-  int number = 0;
-  for (; behind < ident.size() && K7String::IsDigit(ident[behind]) && behind < first + 2; ++behind)
-    number = number * 10 + (ident[behind] - '0');
-  number = (number + 17) % 36 + 1;
-  std::string side = ident.substr(behind);
-  if (!side.empty() && std::strchr("LR", side[0])) side[0] = *(std::strchr(SIDES, side[0]) + 1);
-  return ident.substr(0, first) + (number < 10 ? "0" : "") + std::to_string(number) + side;
-}
-
-// A store has each end as a record of its own; the second of a runway says where the first leads to, unless
-// the two lie much farther apart than it is long.
-void AddEnd(const K7Runway& end, std::vector<RunwayEnds>& runways) {
-  const std::string ident(end.ident, strnlen(end.ident, sizeof end.ident));
-  const K7LatLon at = PositionOf(end);
-  for (RunwayEnds& other : runways)
-    if (OppositeOf(other.ident) == ident) {
-      if (at.Distance(other.from) <= 1.5 * other.length / FEET_PER_NM) other.to = at;
-      return;
-    }
-  if (end.length <= 0) return;
-  const double course = end.trueBrg / 10.0;
-  K7LatLon far;
-  far.EndPoint(at, course, end.length / FEET_PER_NM);
-  runways.push_back({ident, at, far, course, end.length, end.width});
-}
-
 double Radius(const AirportPlace& airport) {
   if (!IsForAll(airport.symbol)) return WRITTEN_RADIUS;
   return std::find_if(std::begin(RADII), std::end(RADII) - 1,
@@ -141,24 +97,23 @@ void AirportLayer::Collect(const LayerContext& context) {
 }
 
 void AirportLayer::FindRunways(const LayerContext& context, AirportPlace& airport) const {
-  std::vector<RunwayEnds> ends;
-  VisitRecords<K7Runway>(m_data->AirportRunways(airport.key),
-                         [&](const K7Runway& end) { AddEnd(end, ends); });
-  const auto longest = std::max_element(
-      ends.begin(), ends.end(), [](const RunwayEnds& a, const RunwayEnds& b) { return a.length < b.length; });
+  const std::vector<RunwayStrip> runways = RunwaysOf(*m_data, airport.key);
+  const auto longest =
+      std::max_element(runways.begin(), runways.end(),
+                       [](const RunwayStrip& a, const RunwayStrip& b) { return a.length < b.length; });
   double north, east, trueNorth;
   const K7MapView& view = context.view;
-  if (longest == ends.end() || !view.Scale(airport.lat, airport.lon, north, east) ||
+  if (longest == runways.end() || !view.Scale(airport.lat, airport.lon, north, east) ||
       !view.TrueNorth(airport.lat, airport.lon, trueNorth))
     return;
   airport.direction = trueNorth + longest->course;
   const double pixelFeet = north * FEET_PER_NM;
   if (longest->length / pixelFeet < TRUE_FROM * context.scale) return;
-  for (const RunwayEnds& runway : ends) {
+  for (const RunwayStrip& runway : runways) {
     // Ends beyond the window have their places too, behind a horizon not.
     RunwayLine line{airport.dx, airport.dy, airport.dx, airport.dy, runway.width / pixelFeet};
-    view.ToDevice(runway.from.Lat(), runway.from.Lon(), line.x1, line.y1);
-    view.ToDevice(runway.to.Lat(), runway.to.Lon(), line.x2, line.y2);
+    view.ToDevice(runway.ends[0].at.Lat(), runway.ends[0].at.Lon(), line.x1, line.y1);
+    view.ToDevice(runway.ends[1].at.Lat(), runway.ends[1].at.Lon(), line.x2, line.y2);
     airport.runways.push_back(line);
   }
 }

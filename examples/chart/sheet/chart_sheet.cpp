@@ -68,39 +68,10 @@ std::string Joined(const std::string& a, const std::string& b) {
   return a.empty() || b.empty() ? a + b : a + "   " + b;
 }
 
-// The kinds of symbols that there is room for, in the lines of the margin, behind what is placed.
-void DrawLegend(cairo_t* cairo, const ChartWindow& window, double size, const Chart& chart, double top,
-                LabelPlan& plan) {
-  static const double SYMBOL = 0.7, TEXT = 1.6, STEP = 0.5;  // letter sizes
-  CairoGrfx g(cairo, window.width, window.height);
-  double x = 0;
-  int line = 0;
-  const auto place = [&](const LegendEntry& entry) {
-    const double baseline = top + line * size * MARGIN_LINE;
-    const Label label = {entry.text, x + TEXT * size + entry.room, baseline, {.size = size * 0.85}};
-    const PixelBox text = plan.BoxOf(label), whole = {x - STEP * size, text.top, text.right, text.bottom};
-    if (text.right > window.width || !plan.IsFree(whole) || !plan.Offer(label)) return false;
-    for (const LegendMark& mark : entry.marks)
-      plan.Offer({mark.text, x + SYMBOL * size + mark.x, baseline, mark.lettering});
-    plan.Keep(whole);
-    entry.draw(g, x + SYMBOL * size, baseline - 0.32 * size);
-    x = text.right + 2 * STEP * size;
-    return true;
-  };
-  for (const LegendEntry& entry : chart.Legend())
-    while (!place(entry)) {
-      x += STEP * size;
-      if (x < window.width) continue;
-      x = 0;
-      if (++line == MARGIN_LINES) return;
-    }
-}
-
 void DrawMargin(cairo_t* cairo, const Theme& theme, const ChartWindow& window, double size,
-                const Chart& chart, const ChartRequest& request, LabelPlan& plan) {
+                const Chart& chart, const ChartRequest& request, double top, LabelPlan& plan) {
   const K7MapView& view = *chart.View();
   const K7Projection& projection = *view.Projection();
-  const double top = window.height + size * MARGIN_TOP;
   plan.Offer({projection.Name(), 0, top, {.size = size * 1.25, .bold = true}});
   if (!view.IsTilted()) DrawScaleBar(cairo, theme, view, window.width, top, size, plan);
   const Lettering title = {.size = size * 1.25, .align = Align::Centre, .bold = true};
@@ -138,8 +109,36 @@ LabelPlan PlanLabels(cairo_t* cairo, const ChartBox& box, Chart& chart) {
   return plan;
 }
 
+void DrawLegend(cairo_t* cairo, const ChartWindow& window, double size, const Chart& chart, double top,
+                LabelPlan& plan) {
+  static const double SYMBOL = 0.7, TEXT = 1.6, STEP = 0.5;  // letter sizes
+  CairoGrfx g(cairo, window.width, window.height);
+  double x = 0;
+  int line = 0;
+  const auto place = [&](const LegendEntry& entry) {
+    const double baseline = top + line * size * MARGIN_LINE;
+    const Label label = {entry.text, x + TEXT * size + entry.room, baseline, {.size = size * 0.85}};
+    const PixelBox text = plan.BoxOf(label),
+                   whole = {x - STEP * size, text.top, text.right + STEP * size, text.bottom};
+    if (text.right > window.width || !plan.IsFree(whole) || !plan.Offer(label)) return false;
+    for (const LegendMark& mark : entry.marks)
+      plan.Offer({mark.text, x + SYMBOL * size + mark.x, baseline, mark.lettering});
+    plan.Keep(whole);
+    entry.draw(g, x + SYMBOL * size, baseline - 0.32 * size);
+    x = text.right + 2 * STEP * size;
+    return true;
+  };
+  for (const LegendEntry& entry : chart.Legend())
+    while (!place(entry)) {
+      x += STEP * size;
+      if (x < window.width) continue;
+      x = 0;
+      if (++line == MARGIN_LINES) return;
+    }
+}
+
 std::string DrawChart(cairo_t* cairo, const ChartBox& box, const ChartRequest& request, const Theme& theme,
-                      Chart& chart) {
+                      Chart& chart, const ChartMargin& margin) {
   const ChartWindow window = WindowOf(box);
   if (window.width < LEAST_PIXELS || window.height < LEAST_PIXELS)
     return "the picture is too small for its margins";
@@ -157,7 +156,11 @@ std::string DrawChart(cairo_t* cairo, const ChartBox& box, const ChartRequest& r
   const int code = chart.Render(&grfx);
   cairo_restore(cairo);
   DrawFrame(cairo, theme, window, box);
-  DrawMargin(cairo, theme, window, box.textSize, chart, request, plan);
+  const double top = window.height + box.textSize * MARGIN_TOP;
+  if (margin)
+    margin(window, top, plan);
+  else
+    DrawMargin(cairo, theme, window, box.textSize, chart, request, top, plan);
   plan.Draw(theme, LineScale(box), chart.LabelOpacity());
   cairo_restore(cairo);
   return code == 0 ? std::string() : std::string(K7ErrorString::ErrorString(code));

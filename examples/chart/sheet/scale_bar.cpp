@@ -10,6 +10,7 @@
 namespace {
 
 constexpr double NOTABLE = 0.02;
+constexpr double METRES_PER_NM = 1852, METRES_PER_FOOT = 0.3048;
 
 // The longest of 1, 2 or 5 times a power of ten.
 double RoundLength(double most) {
@@ -19,9 +20,9 @@ double RoundLength(double most) {
   return power;
 }
 
-std::string LengthText(double length) {
+std::string LengthText(double length, const char* unit) {
   K7String text;
-  text.Format("%.9g NM", length);
+  text.Format("%.9g %s", length, unit);
   return std::string(text);
 }
 
@@ -42,7 +43,8 @@ constexpr double LINE = 1.35;  // from one row to the next, in letter sizes
 // One row: what is measured, the bar, its length.
 struct Bar {
   const char* name;
-  double nmPerPixel;
+  double perPixel;  // of its unit
+  const char* unit = "NM";
 };
 
 // Draws nothing and says so where the row would cover something or the bar be no more than a dot.
@@ -55,11 +57,11 @@ bool DrawBar(cairo_t* cairo, const Theme& theme, const Bar& bar, double right, d
     return text.empty() ? 0 : plan.Width(text, lettering) + size * GAP;
   };
   const double nameRoom = widthOf(bar.name);
-  const double usual = widthOf("0000 NM");
-  const double length = RoundLength(std::max(room - usual - nameRoom, size) * bar.nmPerPixel);
-  const std::string text = LengthText(length);
+  const double usual = widthOf("0000 " + std::string(bar.unit));
+  const double length = RoundLength(std::max(room - usual - nameRoom, size) * bar.perPixel);
+  const std::string text = LengthText(length, bar.unit);
   const double textRoom = std::max(usual, widthOf(text));
-  const double pixels = length / bar.nmPerPixel;
+  const double pixels = length / bar.perPixel;
   const double end = right - textRoom, left = end - pixels;
   if (pixels < size * SHORTEST ||
       !plan.IsFree(PixelBox{left - nameRoom, baseline - size * ABOVE, right, baseline + size * BELOW}))
@@ -81,7 +83,6 @@ bool DrawBar(cairo_t* cairo, const Theme& theme, const Bar& bar, double right, d
 }  // namespace
 
 double ScaleDenominator(double nmPerPixel) {
-  static const double METRES_PER_NM = 1852;
   static const double METRES_PER_PIXEL = 0.0254 / 96;
   return nmPerPixel * METRES_PER_NM / METRES_PER_PIXEL;
 }
@@ -144,4 +145,11 @@ void DrawScaleBar(cairo_t* cairo, const Theme& theme, const K7MapView& view, dou
                             baselines[line], lettering}))
     return;
   plan.Offer({scale, right, baselines[line], lettering});
+}
+
+void DrawGroundScale(cairo_t* cairo, const Theme& theme, const K7MapView& view, double right, double top,
+                     double size, LabelPlan& plan) {
+  const double metres = view.NMPerPixel() * METRES_PER_NM, room = std::min(view.Width() * 0.4, size * 24);
+  DrawBar(cairo, theme, {"", metres / METRES_PER_FOOT, "ft"}, right, top, size, room, plan);
+  DrawBar(cairo, theme, {"", metres, "m"}, right, top + size * LINE, size, room, plan);
 }

@@ -12,6 +12,10 @@
 void DrawScaleBar(cairo_t* cairo, const Theme& theme, const K7MapView& view, double right, double top,
                   double size, LabelPlan& plan);
 
+/// The same for what is measured along the ground: a bar of feet, and one of metres under it.
+void DrawGroundScale(cairo_t* cairo, const Theme& theme, const K7MapView& view, double right, double top,
+                     double size, LabelPlan& plan);
+
 /// "2,400,000": the denominator of the scale, to two digits.
 std::string Denominator(double scale);
 /// Of a scale of so many nautical miles a pixel.
