@@ -62,8 +62,8 @@ class AirportDiagramTest : public testing::Test {
   }
   bool IsRunway(double x, double y) {
     cairo_surface_flush(surface);
-    const unsigned char* const row =
-        cairo_image_surface_get_data(surface) + std::lround(std::floor(y)) * cairo_image_surface_get_stride(surface);
+    const unsigned char* const row = cairo_image_surface_get_data(surface) +
+                                     std::lround(std::floor(y)) * cairo_image_surface_get_stride(surface);
     const unsigned char* const bgr = row + std::lround(std::floor(x)) * 4;
     const Color& dark = theme[ThemeItem::Runways].fill;
     return bgr[2] == dark.red && bgr[1] == dark.green && bgr[0] == dark.blue;
@@ -135,8 +135,9 @@ TEST_F(AirportDiagramTest, LettersWhatTheSetsKnowAndNothingElse) {
       }
   }
   EXPECT_EQ(elevations, 5);  // one is unknown
-  for (const char* const text : {"16L", "34R", "16C", "34C", "16R", "34L", "ELEV 433", "displaced 394", "HS 1",
-                                 "Ramp 121.225", "Cargo Ramp", "S6, S6L", "K", "Laka Hangar", "Deice 1"})
+  for (const char* const text :
+       {"16L", "34R", "16C", "34C", "16R", "34L", "ELEV 433", "displaced 394 ft", "HS 1", "Ramp 121.225",
+        "Cargo Ramp", "S6, S6L", "K", "Laka Hangar", "Deice 1"})
     EXPECT_EQ(std::count(written.begin(), written.end(), text), 1) << text;
   // Metres of the set: 45.72 across is 150 ft.
   EXPECT_TRUE(std::any_of(written.begin(), written.end(),
@@ -162,8 +163,10 @@ TEST_F(AirportDiagramTest, SetsAreAnAirportsByTheirNameAndAttribute) {
   EXPECT_TRUE(aerodrome.IsEmpty());
   const TempDir dir;
   for (const char* const ending : {".shp", ".shx", ".dbf"}) {
-    std::filesystem::copy(std::string(SETS) + "/ksea_runway" + ending, dir / ("Runway" + std::string(ending)));
-    std::filesystem::copy(std::string(SETS) + "/ksea_apron" + ending, dir / ("cyvr_apron" + std::string(ending)));
+    std::filesystem::copy(std::string(SETS) + "/ksea_runway" + ending,
+                          dir / ("Runway" + std::string(ending)));
+    std::filesystem::copy(std::string(SETS) + "/ksea_apron" + ending,
+                          dir / ("cyvr_apron" + std::string(ending)));
   }
   ASSERT_EQ(aerodrome.Load(dir.Path(), "KSEA"), "");
   EXPECT_TRUE(aerodrome.Has(K7_SHAPE_RUNWAY));

@@ -126,8 +126,9 @@ class AirportVerb : public Verb {
   }
 
   static void TakeFrequencies(NavStore& store, const K7NavKey& key, AirportFacts& facts) {
-    static constexpr int16_t WANTED[] = {K7AirportComm::ATIS,   K7AirportComm::AWOS,  K7AirportComm::CLEARANCE,
-                                         K7AirportComm::GROUND, K7AirportComm::TOWER, K7AirportComm::UNICOM};
+    static constexpr int16_t WANTED[] = {K7AirportComm::ATIS,      K7AirportComm::AWOS,
+                                         K7AirportComm::CLEARANCE, K7AirportComm::GROUND,
+                                         K7AirportComm::TOWER,     K7AirportComm::UNICOM};
     for (const int16_t type : WANTED)
       VisitRecords<K7AirportComm>(store.AirportComms(key), [&](const K7AirportComm& comm) {
         K7String text;

@@ -26,10 +26,10 @@ struct AerodromeKind {
   const char* set;  ///< what its sets are called
   ThemeItem item;
   AerodromeMark mark;
-  const char* legend;             ///< null: none
-  const char* letters[2] = {};    ///< attributes that are written on it
-  double size = 0;                ///< of the lettering, in ordinary letters
-bool isBeside = false;  ///< else in the middle, where that has room
+  const char* legend;           ///< null: none
+  const char* letters[2] = {};  ///< attributes that are written on it
+  double size = 0;              ///< of the lettering, in ordinary letters
+  bool isBeside = false;        ///< else in the middle, where that has room
   ThemeItem ink = ThemeItem::Text;
 };
 

@@ -1,4 +1,5 @@
-// An aerodrome as its mapping sets show it: runways, taxiways, aprons, stands, buildings and what else there is.
+// An aerodrome as its mapping sets show it: runways, taxiways, aprons, stands, buildings and what else there
+// is.
 #pragma once
 
 #include "layers/layer.h"

@@ -24,9 +24,7 @@ struct Drawn {
   double length, halfWidth;
 
   // Radians clockwise from up, of who lands at an end.
-  double Turn(int end) const {
-    return end == 0 ? std::atan2(right, -down) : std::atan2(-right, down);
-  }
+  double Turn(int end) const { return end == 0 ? std::atan2(right, -down) : std::atan2(-right, down); }
   TurnedBox Box() const {
     const double mx = (x[0] + x[1]) / 2, my = (y[0] + y[1]) / 2;
     return {{mx - halfWidth, my - length / 2, mx + halfWidth, my + length / 2}, mx, my, Turn(0)};
@@ -98,7 +96,7 @@ void OfferEnd(const LayerContext& context, const Drawn& r, int number, const Run
   if (std::isfinite(end.magneticCourse))
     lines.push_back({std::string(K7FmtString("%05.1f", end.magneticCourse)) + "\u00B0", 0, 0, small});
   if (end.elev) lines.push_back({"ELEV " + std::to_string(*end.elev), 0, 0, small});
-  if (end.displaced > 0) lines.push_back({"displaced " + Feet(end.displaced), 0, 0, small});
+  if (end.displaced > 0) lines.push_back({"displaced " + Feet(end.displaced) + " ft", 0, 0, small});
   for (; !lines.empty(); lines.pop_back())
     if (OfferBeside(context, plan.PlaceOf(name).Bounds(), lines, plan)) return;
 }
@@ -113,8 +111,7 @@ void OfferMeasures(const LayerContext& context, const Drawn& r, const RunwayStri
   const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
   for (const auto& [share, side] : MEASURE_PLACES) {
     // From the middle of the runway to the baseline, above it or below.
-    const double off =
-        side > 0 ? r.halfWidth + GAP * letters : -(r.halfWidth + (GAP + CAPITALS) * letters);
+    const double off = side > 0 ? r.halfWidth + GAP * letters : -(r.halfWidth + (GAP + CAPITALS) * letters);
     const Label label = {Measures(strip),
                          r.x[0] + r.right * r.length * share + down * off,
                          r.y[0] + r.down * r.length * share - right * off,

@@ -66,3 +66,7 @@ std::optional<double> ShapeNumber(const K7ShapeTable& table, const K7ShapeRec& r
   if (error != std::errc() || stop != text.data() + text.size() || !std::isfinite(number)) return {};
   return number;
 }
+
+bool IsClosedShape(const K7ShapeTable& table, const K7ShapeRec& record) {
+  return K7String::IComp(ShapeText(table, record, "STATUS").c_str(), "Closed") == 0;
+}

@@ -11,3 +11,5 @@
 std::string ShapeText(const K7ShapeTable& table, const K7ShapeRec& record, const char* name);
 /// Nothing where `ShapeText` is empty or no number.
 std::optional<double> ShapeNumber(const K7ShapeTable& table, const K7ShapeRec& record, const char* name);
+/// What no aircraft may use: its STATUS says so.
+bool IsClosedShape(const K7ShapeTable& table, const K7ShapeRec& record);

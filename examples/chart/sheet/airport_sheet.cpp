@@ -22,7 +22,7 @@ std::string VariationText(double variation) {
   return std::string(K7FmtString("%.1f", std::fabs(variation))) + "\u00B0 " + (variation < 0 ? "W" : "E");
 }
 
-// True north, and the half arrow of magnetic north beside it.
+// True north, and magnetic north beside it, with the barb on its outer side only.
 void DrawNorth(cairo_t* cairo, const Theme& theme, double x, double top, double size, double variation) {
   const double length = size * 3.4, bottom = top + length;
   const auto arrow = [&](double turn, double head) {
@@ -30,7 +30,7 @@ void DrawNorth(cairo_t* cairo, const Theme& theme, double x, double top, double 
     cairo_move_to(cairo, x, bottom);
     cairo_line_to(cairo, tipX, tipY);
     for (const double side : {-1.0, 1.0}) {
-      if (side * head > 0 && head != 0) continue;
+      if (side * head > 0) continue;
       cairo_move_to(cairo, tipX, tipY);
       cairo_line_to(cairo, tipX + size * 0.7 * std::sin(turn + std::numbers::pi + side * 0.45),
                     tipY - size * 0.7 * std::cos(turn + std::numbers::pi + side * 0.45));
@@ -44,7 +44,7 @@ void DrawNorth(cairo_t* cairo, const Theme& theme, double x, double top, double 
 void DrawHeader(cairo_t* cairo, const ChartBox& box, const AirportFacts& facts, const Theme& theme,
                 double right) {
   const double size = box.textSize, left = EDGE * size;
-  // The picture is complete when it is cut at the arrow, whatever a name is.
+  // Long lines give way to the arrow.
   LabelPlan plan(cairo, {0, 0, right, box.y + size});
   const Lettering plain = {.size = size * 0.9};
   const std::string name = facts.name.empty() || facts.name == facts.ident ? "" : "  " + facts.name;

@@ -9,10 +9,10 @@
 struct AirportFacts {
   std::string ident, name;
   K7LatLon place;
-  std::optional<int> elev;                ///< feet
-  std::optional<double> variation;        ///< degrees, east positive
-  std::vector<std::string> frequencies;   ///< "Tower 119.900"
-  std::string source;                     ///< what it is drawn from
+  std::optional<int> elev;               ///< feet
+  std::optional<double> variation;       ///< degrees, east positive
+  std::vector<std::string> frequencies;  ///< "Tower 119.900"
+  std::string source;                    ///< what it is drawn from
 };
 
 /// The chart's place on a sheet of so many pixels.
