@@ -142,6 +142,13 @@ TEST_F(AirportDiagramTest, LettersWhatTheSetsKnowAndNothingElse) {
   // Metres of the set: 45.72 across is 150 ft.
   EXPECT_TRUE(std::any_of(written.begin(), written.end(),
                           [](const std::string& text) { return text.ends_with(" x 150 ft"); }));
+  // Half as large, no end goes without its name.
+  Show({&aerodrome, &runways}, 47.4475, -122.313, 2.6);
+  const std::vector<Label> small = Labels();
+  for (const End& end : KSEA)
+    EXPECT_TRUE(std::any_of(small.begin(), small.end(), [&](const Label& label) {
+      return label.text == end.ident;
+    })) << end.ident;
 }
 
 TEST_F(AirportDiagramTest, PicksAndExplainsWhatIsThere) {

@@ -76,21 +76,26 @@ std::string NamesOf(const RunwayStrip& strip) {
   return strip.ends[0].ident + (second.empty() ? "" : "/" + second);
 }
 
-// Painted as on the runway: upright for who lands there, and outside its end. What belongs to it stands
-// beside it, upright.
+// Painted as on the runway: upright for who lands there, and outside its end, farther out where a taxiway's
+// signs stand. False where there is no room at all.
+bool OfferName(const LayerContext& context, const Drawn& r, int number, Label& name, LabelPlan& plan) {
+  static const double FROM = 1.06, STEP = 0.5, TO = 5;  // letter sizes
+  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
+  const double size = name.lettering.size, sign = number == 0 ? -1 : 1;
+  name.turn = r.Turn(number);
+  for (double away = FROM; away < TO; away += STEP) {
+    name.x = r.x[number] + sign * r.right * away * size;
+    name.y = r.y[number] + sign * r.down * away * size;
+    if (plan.OfferWithin(window, name)) return true;
+  }
+  return false;
+}
+
+// What belongs to an end stands beside its name, upright.
 void OfferEnd(const LayerContext& context, const Drawn& r, int number, const RunwayEnd& end, double size,
               LabelPlan& plan) {
-  static const double GAP = 0.3, CAPITALS = 0.76;  // letter sizes
-  if (end.ident.empty()) return;
-  const double turn = r.Turn(number), sign = number == 0 ? -1 : 1;
-  const double away = (GAP + CAPITALS) * size;
-  const Label name = {end.ident,
-                      r.x[number] + sign * r.right * away,
-                      r.y[number] + sign * r.down * away,
-                      {.size = size, .align = Align::Centre, .bold = true, .halo = true},
-                      turn};
-  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
-  if (!plan.OfferWithin(window, name)) return;
+  Label name = {end.ident, 0, 0, {.size = size, .align = Align::Centre, .bold = true, .halo = true}};
+  if (end.ident.empty() || !OfferName(context, r, number, name, plan)) return;
   const Lettering small = {.size = size * 0.68, .halo = true};
   std::vector<Label> lines;
   if (std::isfinite(end.magneticCourse))
