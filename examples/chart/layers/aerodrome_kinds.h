@@ -4,7 +4,6 @@
 #include "ink/theme.h"
 
 #include <k7/geometry/shape.h>
-#include <k7/projection/grfx.h>
 
 #include <span>
 
