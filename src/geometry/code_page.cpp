@@ -98,6 +98,22 @@ char Printable(char c) {
   return byte == 0x81 || byte == 0x8D || byte == 0x8F || byte == 0x90 || byte == 0x9D ? '?' : c;
 }
 
+int LooksLikeUtf8(const char* text) {
+  int looks = 0;
+  for (const unsigned char* p = reinterpret_cast<const unsigned char*>(text); *p;) {
+    const unsigned char first = *p;
+    if (first < 0x80) {
+      ++p;
+    } else if (Decode(p) != 0) {
+      looks = 1;
+    } else {
+      while ((*p & 0xC0) == 0x80) ++p;
+      return first >= 0xC0 && !*p ? looks : -1;
+    }
+  }
+  return looks;
+}
+
 void Convert(Page page, char* text) {
   char* out = text;
   const unsigned char* p = reinterpret_cast<const unsigned char*>(text);

@@ -20,6 +20,11 @@ Page ByDriver(uint8_t driver);
 /// one of the five that the page leaves open, else the byte.
 char Printable(char c);
 
+/// Answers 1 for a text with characters of UTF-8, -1 for one that cannot be UTF-8, and 0 for one that does
+/// not tell: plain ASCII, or with nothing but a last character that is not whole, as where a field cut it
+/// off.
+int LooksLikeUtf8(const char* text);
+
 /// Turns a text into windows-1252, in place: it never grows. Letters that the page does not have lose their
 /// marks, other characters become "?", control characters blanks.
 void Convert(Page page, char* text);

@@ -47,6 +47,21 @@ int TakePage(const char* path, K7IO* io, k7page::Page& page) {
   return 0;
 }
 
+// What the texts themselves tell: those of other pages hardly ever follow the rules of UTF-8.
+k7page::Page PageOfTexts(const K7ShpFile& file) {
+  bool isUtf8 = false;
+  for (int i = 0; i < file.StoredCount(); ++i) {
+    const K7DbfField* const fields = file.GetRecord(i)->Attrs();
+    for (int k = 0; fields && k < file.FieldCount(); ++k) {
+      if (file.Field(k)->type != 'C' || !fields[k].text) continue;
+      const int looks = k7page::LooksLikeUtf8(fields[k].text);
+      if (looks < 0) return k7page::WINDOWS_1252;
+      isUtf8 = isUtf8 || looks > 0;
+    }
+  }
+  return isUtf8 ? k7page::UTF_8 : k7page::WINDOWS_1252;
+}
+
 void ConvertTexts(k7page::Page page, const K7ShpFile& file) {
   for (int i = 0; i < file.StoredCount(); ++i) {
     const K7DbfField* const fields = file.GetRecord(i)->Attrs();
@@ -123,7 +138,7 @@ int Load(K7ShpLayerStore& store, const char* path, K7IO* io) {
   k7page::Page page = nullptr;
   if (const int err = TakePage(path, io, page)) return err;
   if (!page) page = k7page::ByDriver(store.file->DbfHeader().languageDriver);
-  if (!page) page = k7page::WINDOWS_1252;
+  if (!page) page = PageOfTexts(*store.file);
   ConvertTexts(page, *store.file);
   if (const int err = TakeFields(store, page)) return err;
   return TakeRecords(store);
@@ -144,11 +159,15 @@ int K7ShpLayer::Read(const char* path, K7IO* io, K7ShpFile* reader) {
   if (!path || !io) return K7_ERR_BAD_ARGUMENT;
   if (!store || !file) return K7_ERR_MEMORY;
   store->file = std::move(file);
-  if (const int err = Load(*store, path, io)) return err;
+  if (const int err = Load(*store, path, io)) {
+    if (m_store) m_store->badFile = store->file->BadFile();
+    return err;
+  }
   delete std::exchange(m_store, store.release());
   return 0;
 }
 
+K7ShpPart K7ShpLayer::BadFile() const { return m_store ? m_store->badFile : K7_SHP_NO_FILE; }
 const K7ShpFile* K7ShpLayer::File() const { return m_store ? m_store->file.get() : nullptr; }
 K7ShapeTable* K7ShpLayer::Table() const { return m_store ? &m_store->table : nullptr; }
 const char* K7ShpLayer::Name() const { return m_store ? static_cast<const char*>(m_store->name) : ""; }

@@ -39,6 +39,7 @@ class ShpTable final : public K7ShapeTable {
 struct K7ShpLayerStore {
   K7String name;
   std::unique_ptr<K7ShpFile> file;
+  K7ShpPart badFile = K7_SHP_NO_FILE;
   std::unique_ptr<ShpLayerRec[]> records;
   std::unique_ptr<K7String[]> fields;  // their names: those of the file may lack a terminator
   int count = 0;

@@ -3,10 +3,10 @@
 
 #include <k7/export.h>
 #include <k7/geometry/shape.h>
+#include <k7/geometry/shp_file.h>
 
 class K7IO;
 class K7MapFeatures;
-class K7ShpFile;
 struct K7ShpLayerStore;
 
 /// A layer whose records are those of one shapefile set, in one table, index 0. Keys count the records from
@@ -23,8 +23,9 @@ struct K7ShpLayerStore;
 ///
 /// Texts are handed out in windows-1252. What they are in says the set's ".cpg" file (UTF-8, ISO 8859-1 and
 /// -15, Windows 1250, 1252, 1254 and 1257, DOS 437 and 850), or else the language byte of its table; without
-/// a known one they are taken as they stand. Letters that windows-1252 does not have lose their marks, other
-/// characters and bytes that it leaves open become "?", control characters blanks.
+/// a known one they are UTF-8 where all of them can be, else taken as they stand. Letters that windows-1252
+/// does not have lose their marks, other characters and bytes that it leaves open become "?", control
+/// characters blanks.
 ///
 /// One thread reads; afterwards any number of threads may use the layer and its records. `FreeMemCache` and
 /// `FreeCache` are for a moment when no other thread does.
@@ -42,6 +43,9 @@ class K7_API K7ShpLayer : public K7Shape {
   /// empty K7_ERR_BAD_ARGUMENT for null, K7_ERR_MEMORY, K7_ERR_FILE_IO for a ".cpg" file that cannot be read,
   /// or the code of `K7ShpFile::Read`.
   int Read(const char* path, K7IO* io, K7ShpFile* reader = nullptr);
+
+  /// Answers which file of the set the last `Read` found missing or damaged, as `K7ShpFile::BadFile`.
+  K7ShpPart BadFile() const;
 
   /// Answers the set as read; texts of its records are in windows-1252. Null before `Read`.
   const K7ShpFile* File() const;
