@@ -16,6 +16,12 @@ class Silent : public Progress {
   void Within(double) override {}
 };
 
+inline std::vector<std::string> TextsUnder(Chart& chart, double x, double y) {
+  std::vector<std::string> texts;
+  for (const Picked& thing : chart.Pick(x, y)) texts.push_back(thing.text);
+  return texts;
+}
+
 class ChartTest : public testing::Test {
  protected:
   ChartTest() : land(ThemeItem::Land, K7_SAMPLE_DATA "/ne_110m_land.shp") {

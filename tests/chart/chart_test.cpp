@@ -97,7 +97,7 @@ TEST_F(ChartTest, PictureRecordingAndPickingAgree) {
         chart.Render(&recorder);
         const bool isLand = recorder.color > 0;
         const bool isMap = recorder.color < 0.05 && recorder.color > -0.05 ? false : true;
-        const std::vector<std::string> found = chart.Pick(x + 0.5, y + 0.5);
+        const std::vector<Picked> found = chart.Pick(x + 0.5, y + 0.5);
         pictures += (pixel[2] > pixel[0]) == isLand;
         picks += !isMap || !found.empty() == isLand;
         lands += isLand;
@@ -160,7 +160,7 @@ TEST_F(ChartTest, RiversAndTheirLakesAreDrawnApartAndFoundByName) {
       double x, y;
       ASSERT_TRUE(waters.View()->ToDevice(at.y, at.x, x, y));
       for (double away = 0; away < 12; away += 1.7) {
-        const std::vector<std::string> found = waters.Pick(x + away, y - away);
+        const std::vector<std::string> found = TextsUnder(waters, x + away, y - away);
         EXPECT_EQ(!found.empty(), inks.Distance(x + away, y - away) <= 4 * scale) << expected << away;
         EXPECT_TRUE(away > 0 || std::count(found.begin(), found.end(), expected)) << expected;
       }

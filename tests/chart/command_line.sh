@@ -127,7 +127,8 @@ kansas=(--center "N38 30 W98 00" --projection stereographic --layer land)
 picks() {  # pixel, its line, the line below it or nothing, then arguments
   local pixel=$1 first=$2 second=$3 said
   shift 3
-  said=$("$chart" pick "$pixel" "$@" 2>&1)
+  said=$("$chart" pick "$pixel" "$@" 2>&1 |
+    sed -E '1s/  (no elevation|-?[0-9]+ ft  -?[0-9]+ m)  variation [0-9]+\.[0-9]° [EW]$//')
   [ "$said" = "$pixel  $first${second:+$'\n'    $second}" ] || fail "said of pick $pixel $*: $said"
 }
 middle='N38 30.000 W098 00.000'
@@ -150,6 +151,21 @@ for pixel in 70,38 1530,910 70,910 1530,38; do
   "$chart" pick $pixel --range 10 | grep -q "^$pixel  N4" || fail "the frame's corner $pixel"
 done
 [ "$("$chart" pick 800,474 1,1 --range 10 --layer rivers | wc -l)" = 2 ] || fail "two pixels"
+elev=$("$chart" elev "48.5 -123.5" | sed -E 's/  posts .*//')
+"$chart" pick 800,474 --range 10 --layer rivers | grep -q "^800,474  $elev  variation 1[45]\.[0-9]° E$" || fail "the elevation of a pixel"
+# Texts of a set in UTF-8 are UTF-8 in lines and windows-1252 in XML.
+for ending in shp shx; do cp "$sample/ne_110m_land.$ending" "accent.$ending"; done
+LC_ALL=C sed $'s/Country/C\xc3\xb4untr/g' "$sample/ne_110m_land.dbf" >accent.dbf
+echo UTF-8 >accent.cpg
+picks 800,474 "$middle" "accent: Côuntr" "${kansas[@]:0:4}" --layer accent.shp
+"$chart" pick 800,474 3,3 "${kansas[@]:0:4}" --layer accent.shp --xml | iconv -f windows-1252 -t utf-8 >accent.xml
+for line in '<Nothing>outside the chart.*</Nothing>' '<Record Layer="accent" Text="accent: Côuntr">' '<featurecla Name="featurecla">Côuntr</featurecla>'; do
+  grep -q "$line" accent.xml || fail "no $line in XML"
+done
+# Records are those of the library, and the whole is XML to others.
+"$chart" pick 800,474 1,1 --range 20 --center "N47 27 W122 18.6" --xml --full >sea.xml
+grep -q '<Ident Name="Ident">KSEA</Ident>' sea.xml && grep -q 'V23: SEA' sea.xml || fail "the records of a pixel"
+! command -v xmllint >/dev/null || xmllint --noout sea.xml || fail "XML"
 
 # Sets by file are what their name says; folders with one scale only serve all ranges; the environment names a folder.
 mkdir coarse fine empty
@@ -291,6 +307,7 @@ refuses "pick needs at least one pixel" pick
 refuses "not '3'" pick 3
 refuses "not '3,x'" pick 3,x
 refuses "not 'x,3'" pick x,3
+refuses "--full needs --xml" pick 3,3 --full
 refuses "a route needs two ends" route KSEA
 refuses "unexpected argument 'KPAE'" route KSEA CYVR KPAE
 refuses "there is no airport, navaid or fix 'KSAE'; spelled like it are KPAE, KSEA" route KSAE CYVR

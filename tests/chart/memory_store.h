@@ -38,6 +38,11 @@ class MemoryStore : public SmallStore {
     return leg;
   }
 
+  const K7NavRec* GetRec(const K7NavKey& key) override {
+    for (const auto& record : m_records)
+      if (record->key == key) return record.get();
+    return nullptr;
+  }
   K7NavQueryResult* AreaQuery(K7NavType type, const K7ChartRect& area) override {
     return Where([&](const K7NavRec& r) { return r.Type() == type && In(r, area); });
   }

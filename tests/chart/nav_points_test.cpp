@@ -63,7 +63,7 @@ class NavPointsTest : public testing::Test {
     double x = 0, y = 0;
     if (!chart.View()->ToDevice(K7NavData::FixPt2DecDeg(field.lat), K7NavData::FixPt2DecDeg(field.lon), x, y))
       return false;
-    const std::vector<std::string> found = chart.Pick(x, y);
+    const std::vector<std::string> found = TextsUnder(chart, x, y);
     return std::any_of(found.begin(), found.end(), [&](const std::string& text) {
       return text.starts_with(std::string(field.ident) + " (FIELD) airport");
     });
@@ -260,11 +260,16 @@ TEST_F(NavPointsTest, PickSaysWhatIsThere) {
   const auto under = [](Chart& c, double lat) {
     double x = 0, y = 0;
     c.View()->ToDevice(lat, -122.31, x, y);
-    return c.Pick(x + 2, y);
+    return TextsUnder(c, x + 2, y);
   };
   EXPECT_EQ(under(chart, 47.45),
             Found{"KSEA (SEATTLE-TACOMA INTL) airport, 433 ft, longest runway 11900 ft"});
   EXPECT_EQ(under(chart, 47.6), Found{"BF NDB, 362.5 kHz"});
+  double x = 0, y = 0;
+  chart.View()->ToDevice(47.6, -122.31, x, y);
+  K7String document;
+  ASSERT_EQ(store.ToXML(&ndb, K7XML_DISPLAY, document), 0);
+  EXPECT_EQ(chart.Pick(x, y).at(0).records(K7XML_DISPLAY), Found{std::string(document)});
   EXPECT_EQ(under(chart, 47.3), Found{"JAWBN fix"});
   EXPECT_EQ(under(chart, 47.35), Found{});
   EXPECT_EQ(under(empty, 47.45), Found{});

@@ -219,7 +219,7 @@ TEST(Ink, LettersFillTheirBoxes) {
         EXPECT_NEAR(std::lerp(box.left, box.right, share), 100, 3);
         EXPECT_FALSE(plan.Offer({"off", 100, 5, {.size = 20}}));
       }
-  EXPECT_EQ(Utf8("N48\xb0\x7f\x80\xff"), "N48°\x7f\u0080ÿ");
+  EXPECT_EQ(Utf8("N48\xb0\x7f\x80\xff"), "N48°\x7f€ÿ");
 }
 
 // Holes stay open; triangles whichever way they run, pictures where they are put.

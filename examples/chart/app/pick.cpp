@@ -3,10 +3,14 @@
 #include "app/arrange_layers.h"
 #include "app/chart_options.h"
 #include "app/drawing.h"
+#include "app/elevations.h"
+#include "app/pixel_answer.h"
 #include "app/progress_line.h"
-#include "app_common/position_text.h"
 #include "app_common/verb.h"
 #include "sheet/page.h"
+
+#include <k7/geodesy/magvar.h>
+#include <k7/io/xml_elem.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -17,6 +21,24 @@ struct Pixel {
   double x, y;
 };
 
+struct AnswerOptions {
+  bool asXML = false;
+  K7XmlOutputType_t type = K7XML_DISPLAY;
+};
+
+constexpr OptionRow<AnswerOptions> ANSWER_OPTIONS[] = {
+    {"--xml", nullptr, "answers one XML document in windows-1252, with what there is to read of each record",
+     [](const char*, AnswerOptions& options) {
+       options.asXML = true;
+       return std::string();
+     }},
+    {"--full", nullptr, "with --xml: keys and all details of the records",
+     [](const char*, AnswerOptions& options) {
+       options.type = K7XML_FULL;
+       return std::string();
+     }},
+};
+
 class Pick : public Verb {
  public:
   void AddOptions(OptionTable& table) override {
@@ -25,6 +47,7 @@ class Pick : public Verb {
     AddLayerOptions(table, m_layers);
     AddDataOptions(table, m_layers);
     AddSizeOptions(table, m_sheet);
+    table.Add(ANSWER_OPTIONS, m_answer);
   }
 
   std::string TakeArgument(const std::string& argument) override {
@@ -39,6 +62,11 @@ class Pick : public Verb {
 
   std::string Run() override {
     if (m_pixels.empty()) return "pick needs at least one pixel, as 812,440";
+    if (m_answer.type == K7XML_FULL && !m_answer.asXML) return "--full needs --xml";
+    if (std::string problem = WhyNoMagneticModel(m_layers.magnetic); !problem.empty()) return problem;
+    Elevations terrain;
+    if (const std::string folder = TerrainFolder(m_layers); !folder.empty())
+      if (std::string problem = terrain.Open(folder); !problem.empty()) return problem;
     ProgressLine progress;
     LayerStack stack;
     if (std::string problem = stack.Load(m_layers, DataScaleOf(m_request), true, progress); !problem.empty())
@@ -54,8 +82,9 @@ class Pick : public Verb {
     // As they would stand in the picture: what has no room is not there to be picked.
     const Page measure(PageFormat::PNG, 1, 1);
     PlanLabels(measure.Cairo(), box, chart);
-    for (const Pixel& pixel : m_pixels) Print(chart, window, pixel);
-    return {};
+    std::vector<PixelAnswer> answers;
+    for (const Pixel& pixel : m_pixels) answers.push_back(Ask(chart, window, pixel, terrain));
+    return m_answer.asXML ? PrintXML(answers) : Print(answers);
   }
 
  private:
@@ -69,25 +98,45 @@ class Pick : public Verb {
            view.FromDevice(dx, dy, lat, lon);
   }
 
-  void Print(Chart& chart, const ChartWindow& window, const Pixel& pixel) const {
+  PixelAnswer Ask(Chart& chart, const ChartWindow& window, const Pixel& pixel, Elevations& terrain) const {
     const double dx = pixel.x - window.x, dy = pixel.y - window.y;
-    std::printf("%g,%g  ", pixel.x, pixel.y);
+    PixelAnswer answer = {.x = pixel.x, .y = pixel.y};
     double lat, lon;
     if (pixel.x < 0 || pixel.y < 0 || pixel.x > m_sheet.width || pixel.y > m_sheet.height) {
-      std::puts("outside the picture");
+      answer.nothing = "outside the picture";
     } else if (dx < 0 || dy < 0 || dx > window.width || dy > window.height) {
-      std::puts("outside the chart's frame");
+      answer.nothing = "outside the chart's frame";
     } else if (!IsDrawn(*chart.View(), dx, dy, lat, lon)) {
-      std::puts("off the map");
+      answer.nothing = "off the map";
     } else {
-      std::puts(PositionText({lat, lon}).c_str());
-      for (const std::string& found : chart.Pick(dx, dy)) std::printf("    %s\n", found.c_str());
+      answer.place = {lat, lon};
+      answer.feet = terrain.Find(lat, lon, 0).feet;
+      answer.variation = K7MagVar::GetMagVar()->Position(lat, lon, 0, 0, 0);
+      answer.found = chart.Pick(dx, dy);
     }
+    return answer;
+  }
+
+  static std::string Print(const std::vector<PixelAnswer>& answers) {
+    for (const PixelAnswer& answer : answers) std::fputs(TextOf(answer).c_str(), stdout);
+    return {};
+  }
+
+  std::string PrintXML(const std::vector<PixelAnswer>& answers) const {
+    static const char* const AS_DECLARED = R"(version="1.0" encoding="windows-1252")";
+    const K7XmlElem declaration("xml", nullptr, AS_DECLARED, K7XmlElem::DECLARATION);
+    K7XmlElem root("Pick");
+    for (const PixelAnswer& answer : answers) AddXML(answer, m_answer.type, root);
+    K7String text;
+    if (declaration.Write(text) != 0 || root.Write(text) != 0) return "out of memory";
+    std::fputs(text, stdout);
+    return {};
   }
 
   ChartRequest m_request;
   LayerOptions m_layers;
   SheetOptions m_sheet;
+  AnswerOptions m_answer;
   std::vector<Pixel> m_pixels;
 };
 

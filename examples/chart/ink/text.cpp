@@ -1,6 +1,7 @@
 #include "ink/text.h"
 
 #include "ink/pen.h"
+#include "store/text_1252.h"
 
 namespace {
 
@@ -43,16 +44,4 @@ void WriteText(cairo_t* cairo, const Theme& theme, const std::string& text, doub
   cairo_new_path(cairo);
 }
 
-std::string Utf8(const char* latin1) {
-  std::string out;
-  for (; *latin1; ++latin1) {
-    const unsigned char c = static_cast<unsigned char>(*latin1);
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-    } else {
-      out += static_cast<char>(0xC0 | (c >> 6));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-  }
-  return out;
-}
+std::string Utf8(const char* text) { return Utf8Of1252(text); }

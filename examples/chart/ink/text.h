@@ -25,5 +25,5 @@ void WriteText(cairo_t* cairo, const Theme& theme, const std::string& text, doub
                const Lettering& lettering);
 double TextWidth(cairo_t* cairo, const std::string& text, double size, bool bold = false);
 
-/// Text of the library, in which the degree sign is one byte, as UTF-8.
-std::string Utf8(const char* latin1);
+/// Text of the library, which is windows-1252, as UTF-8.
+std::string Utf8(const char* text);

@@ -251,7 +251,7 @@ void AerodromeLayer::AddToLegend(const LayerContext& context, std::vector<Legend
 }
 
 void AerodromeLayer::Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
-                          std::vector<std::string>& found) {
+                          std::vector<Picked>& found) {
   PickGrfx picker(dx, dy);
   for (const Set& set : m_sets) {
     const double reach = PICK_REACH * context.scale;
@@ -269,7 +269,7 @@ void AerodromeLayer::Pick(const LayerContext& context, K7MapPath& path, double d
     for (K7ShapeRec* const record : set.shown) {
       K7String text;
       if (isUnder(*record) && set.layer->GetDescription(record, text) == 0)
-        found.push_back(Utf8Of1252(static_cast<const char*>(text)));
+        found.push_back(PickedShape(Utf8Of1252(static_cast<const char*>(text)), *set.layer, *record));
     }
   }
 }

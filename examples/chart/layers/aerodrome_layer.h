@@ -35,7 +35,7 @@ class AerodromeLayer : public Layer {
   void OfferLabels(const LayerContext& context, K7MapPath& path, double size, LabelPlan& plan) override;
   void AddToLegend(const LayerContext& context, std::vector<LegendEntry>& legend) const override;
   void Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
-            std::vector<std::string>& found) override;
+            std::vector<Picked>& found) override;
 
  private:
   struct Set {

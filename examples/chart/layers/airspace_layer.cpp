@@ -203,10 +203,11 @@ void AirspaceLayer::OfferLabels(const LayerContext& context, K7MapPath&, double 
 }
 
 void AirspaceLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
-                         std::vector<std::string>& found) {
+                         std::vector<Picked>& found) {
   double lat, lon;
   if (!context.view.FromDevice(dx, dy, lat, lon)) return;
   for (const Airspace& airspace : m_airspaces)
     if (m_features.Contains(airspace.feature, lat, lon))
-      found.push_back("airspace " + airspace.name + ", " + airspace.limits);
+      found.push_back(
+          PickedRecords("airspace " + airspace.name + ", " + airspace.limits, *m_data, {airspace.key}));
 }

@@ -21,7 +21,7 @@ class AirspaceLayer : public Layer {
   void DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) override;
   void OfferLabels(const LayerContext& context, K7MapPath& path, double size, LabelPlan& plan) override;
   void Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
-            std::vector<std::string>& found) override;
+            std::vector<Picked>& found) override;
 
  private:
   struct Airspace {

@@ -236,15 +236,17 @@ void AirwayLayer::OfferDetails(const LayerContext& context, double size, LabelPl
 }
 
 void AirwayLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
-                       std::vector<std::string>& found) {
+                       std::vector<Picked>& found) {
   for (const Shown& shown : m_shown) {
     if (shown.line.Distance({dx, dy}) > PICK_REACH * context.scale) continue;
     const AirwayLeg& leg = shown.leg;
     K7String distance;
     distance.Format(", %.1f NM", leg.distance);
     const std::string minimum = MinimumText(leg);
-    found.push_back("airway " + JoinedNames(leg) + ": " + leg.from.ident + " " + CourseText(leg, true) +
-                    " - " + leg.to.ident + " " + CourseText(leg, false) + std::string(distance) +
-                    (minimum.empty() ? "" : ", not below " + minimum));
+    found.push_back(PickedRecords("airway " + JoinedNames(leg) + ": " + leg.from.ident + " " +
+                                      CourseText(leg, true) + " - " + leg.to.ident + " " +
+                                      CourseText(leg, false) + std::string(distance) +
+                                      (minimum.empty() ? "" : ", not below " + minimum),
+                                  *m_data, leg.segments));
   }
 }

@@ -20,7 +20,7 @@ class AirwayLayer : public Layer {
   void OfferLabels(const LayerContext& context, K7MapPath& path, double size, LabelPlan& plan) override;
   void OfferDetails(const LayerContext& context, double size, LabelPlan& plan) override;
   void Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
-            std::vector<std::string>& found) override;
+            std::vector<Picked>& found) override;
 
  private:
   struct Shown {

@@ -44,6 +44,7 @@ char DirectionOf(const K7AirwaySeg& s, bool turned) {
 }
 
 void AddAirway(const K7AirwaySeg& s, bool turned, AirwayLeg& leg) {
+  leg.segments.push_back(s.key);
   if (std::find(leg.names.begin(), leg.names.end(), s.ident) == leg.names.end())
     leg.names.emplace_back(s.ident);
   // Either way is flown at the higher of both.

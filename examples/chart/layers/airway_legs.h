@@ -18,6 +18,7 @@ struct AirwayLeg {
     K7LatLon place;
   };
   End from, to;
+  std::vector<K7NavKey> segments;  ///< of all airways
   std::vector<std::string> names;  ///< of all airways, the low ones first
   std::vector<K7Alt> minima;       ///< minimum altitudes that differ, in the order of the names
   K7Course course, back;           ///< as the records have them; words 0 for none

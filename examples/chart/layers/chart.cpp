@@ -171,10 +171,14 @@ std::vector<LegendEntry> Chart::Legend() const {
   return legend;
 }
 
-std::vector<std::string> Chart::Pick(double dx, double dy) {
-  std::vector<std::string> found;
+std::vector<Picked> Chart::Pick(double dx, double dy) {
+  std::vector<Picked> found;
   if (!m_view) return found;
-  VisitShown([&](Layer& layer) { layer.Pick(Context(), *m_path, dx, dy, found); });
+  VisitShown([&](Layer& layer) {
+    const size_t first = found.size();
+    layer.Pick(Context(), *m_path, dx, dy, found);
+    for (size_t i = first; i < found.size(); ++i) found[i].layer = layer.Name();
+  });
   std::reverse(found.begin(), found.end());
   return found;
 }

@@ -65,7 +65,7 @@ class Chart : public K7Chart {
   /// The kinds of symbols that are drawn, the uppermost layer's first; valid as long as the view is.
   std::vector<LegendEntry> Legend() const;
   /// What is drawn under a pixel, the uppermost layer first.
-  std::vector<std::string> Pick(double dx, double dy);
+  std::vector<Picked> Pick(double dx, double dy);
   /// Denominator of the coarsest data that are shown; 0 when none has a scale.
   double DataScale() const;
 

@@ -157,8 +157,8 @@ void ContourLayer::AddToLegend(const LayerContext& context, std::vector<LegendEn
 }
 
 void ContourLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
-                        std::vector<std::string>& found) {
+                        std::vector<Picked>& found) {
   for (const Contour& contour : Lines(context))
     if (contour.line.Distance({dx, dy}) <= PICK_REACH * context.scale)
-      found.push_back("contour: " + FeetText(contour.feet) + " ft");
+      found.push_back({"contour: " + FeetText(contour.feet) + " ft"});
 }

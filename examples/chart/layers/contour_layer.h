@@ -30,7 +30,7 @@ class ContourLayer : public Layer {
   void OfferDetails(const LayerContext& context, double size, LabelPlan& plan) override;
   void AddToLegend(const LayerContext& context, std::vector<LegendEntry>& legend) const override;
   void Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
-            std::vector<std::string>& found) override;
+            std::vector<Picked>& found) override;
 
   const std::vector<Contour>& Lines(const LayerContext& context);
 

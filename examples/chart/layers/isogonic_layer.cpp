@@ -81,8 +81,8 @@ void IsogonicLayer::OfferLabels(const LayerContext& context, K7MapPath&, double 
 }
 
 void IsogonicLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
-                         std::vector<std::string>& found) {
+                         std::vector<Picked>& found) {
   for (const Isogonic& isogonic : m_lines)
     if (isogonic.line.Distance({dx, dy}) <= PICK_REACH * context.scale)
-      found.push_back("isogonic: magnetic variation " + VariationText(isogonic.variation));
+      found.push_back({"isogonic: magnetic variation " + VariationText(isogonic.variation)});
 }

@@ -22,7 +22,7 @@ class IsogonicLayer : public Layer {
   void DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) override;
   void OfferLabels(const LayerContext& context, K7MapPath& path, double size, LabelPlan& plan) override;
   void Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
-            std::vector<std::string>& found) override;
+            std::vector<Picked>& found) override;
 
   const std::vector<Isogonic>& Lines() const { return m_lines; }
 

@@ -5,6 +5,7 @@
 #include "ink/progress.h"
 #include "ink/theme.h"
 #include "layers/device_line.h"
+#include "layers/picked.h"
 
 #include <k7/projection/map_path.h>
 #include <k7/projection/map_view.h>
@@ -60,9 +61,9 @@ class Layer {
   virtual void OfferDetails(const LayerContext&, double /*size*/, LabelPlan&) {}
   /// Adds each kind of symbol that is drawn and not there yet.
   virtual void AddToLegend(const LayerContext&, std::vector<LegendEntry>&) const {}
-  /// Adds a line of text for each thing that is drawn under a device point.
+  /// Adds each thing that is drawn under a device point.
   virtual void Pick(const LayerContext&, K7MapPath&, double /*dx*/, double /*dy*/,
-                    std::vector<std::string>& /*found*/) {}
+                    std::vector<Picked>& /*found*/) {}
   /// The lines beside which a chart stays bright when what is off a route is dimmed.
   virtual std::vector<DeviceLine> Corridor() const { return {}; }
   /// The denominator of the scale at which the layer's data were made, 110000000 for 1:110,000,000; 0 when it

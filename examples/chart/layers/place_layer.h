@@ -37,11 +37,12 @@ class PlaceLayer : public Layer {
   }
 
   void Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
-            std::vector<std::string>& found) override {
+            std::vector<Picked>& found) override {
     static const double REACH = 2;
     for (const Place& place : m_places)
       if (place.isShown && BoxOf(context, place).Meets(BoxAbout(dx, dy, REACH * context.scale)))
-        found.push_back(IdentAndName(place) + " " + KindOf(place) + Details(place));
+        found.push_back(
+            PickedRecords(IdentAndName(place) + " " + KindOf(place) + Details(place), *m_data, {place.key}));
   }
 
   void AddToLegend(const LayerContext& context, std::vector<LegendEntry>& legend) const override {

@@ -283,13 +283,13 @@ void RouteLayer::OfferLabels(const LayerContext& context, K7MapPath&, double siz
 }
 
 void RouteLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
-                      std::vector<std::string>& found) {
+                      std::vector<Picked>& found) {
   for (const Line& line : m_lines) {
     if (line.line.Distance({dx, dy}) > PICK_REACH * context.scale) continue;
     const RouteLeg& leg = m_route.legs[line.leg];
-    found.push_back("route " + m_route.fixes[line.leg].ident + " - " + m_route.fixes[line.leg + 1].ident +
-                    (leg.airway.empty() ? ", direct, " : ", " + leg.airway + ", ") + Degrees(leg) + ", " +
-                    Miles(leg.distance));
+    found.push_back({"route " + m_route.fixes[line.leg].ident + " - " + m_route.fixes[line.leg + 1].ident +
+                     (leg.airway.empty() ? ", direct, " : ", " + leg.airway + ", ") + Degrees(leg) + ", " +
+                     Miles(leg.distance)});
   }
 }
 

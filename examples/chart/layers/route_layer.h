@@ -20,7 +20,7 @@ class RouteLayer : public Layer {
   /// Ends first, then the fixes where the airway changes, legs, and the other fixes.
   void OfferLabels(const LayerContext& context, K7MapPath& path, double size, LabelPlan& plan) override;
   void Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
-            std::vector<std::string>& found) override;
+            std::vector<Picked>& found) override;
   std::vector<DeviceLine> Corridor() const override;
 
  private:

@@ -204,13 +204,13 @@ void RunwayLayer::AddToLegend(const LayerContext& context, std::vector<LegendEnt
 }
 
 void RunwayLayer::Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
-                       std::vector<std::string>& found) {
+                       std::vector<Picked>& found) {
   Drawn drawn;
   for (const RunwayStrip& strip : m_runways) {
     if (m_areas == Areas::None || !Place(context, strip, drawn)) continue;
     PickGrfx picker(dx, dy);
     picker.Clear();
     AddPart(picker, drawn, 0, 1);
-    if (picker.Covers()) found.push_back("Runway " + NamesOf(strip) + ", " + Measures(strip));
+    if (picker.Covers()) found.push_back({"Runway " + NamesOf(strip) + ", " + Measures(strip)});
   }
 }

@@ -1,15 +1,19 @@
 #include "layers/shape_layer.h"
 
+#include "ink/readable.h"
+#include "ink/text.h"
 #include "layers/pick_grfx.h"
 
 #include <k7/foundation/error_string.h>
+#include <k7/geometry/shape_rec.h>
+#include <k7/geometry/shape_table.h>
 #include <k7/io/io.h>
 
-#include <cerrno>
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
+#include <memory>
 
 namespace {
 
@@ -17,19 +21,33 @@ constexpr double POINT_SIZE = 3.2;  // pixels across
 // A line is under a pixel that is at most this far from it.
 constexpr double PICK_REACH = 4;
 
-K7MapFeatureKind KindOf(const K7ShpObj& shape) {
-  switch (shape.Type()) {
-    case K7_SHP_POLYGON:
-    case K7_SHP_POLYGON_Z:
-    case K7_SHP_POLYGON_M:
-      return K7_MAP_AREA;
-    default:
-      return shape.GetPolyCount() > 0 ? K7_MAP_LINES : K7_MAP_POINTS;
+// Reports how far the reading has come.
+class Reader : public K7ShpFile {
+ public:
+  explicit Reader(Progress& progress) : m_progress(progress) {}
+  K7ShpRecord* NextRecord() override {
+    if (RecordCount() > 0) m_progress.Within(static_cast<double>(StoredCount()) / RecordCount());
+    return K7ShpFile::NextRecord();
   }
+
+ private:
+  Progress& m_progress;  // of the loading, which is all the reading there is
+};
+
+bool IsArea(const K7ShpObj& shape) {
+  return shape.Type() == K7_SHP_POLYGON || shape.Type() == K7_SHP_POLYGON_Z ||
+         shape.Type() == K7_SHP_POLYGON_M;
 }
 
-// The feature of a record that has none, so that the two are counted alike.
-bool AddNothing(K7MapFeatures& features) { return features.Add(K7_MAP_POINTS, nullptr, nullptr, 0) >= 0; }
+// UTF-8; empty for what is absent and for numbers.
+std::string TextOf(const K7ShapeTable& table, int record, const char* field) {
+  const int i = table.FindAttrib(field);
+  K7ShapeAttrib value;
+  if (table.AttribType(i) != K7_ATTRIB_TEXT || table.GetAttrib(*table.GetRecord(record), i, value) != 0)
+    return {};
+  const char* const text = value;
+  return text ? Utf8(text) : std::string();
+}
 
 // What cannot be read, `ending` being that of one of the three files of a set.
 std::string Unreadable(const std::filesystem::path& set, const char* ending, const std::string& why) {
@@ -44,9 +62,8 @@ std::string MissingFile(const std::filesystem::path& set) {
   for (const char* const ending : {".shp", ".dbf", ".shx"}) {
     const bool isMain = K7String::IComp(set.extension().string().c_str(), ending) == 0;
     const std::filesystem::path path = isMain ? set : std::filesystem::path(set).replace_extension(ending);
-    std::FILE* const file = std::fopen(path.string().c_str(), "rb");
-    if (!file) return Unreadable(set, ending, std::strerror(errno));
-    std::fclose(file);
+    if (const std::string why = WhyUnreadable(path.string()); !why.empty())
+      return Unreadable(set, ending, why);
   }
   return {};
 }
@@ -55,46 +72,57 @@ std::string MissingFile(const std::filesystem::path& set) {
 
 std::string ShapeLayer::Name() const { return std::filesystem::path(m_path).stem().string(); }
 
-K7ShpRecord* ShapeLayer::File::NextRecord() {
-  if (progress && RecordCount() > 0) progress->Within(static_cast<double>(StoredCount()) / RecordCount());
-  return K7ShpFile::NextRecord();
-}
-
 std::string ShapeLayer::Load(Progress& progress) {
   progress.Step("reading " + Name());
   if (std::string missing = MissingFile(m_path); !missing.empty()) return missing;
-  m_file.progress = &progress;
-  m_file.KeepNullShapes(true);
-  const int code = m_file.Read(m_path.c_str(), K7IO::Inst());
-  m_file.progress = nullptr;
+  const int code = m_set.Read(m_path.c_str(), K7IO::Inst(), new Reader(progress));
   const char* const message = K7ErrorString::ErrorString(code);
   const char* const endings[] = {".shp", ".shp", ".dbf", ".shx"};  // by K7ShpPart
-  if (code != 0) return Unreadable(m_path, endings[m_file.BadFile()], message ? message : "unknown error");
+  if (code != 0) return Unreadable(m_path, endings[m_set.BadFile()], message ? message : "unknown error");
 
-  const int featureClass = m_file.FindField("featurecla");
-  bool hasPosition = m_file.StoredCount() == 0;
-  for (int i = 0; i < m_file.StoredCount(); ++i) {
-    const K7ShpRecord& record = *m_file.GetRecord(i);
-    const bool added = record.Obj() ? AddFeature(*record.Obj(), i, hasPosition) : AddNothing(m_features);
-    if (!added) return "out of memory";
-    hasPosition = hasPosition || m_features.PointCount(i) > 0;
-    m_isLakeLine.push_back(std::strncmp(record.Text(featureClass), "Lake", 4) == 0);
-  }
+  bool hasPosition = m_set.Table()->RecordCount() == 0;
+  if (!TakeAreas(hasPosition) || !TakeLines(hasPosition)) return "out of memory";
   // Sets in projected coordinates have none, and would draw nothing.
   return hasPosition ? std::string() : "the shapefile set '" + m_path + "' has no positions in degrees";
 }
 
-bool ShapeLayer::AddFeature(const K7ShpObj& shape, int record, bool& hasPosition) {
-  if (KindOf(shape) == K7_MAP_AREA)
-    return m_areas.Add(static_cast<const K7ShpPoly&>(shape), record, hasPosition) && AddNothing(m_features);
-  const K7ShpXY* const xy = shape.Points();
-  m_points.clear();
-  m_sizes.clear();
-  for (int i = 0; xy && i < shape.GetPointCount(); ++i) m_points.emplace_back(xy[i].y, xy[i].x);
-  for (int i = 0; i < shape.GetPolyCount(); ++i) m_sizes.push_back(shape.GetPolySize(i));
-  if (shape.GetPolyCount() == 0) m_sizes.push_back(static_cast<int>(m_points.size()));
-  return m_features.Add(KindOf(shape), m_points.data(), m_sizes.data(), static_cast<int>(m_sizes.size())) >=
-         0;
+bool ShapeLayer::TakeAreas(bool& hasPosition) {
+  const K7ShpFile& file = *m_set.File();
+  for (int i = 0; i < file.StoredCount(); ++i) {
+    const K7ShpObj* const shape = file.GetRecord(i)->Obj();
+    m_hasLines = m_hasLines || (shape && !IsArea(*shape));
+    if (shape && IsArea(*shape) && !m_areas.Add(static_cast<const K7ShpPoly&>(*shape), i, hasPosition))
+      return false;
+  }
+  return true;
+}
+
+// A set has shapes of one kind: the features of one that has areas, which would hold these a second time,
+// are not asked for.
+bool ShapeLayer::TakeLines(bool& hasPosition) {
+  const K7MapFeatures* const features = m_hasLines ? m_set.Features() : nullptr;
+  if (m_hasLines && !features) return false;
+  for (int i = 0; features && i < features->Count(); ++i) {
+    hasPosition = hasPosition || features->PointCount(i) > 0;
+    if (m_item == ThemeItem::Rivers)
+      m_isLakeLine.push_back(TextOf(*m_set.Table(), i, "featurecla").starts_with("Lake"));
+  }
+  return true;
+}
+
+void ShapeLayer::Prepare(const LayerContext& context) {
+  static const double BEYOND = 8;  // pixels from the window that a symbol or a pick reaches
+  m_shown.clear();
+  if (!m_hasLines || !context.theme[m_item].ShowsAt(context.view.NMPerPixel())) return;
+  const double reach =
+      BEYOND + std::max(context.theme[m_item].width, context.theme[ThemeItem::LakeLines].width);
+  const std::unique_ptr<K7ShapeQuery> query(
+      m_set.Table()->AreaQuery(WidenedExtent(context.view, reach * context.scale)));
+  while (const K7ShapeRec* const record = query ? query->Next() : nullptr)
+    if (const int number = record->GetKey() - 1; m_set.Features()->Kind(number) != K7_MAP_AREA)
+      m_shown.push_back(number);
+  // One lies over the other as the set has them.
+  std::sort(m_shown.begin(), m_shown.end());
 }
 
 void ShapeLayer::DrawAreas(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
@@ -106,8 +134,8 @@ void ShapeLayer::DrawAreas(const LayerContext& context, K7MapPath& path, K7Grfx&
   // A lake that the data hold as its centre line only is water as broad as a line; drawn before the coasts
   // and in the water's colour, it vanishes where the lake is there as an area.
   UseLine(g, context.theme[ThemeItem::LakeLines], context.scale);
-  for (int i = 0; i < m_features.Count(); ++i)
-    if (IsLakeLine(i) && path.Outline(&g, m_features, i) > 0) g.Stroke();
+  for (const int i : m_shown)
+    if (IsLakeLine(i) && path.Outline(&g, *m_set.Features(), i) > 0) g.Stroke();
 }
 
 void ShapeLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
@@ -115,10 +143,9 @@ void ShapeLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx&
   VisitAreas(context, [&](int area) {
     if (path.Outline(&g, m_areas.Shown(), area) > 0) g.Stroke();
   });
-  for (int i = 0; i < m_features.Count(); ++i) {
-    context.progress.Within(static_cast<double>(i) / m_features.Count());
-    if (m_item == ThemeItem::Rivers && IsLakeLine(i)) continue;
-    if (path.Outline(&g, m_features, i) > 0) g.Stroke();
+  for (size_t i = 0; i < m_shown.size(); ++i) {
+    context.progress.Within(static_cast<double>(i) / static_cast<double>(m_shown.size()));
+    if (!IsLakeLine(m_shown[i]) && path.Outline(&g, *m_set.Features(), m_shown[i]) > 0) g.Stroke();
   }
   // A line without length is a dot.
   g.LineStyle(POINT_SIZE * context.scale, nullptr, 0);
@@ -139,13 +166,15 @@ void ShapeLayer::VisitAreas(const LayerContext& context, Visit visit) {
 }
 
 template <class Visit>
-void ShapeLayer::VisitPoints(const LayerContext& context, Visit visit) const {
-  for (int i = 0; i < m_features.Count(); ++i)
-    for (int k = 0; m_features.Kind(i) == K7_MAP_POINTS && k < m_features.PointCount(i); ++k) {
-      const K7LatLon p = m_features.Point(i, k);
+void ShapeLayer::VisitPoints(const LayerContext& context, Visit visit) {
+  for (const int i : m_shown) {
+    const K7MapFeatures& features = *m_set.Features();
+    for (int k = 0; features.Kind(i) == K7_MAP_POINTS && k < features.PointCount(i); ++k) {
+      const K7LatLon p = features.Point(i, k);
       double dx, dy;
       if (context.view.ToDevice(p.Lat(), p.Lon(), dx, dy)) visit(i, dx, dy);
     }
+  }
 }
 
 void ShapeLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
@@ -156,27 +185,26 @@ void ShapeLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
 }
 
 // The first field that says something; what kind of thing it is behind it.
-std::string ShapeLayer::Describe(int feature) const {
-  const K7ShpRecord& record = *m_file.GetRecord(feature);
+Picked ShapeLayer::Describe(int record) {
   std::string text;
   for (const char* const field : {"name", "featurecla"}) {
-    const std::string value = record.Text(m_file.FindField(field));
+    const std::string value = TextOf(*m_set.Table(), record, field);
     if (!value.empty()) text += (text.empty() ? ": " : ", ") + value;
   }
-  return Name() + text;
+  return PickedShape(Name() + text, m_set, *m_set.Table()->GetRecord(record));
 }
 
 void ShapeLayer::Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
-                      std::vector<std::string>& found) {
+                      std::vector<Picked>& found) {
   PickGrfx picker(dx, dy);
   VisitAreas(context, [&](int area) {
     picker.Clear();
     path.Area(&picker, m_areas.Shown(), area);
     if (picker.Covers()) found.push_back(Describe(m_areas.NumberOf(area)));
   });
-  for (int i = 0; i < m_features.Count(); ++i) {
+  for (const int i : m_shown) {
     picker.Clear();
-    path.Outline(&picker, m_features, i);
+    path.Outline(&picker, *m_set.Features(), i);
     if (picker.Distance() <= PICK_REACH * context.scale) found.push_back(Describe(i));
   }
   VisitPoints(context, [&](int feature, double x, double y) {

@@ -4,8 +4,7 @@
 #include "layers/layer.h"
 #include "layers/tiled_areas.h"
 
-#include <k7/geometry/shp_file.h>
-#include <k7/projection/map_features.h>
+#include <k7/geometry/shp_layer.h>
 
 class ShapeLayer : public Layer {
  public:
@@ -16,35 +15,31 @@ class ShapeLayer : public Layer {
 
   std::string Name() const override;
   ThemeItem Item() const override { return m_item; }
+  void Prepare(const LayerContext& context) override;
   void DrawAreas(const LayerContext& context, K7MapPath& path, K7Grfx& g) override;
   void DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) override;
   void KeepSymbols(const LayerContext& context, LabelPlan& plan) override;
   void Pick(const LayerContext& context, K7MapPath& path, double dx, double dy,
-            std::vector<std::string>& found) override;
+            std::vector<Picked>& found) override;
   double DataScale() const override;
 
  private:
-  // Reports how far the reading has come.
-  class File : public K7ShpFile {
-   public:
-    K7ShpRecord* NextRecord() override;
-    Progress* progress = nullptr;
-  };
-
-  bool AddFeature(const K7ShpObj& shape, int record, bool& hasPosition);
-  bool IsLakeLine(int feature) const { return m_isLakeLine[static_cast<size_t>(feature)] != 0; }
+  bool TakeAreas(bool& hasPosition);
+  bool TakeLines(bool& hasPosition);
+  bool IsLakeLine(int record) const {
+    return !m_isLakeLine.empty() && m_isLakeLine[static_cast<size_t>(record)] != 0;
+  }
   template <class Visit>
   void VisitAreas(const LayerContext& context, Visit visit);
   template <class Visit>
-  void VisitPoints(const LayerContext& context, Visit visit) const;
-  std::string Describe(int feature) const;
+  void VisitPoints(const LayerContext& context, Visit visit);
+  Picked Describe(int record);
 
   ThemeItem m_item;
   std::string m_path;
-  File m_file;
-  K7MapFeatures m_features;  // one a record; those of areas are empty
+  K7ShpLayer m_set;
   TiledAreas m_areas;
-  std::vector<char> m_isLakeLine;
-  std::vector<K7LatLon> m_points;  // of the record that is being added
-  std::vector<int> m_sizes;
+  bool m_hasLines = false;         // or points
+  std::vector<int> m_shown;        // records of lines and points that the view may show
+  std::vector<char> m_isLakeLine;  // of rivers, one a record
 };

@@ -27,20 +27,20 @@ double ToleranceIn(const K7ShapeTile& tile, const K7MapView& view) {
   return tolerance < LEAST_TOLERANCE ? 0 : tolerance;
 }
 
-K7ChartRect WidenedExtent(const K7MapView& view) {
+bool IsOnEarth(const K7ShpXY& p) { return std::fabs(p.y) <= 90.0001 && std::fabs(p.x) <= 540; }
+
+}  // namespace
+
+K7ChartRect WidenedExtent(const K7MapView& view, double pixels) {
   double north, south, east, west;
   if (!view.GetExtent(north, south, east, west)) return {};
-  const double dLat = MARGIN * view.NMPerPixel() / 60;
+  const double dLat = pixels * view.NMPerPixel() / 60;
   north = std::min(north + dLat, 90.0);
   south = std::max(south - dLat, -90.0);
   const double dLon = dLat / std::max(std::cos(std::max(north, -south) * std::acos(-1.0) / 180), 1e-3);
   if (east - west + 2 * dLon >= 360) return {north, south, 180, -180};
   return {north, south, std::remainder(east + dLon, 360), std::remainder(west - dLon, 360)};
 }
-
-bool IsOnEarth(const K7ShpXY& p) { return std::fabs(p.y) <= 90.0001 && std::fabs(p.x) <= 540; }
-
-}  // namespace
 
 TiledAreas::TiledAreas() : m_tiles(K7_TILE_POLYGONS) { m_tiles.Init(TILE_HEIGHT); }
 
@@ -71,7 +71,7 @@ bool TiledAreas::Add(const K7ShpPoly& shape, int number, bool& hasPosition) {
 
 bool TiledAreas::FindTiles(const K7MapView& view, std::vector<ShownTile>& tiles) const {
   K7PtrArray found;
-  if (m_tiles.GetTiles(WidenedExtent(view), found) != 0) return false;
+  if (m_tiles.GetTiles(WidenedExtent(view, MARGIN), found) != 0) return false;
   for (int i = 0; i < found.Count(); ++i) {
     auto* const tile = static_cast<K7PolygonTile*>(found[i]);
     tiles.push_back({tile, ToleranceIn(*tile, view)});

@@ -10,6 +10,9 @@
 #include <utility>
 #include <vector>
 
+/// What a view shows and so many pixels about it.
+K7ChartRect WidenedExtent(const K7MapView& view, double pixels);
+
 class TiledAreas {
  public:
   TiledAreas();
