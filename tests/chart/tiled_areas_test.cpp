@@ -19,10 +19,9 @@ class TiledAreasTest : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(file.Read(K7_SAMPLE_DATA "/ne_50m_land.shp", K7IO::Inst()), 0);
-    bool hasPosition = false;
     for (int i = 0; i < file.StoredCount(); ++i) {
       const auto& shape = dynamic_cast<const K7ShpPoly&>(*file.GetRecord(i)->Obj());
-      ASSERT_TRUE(tiled.Add(shape, i, hasPosition));
+      ASSERT_TRUE(tiled.Add(shape, i));
       std::vector<K7LatLon> points;
       std::vector<int> sizes;
       for (int k = 0; k < shape.GetPointCount(); ++k)
@@ -30,7 +29,6 @@ class TiledAreasTest : public testing::Test {
       for (int k = 0; k < shape.GetPolyCount(); ++k) sizes.push_back(shape.GetPolySize(k));
       ASSERT_EQ(whole.Add(K7_MAP_AREA, points.data(), sizes.data(), shape.GetPolyCount()), i);
     }
-    EXPECT_TRUE(hasPosition);
   }
 
   K7ShpFile file;

@@ -20,6 +20,8 @@ namespace {
 constexpr double POINT_SIZE = 3.2;  // pixels across
 // A line is under a pixel that is at most this far from it.
 constexpr double PICK_REACH = 4;
+// In place of the feature of a record.
+constexpr int NOT_YET = -1, AMONG_AREAS = -2;
 
 // Reports how far the reading has come.
 class Reader : public K7ShpFile {
@@ -37,6 +39,15 @@ class Reader : public K7ShpFile {
 bool IsArea(const K7ShpObj& shape) {
   return shape.Type() == K7_SHP_POLYGON || shape.Type() == K7_SHP_POLYGON_Z ||
          shape.Type() == K7_SHP_POLYGON_M;
+}
+
+bool HasPositions(const K7ShpFile& file) {
+  for (int i = 0; i < file.StoredCount(); ++i) {
+    const K7ShpObj* const shape = file.GetRecord(i)->Obj();
+    const K7ShpXY* const xy = shape ? shape->Points() : nullptr;
+    if (xy && std::any_of(xy, xy + shape->GetPointCount(), IsOnEarth)) return true;
+  }
+  return file.StoredCount() == 0;
 }
 
 // UTF-8; empty for what is absent and for numbers.
@@ -80,49 +91,53 @@ std::string ShapeLayer::Load(Progress& progress) {
   const char* const endings[] = {".shp", ".shp", ".dbf", ".shx"};  // by K7ShpPart
   if (code != 0) return Unreadable(m_path, endings[m_set.BadFile()], message ? message : "unknown error");
 
-  bool hasPosition = m_set.Table()->RecordCount() == 0;
-  if (!TakeAreas(hasPosition) || !TakeLines(hasPosition)) return "out of memory";
-  // Sets in projected coordinates have none, and would draw nothing.
-  return hasPosition ? std::string() : "the shapefile set '" + m_path + "' has no positions in degrees";
+  m_features.assign(static_cast<size_t>(m_set.Table()->RecordCount()), NOT_YET);
+  // Sets in projected coordinates have no positions, and would draw nothing.
+  return HasPositions(*m_set.File()) ? std::string()
+                                     : "the shapefile set '" + m_path + "' has no positions in degrees";
 }
 
-bool ShapeLayer::TakeAreas(bool& hasPosition) {
-  const K7ShpFile& file = *m_set.File();
-  for (int i = 0; i < file.StoredCount(); ++i) {
-    const K7ShpObj* const shape = file.GetRecord(i)->Obj();
-    m_hasLines = m_hasLines || (shape && !IsArea(*shape));
-    if (shape && IsArea(*shape) && !m_areas.Add(static_cast<const K7ShpPoly&>(*shape), i, hasPosition))
-      return false;
-  }
-  return true;
-}
-
-// A set has shapes of one kind: the features of one that has areas, which would hold these a second time,
-// are not asked for.
-bool ShapeLayer::TakeLines(bool& hasPosition) {
-  const K7MapFeatures* const features = m_hasLines ? m_set.Features() : nullptr;
-  if (m_hasLines && !features) return false;
-  for (int i = 0; features && i < features->Count(); ++i) {
-    hasPosition = hasPosition || features->PointCount(i) > 0;
-    if (m_item == ThemeItem::Rivers)
-      m_isLakeLine.push_back(TextOf(*m_set.Table(), i, "featurecla").starts_with("Lake"));
-  }
-  return true;
-}
-
+// What is made ready to be drawn is what some view has shown: a set of the world costs a chart of a few
+// states little.
 void ShapeLayer::Prepare(const LayerContext& context) {
-  static const double BEYOND = 8;  // pixels from the window that a symbol or a pick reaches
+  static const double BEYOND = 8;  // pixels from the window that a symbol, a pick or a closed area reaches
   m_shown.clear();
-  if (!m_hasLines || !context.theme[m_item].ShowsAt(context.view.NMPerPixel())) return;
-  const double reach =
-      BEYOND + std::max(context.theme[m_item].width, context.theme[ThemeItem::LakeLines].width);
-  const std::unique_ptr<K7ShapeQuery> query(
-      m_set.Table()->AreaQuery(WidenedExtent(context.view, reach * context.scale)));
-  while (const K7ShapeRec* const record = query ? query->Next() : nullptr)
-    if (const int number = record->GetKey() - 1; m_set.Features()->Kind(number) != K7_MAP_AREA)
-      m_shown.push_back(number);
+  if (!context.theme[m_item].ShowsAt(context.view.NMPerPixel())) return;
+  const double width =
+      std::max(context.theme[m_item].width, context.theme[ThemeItem::LakeLines].width) * context.scale;
+  const double reach = BEYOND * std::max(context.scale, 1.0) + width;
+  const std::unique_ptr<K7ShapeQuery> query(m_set.Table()->AreaQuery(WidenedExtent(context.view, reach)));
+  while (const K7ShapeRec* const record = query ? query->Next() : nullptr) {
+    const int number = record->GetKey() - 1;
+    if (m_features[static_cast<size_t>(number)] == NOT_YET) MakeReady(number);
+    if (const int feature = m_features[static_cast<size_t>(number)]; feature >= 0)
+      m_shown.push_back({number, feature});
+  }
   // One lies over the other as the set has them.
-  std::sort(m_shown.begin(), m_shown.end());
+  std::sort(m_shown.begin(), m_shown.end(), [](const Line& a, const Line& b) { return a.record < b.record; });
+}
+
+// Without memory it stays undone.
+void ShapeLayer::MakeReady(int record) {
+  const K7ShpObj& shape = *m_set.File()->GetRecord(record)->Obj();
+  if (IsArea(shape)) {
+    if (m_areas.Add(static_cast<const K7ShpPoly&>(shape), record))
+      m_features[static_cast<size_t>(record)] = AMONG_AREAS;
+    return;
+  }
+  const K7ShpXY* const xy = shape.Points();
+  m_points.clear();
+  m_sizes.clear();
+  for (int i = 0; xy && i < shape.GetPointCount(); ++i) m_points.emplace_back(xy[i].y, xy[i].x);
+  for (int i = 0; i < shape.GetPolyCount(); ++i) m_sizes.push_back(shape.GetPolySize(i));
+  const bool isLines = !m_sizes.empty();
+  if (!isLines) m_sizes.push_back(static_cast<int>(m_points.size()));
+  const int feature = m_lines.Add(isLines ? K7_MAP_LINES : K7_MAP_POINTS, m_points.data(), m_sizes.data(),
+                                  static_cast<int>(m_sizes.size()));
+  if (feature < 0) return;
+  m_features[static_cast<size_t>(record)] = feature;
+  m_isLakeLine.push_back(m_item == ThemeItem::Rivers &&
+                         TextOf(*m_set.Table(), record, "featurecla").starts_with("Lake"));
 }
 
 void ShapeLayer::DrawAreas(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
@@ -134,8 +149,8 @@ void ShapeLayer::DrawAreas(const LayerContext& context, K7MapPath& path, K7Grfx&
   // A lake that the data hold as its centre line only is water as broad as a line; drawn before the coasts
   // and in the water's colour, it vanishes where the lake is there as an area.
   UseLine(g, context.theme[ThemeItem::LakeLines], context.scale);
-  for (const int i : m_shown)
-    if (IsLakeLine(i) && path.Outline(&g, *m_set.Features(), i) > 0) g.Stroke();
+  for (const Line& line : m_shown)
+    if (IsLakeLine(line.feature) && path.Outline(&g, m_lines, line.feature) > 0) g.Stroke();
 }
 
 void ShapeLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
@@ -144,8 +159,9 @@ void ShapeLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx&
     if (path.Outline(&g, m_areas.Shown(), area) > 0) g.Stroke();
   });
   for (size_t i = 0; i < m_shown.size(); ++i) {
+    const int feature = m_shown[i].feature;
     context.progress.Within(static_cast<double>(i) / static_cast<double>(m_shown.size()));
-    if (!IsLakeLine(m_shown[i]) && path.Outline(&g, *m_set.Features(), m_shown[i]) > 0) g.Stroke();
+    if (!IsLakeLine(feature) && path.Outline(&g, m_lines, feature) > 0) g.Stroke();
   }
   // A line without length is a dot.
   g.LineStyle(POINT_SIZE * context.scale, nullptr, 0);
@@ -166,15 +182,14 @@ void ShapeLayer::VisitAreas(const LayerContext& context, Visit visit) {
 }
 
 template <class Visit>
-void ShapeLayer::VisitPoints(const LayerContext& context, Visit visit) {
-  for (const int i : m_shown) {
-    const K7MapFeatures& features = *m_set.Features();
-    for (int k = 0; features.Kind(i) == K7_MAP_POINTS && k < features.PointCount(i); ++k) {
-      const K7LatLon p = features.Point(i, k);
+void ShapeLayer::VisitPoints(const LayerContext& context, Visit visit) const {
+  for (const Line& line : m_shown)
+    for (int k = 0; m_lines.Kind(line.feature) == K7_MAP_POINTS && k < m_lines.PointCount(line.feature);
+         ++k) {
+      const K7LatLon p = m_lines.Point(line.feature, k);
       double dx, dy;
-      if (context.view.ToDevice(p.Lat(), p.Lon(), dx, dy)) visit(i, dx, dy);
+      if (context.view.ToDevice(p.Lat(), p.Lon(), dx, dy)) visit(line.record, dx, dy);
     }
-  }
 }
 
 void ShapeLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
@@ -202,13 +217,13 @@ void ShapeLayer::Pick(const LayerContext& context, K7MapPath& path, double dx, d
     path.Area(&picker, m_areas.Shown(), area);
     if (picker.Covers()) found.push_back(Describe(m_areas.NumberOf(area)));
   });
-  for (const int i : m_shown) {
+  for (const Line& line : m_shown) {
     picker.Clear();
-    path.Outline(&picker, *m_set.Features(), i);
-    if (picker.Distance() <= PICK_REACH * context.scale) found.push_back(Describe(i));
+    path.Outline(&picker, m_lines, line.feature);
+    if (picker.Distance() <= PICK_REACH * context.scale) found.push_back(Describe(line.record));
   }
-  VisitPoints(context, [&](int feature, double x, double y) {
-    if (std::hypot(x - dx, y - dy) <= PICK_REACH * context.scale) found.push_back(Describe(feature));
+  VisitPoints(context, [&](int record, double x, double y) {
+    if (std::hypot(x - dx, y - dy) <= PICK_REACH * context.scale) found.push_back(Describe(record));
   });
 }
 

@@ -5,6 +5,7 @@
 #include "layers/tiled_areas.h"
 
 #include <k7/geometry/shp_layer.h>
+#include <k7/projection/map_features.h>
 
 class ShapeLayer : public Layer {
  public:
@@ -24,22 +25,26 @@ class ShapeLayer : public Layer {
   double DataScale() const override;
 
  private:
-  bool TakeAreas(bool& hasPosition);
-  bool TakeLines(bool& hasPosition);
-  bool IsLakeLine(int record) const {
-    return !m_isLakeLine.empty() && m_isLakeLine[static_cast<size_t>(record)] != 0;
-  }
+  struct Line {
+    int record, feature;
+  };
+
+  void MakeReady(int record);
+  bool IsLakeLine(int feature) const { return m_isLakeLine[static_cast<size_t>(feature)] != 0; }
   template <class Visit>
   void VisitAreas(const LayerContext& context, Visit visit);
   template <class Visit>
-  void VisitPoints(const LayerContext& context, Visit visit);
+  void VisitPoints(const LayerContext& context, Visit visit) const;
   Picked Describe(int record);
 
   ThemeItem m_item;
   std::string m_path;
   K7ShpLayer m_set;
+  std::vector<int> m_features;  // one a record: its number in m_lines, or where else it is
   TiledAreas m_areas;
-  bool m_hasLines = false;         // or points
-  std::vector<int> m_shown;        // records of lines and points that the view may show
-  std::vector<char> m_isLakeLine;  // of rivers, one a record
+  K7MapFeatures m_lines;           // and points
+  std::vector<char> m_isLakeLine;  // one a feature of m_lines
+  std::vector<Line> m_shown;       // what the view may show of m_lines
+  std::vector<K7LatLon> m_points;  // of the record that is being made ready
+  std::vector<int> m_sizes;
 };

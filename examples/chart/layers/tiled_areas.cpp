@@ -27,9 +27,9 @@ double ToleranceIn(const K7ShapeTile& tile, const K7MapView& view) {
   return tolerance < LEAST_TOLERANCE ? 0 : tolerance;
 }
 
-bool IsOnEarth(const K7ShpXY& p) { return std::fabs(p.y) <= 90.0001 && std::fabs(p.x) <= 540; }
-
 }  // namespace
+
+bool IsOnEarth(const K7ShpXY& p) { return std::fabs(p.y) <= 90.0001 && std::fabs(p.x) <= 540; }
 
 K7ChartRect WidenedExtent(const K7MapView& view, double pixels) {
   double north, south, east, west;
@@ -44,7 +44,11 @@ K7ChartRect WidenedExtent(const K7MapView& view, double pixels) {
 
 TiledAreas::TiledAreas() : m_tiles(K7_TILE_POLYGONS) { m_tiles.Init(TILE_HEIGHT); }
 
-bool TiledAreas::Add(const K7ShpPoly& shape, int number, bool& hasPosition) {
+bool TiledAreas::Add(const K7ShpPoly& shape, int number) {
+  // Made ready without it.
+  m_shownTiles.clear();
+  m_shown.Clear();
+  m_numbers.clear();
   m_areas.push_back(std::make_unique<Area>());
   Area& area = *m_areas.back();
   area.number = number;
@@ -63,7 +67,6 @@ bool TiledAreas::Add(const K7ShpPoly& shape, int number, bool& hasPosition) {
     }
     err = area.SetPoints(area.points.data(), sizes.data(), static_cast<int>(sizes.size()));
   }
-  hasPosition = hasPosition || area.PointCount() > 0;
   if (err == 0) err = area.CutAtSeam();
   if (err == 0) err = m_tiles.TilizePolygon(&area, &m_created);
   return err == 0;

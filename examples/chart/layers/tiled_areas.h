@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+bool IsOnEarth(const K7ShpXY& p);
 /// What a view shows and so many pixels about it.
 K7ChartRect WidenedExtent(const K7MapView& view, double pixels);
 
@@ -17,9 +18,8 @@ class TiledAreas {
  public:
   TiledAreas();
 
-  /// Cuts the area of record `number` into tiles. The shape must stay as it is. False without memory;
-  /// `hasPosition` becomes true for an area on the earth.
-  bool Add(const K7ShpPoly& shape, int number, bool& hasPosition);
+  /// Cuts the area of record `number` into tiles. The shape must stay as it is. False without memory.
+  bool Add(const K7ShpPoly& shape, int number);
 
   /// Makes ready what a view shows: the pieces of its tiles, without the points that depart by less than half
   /// a pixel, joined to one feature a record again. The next view that shows the same tiles as finely finds
