@@ -5,6 +5,9 @@
 //   paths    the same lines and areas into a context that only counts points: what the library's paths cost
 //   alone
 //
+//   all      the same with every layer that a data folder has, terrain and the sample of navigation data, 300
+//   NM
+//
 //   enroute  the same with all layers of navigation data, 300 NM over central Europe, from the database that
 //            K7_NAV_DATABASE names
 //
@@ -17,12 +20,15 @@
 #include "sheet/chart_sheet.h"
 #include "sheet/gallery.h"
 
+#include "app/drawing.h"
 #include "app/nav_source.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 
 namespace {
@@ -75,6 +81,27 @@ void Redraw(benchmark::State& state, const std::string& start, double range) {
   const ChartBox box = {0, 0, WIDTH, HEIGHT, 12.5};
   for (auto _ : state)
     if (!DrawChart(cairo, box, {K7_PROJ_LAMBERT, {48.5, -123.5}, range, {}}, layers.theme, chart).empty())
+      state.SkipWithError("no chart");
+  cairo_destroy(cairo);
+  cairo_surface_destroy(surface);
+}
+
+void All(benchmark::State& state, const std::string& folder, int millions) {
+  LayerOptions options;
+  options.folder = folder;
+  Silent progress;
+  LayerStack stack;
+  const auto scale = std::find_if(std::begin(DATA_SCALES), std::end(DATA_SCALES),
+                                  [&](const DataScale& s) { return s.millions == millions; });
+  if (std::string problem = stack.Load(options, *scale, true, progress); !problem.empty())
+    return state.SkipWithError(problem.c_str());
+  const Theme theme;
+  Chart chart(stack.Layers(), theme, progress);
+  cairo_surface_t* const surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, WIDTH, HEIGHT);
+  cairo_t* const cairo = cairo_create(surface);
+  const ChartBox box = {0, 0, WIDTH, HEIGHT, 12.5};
+  for (auto _ : state)
+    if (!DrawChart(cairo, box, {K7_PROJ_LAMBERT, {48.5, -123.5}, 300, {}}, theme, chart).empty())
       state.SkipWithError("no chart");
   cairo_destroy(cairo);
   cairo_surface_destroy(surface);
@@ -137,6 +164,9 @@ BENCHMARK_CAPTURE(Redraw, 10m_300NM, FINE, 300.0)->Unit(benchmark::kMillisecond)
 BENCHMARK_CAPTURE(Paths, 10m_300NM, FINE, 300.0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Redraw, 10m_world, FINE, 0.0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Paths, 10m_world, FINE, 0.0)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(All, sample, K7_SAMPLE_DATA, 50)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(All, 10m, "/usr/share/magics/10m", 10)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(All, 110m, "/usr/share/magics/110m", 110)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Enroute, 50m_300NM, K7_SAMPLE_DATA "/ne_50m_", 300.0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Enroute, 50m_100NM, K7_SAMPLE_DATA "/ne_50m_", 100.0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Gallery, 10m, FINE)->Unit(benchmark::kMillisecond);
