@@ -156,7 +156,7 @@ TEST_F(AirportDiagramTest, PicksAndExplainsWhatIsThere) {
   Show({&aerodrome}, 47.4475, -122.313, 1.2);
   double x, y;
   Place({"", 47.4600, -122.31787}, x, y);
-  EXPECT_EQ(chart->Pick(x, y), std::vector<std::string>{"Runway 16R.34L (Open)"});
+  EXPECT_EQ(TextsUnder(*chart, x, y), std::vector<std::string>{"Runway 16R.34L (Open)"});
   std::vector<std::string> kinds;
   for (const LegendEntry& entry : chart->Legend()) kinds.push_back(entry.text);
   std::sort(kinds.begin(), kinds.end());

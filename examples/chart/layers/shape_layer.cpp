@@ -88,7 +88,8 @@ std::string ShapeLayer::Load(Progress& progress) {
   if (std::string missing = MissingFile(m_path); !missing.empty()) return missing;
   const int code = m_set.Read(m_path.c_str(), K7IO::Inst(), new Reader(progress));
   const char* const message = K7ErrorString::ErrorString(code);
-  const char* const endings[] = {".shp", ".shp", ".dbf", ".shx"};  // by K7ShpPart
+  // By K7ShpPart: where the set itself is whole, what says how its texts are written is not.
+  const char* const endings[] = {".cpg", ".shp", ".dbf", ".shx"};
   if (code != 0) return Unreadable(m_path, endings[m_set.BadFile()], message ? message : "unknown error");
 
   m_features.assign(static_cast<size_t>(m_set.Table()->RecordCount()), NOT_YET);
