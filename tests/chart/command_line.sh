@@ -214,16 +214,16 @@ grep -qF 'width="640px" height="400px"' profile.svg || fail "the size of profile
 "$chart" profile "48 -123" "48.5 -124" --output /dev/stdout 2>/dev/null | cmp - plain.png || fail "a profile for the standard output"
 "$chart" route "48.7 -121.8" CYVR --direct 40 --output position.png >route.txt && test -s position.png &&
   grep -q '^4842N12148W (position N48 42.0 W121 48.0) to CYVR' route.txt || fail "a route from a position: $(cat route.txt)"
-# A trip sheet on its paper: twice the scale takes more pages. A plain PDF stays one chart of its size.
+# A trip sheet on its paper: twice the scale takes more pages. One chart may be asked for.
 pages() { grep -ao '/Count [0-9]*' "$1" | cut -d' ' -f2; }
 for scale in 500000 1:250000; do
-  "$chart" route KSEA CYVR --trip --track-up --paper letter --speed 95 --level 6000 --strip-scale $scale --output "trip${scale#1:}.pdf" >trip.txt &&
+  "$chart" route KSEA CYVR --track-up --paper letter --speed 95 --level 6000 --strip-scale $scale --output "trip${scale#1:}.pdf" >trip.txt &&
     grep -aqF 'MediaBox [ 0 0 612 792 ]' "trip${scale#1:}.pdf" || fail "a trip sheet at $scale"
 done
-"$chart" route KSEA CYVR --output route.pdf >route.txt && cmp route.txt <("$chart" route KSEA CYVR --table) &&
+"$chart" route KSEA CYVR --one-chart --output route.pdf >route.txt && cmp route.txt <("$chart" route KSEA CYVR --table) &&
   grep -q '^CYVR' trip.txt && [ "$(pages trip250000.pdf)" -gt "$(pages trip500000.pdf)" ] && [ "$(pages trip500000.pdf)" -gt 2 ] &&
   [ "$(pages route.pdf)" = 1 ] || fail "the pages of trip sheets"
-"$chart" route KSEA CYVR --trip --terrain none --output trip.pdf >trip.txt || fail "a trip sheet without terrain"
+"$chart" route KSEA CYVR --terrain none --output trip.pdf >trip.txt || fail "a trip sheet without terrain"
 # Terrain is there unless it is left out or not asked for; a data folder's own goes before the sample's.
 "$chart" --range 80 --output relief.png && "$chart" --range 80 --terrain none --output flat.png &&
   ! cmp -s relief.png flat.png || fail "terrain"
@@ -315,13 +315,12 @@ refuses "no route from KSEA to CYVR: no airway lies within 0.0 NM of KSEA; the n
 refuses "no route from KSEA to CYVR: there is no airway flown at 70000 ft" route KSEA CYVR --level FL700
 refuses "not 'FL'" route KSEA CYVR --level FL
 refuses "not '-1'" route KSEA CYVR --direct=-1
-refuses "a trip sheet is a PDF" route KSEA CYVR --trip
-refuses "a trip sheet is a PDF" route KSEA CYVR --trip --output trip.png
-refuses "--track-up needs --trip" route KSEA CYVR --track-up
-refuses "10 to 5000 knots, not '9.9'" route KSEA CYVR --trip --speed 9.9
-refuses "not 'a5'" route KSEA CYVR --trip --paper a5
+refuses "--track-up is for trip sheets" route KSEA CYVR --track-up
+refuses "--speed is for trip sheets" route KSEA CYVR --speed 95 --output trip.png
+refuses "10 to 5000 knots, not '9.9'" route KSEA CYVR --speed 9.9
+refuses "not 'a5'" route KSEA CYVR --paper a5
 refuses "not '1:49999'" route KSEA CYVR --strip-scale 1:49999
-refuses "are lambert or stereographic" route KSEA CYVR --trip --output trip.pdf --projection miller
+refuses "are lambert or stereographic" route KSEA CYVR --output trip.pdf --projection miller
 refuses "there is no airport 'KSAE'; spelled like it are KPAE, KSEA" airport KSAE
 refuses "needs an airport" airport --theme night
 refuses "cannot read the folder of aerodrome sets 'nowhere'" airport KSEA --aerodrome nowhere

@@ -170,7 +170,7 @@ class AirportVerb : public Verb {
     if (m_look.graticule) layers.insert(layers.begin(), &graticule);
     ProgressLine progress;
     progress.Expect(2 * static_cast<int>(layers.size()) + 1);
-    Chart chart(std::move(layers), m_look.theme, progress);
+    Chart chart(layers, m_look.theme, progress);
     chart.UseLegend(m_look.legend);
     const ChartBox box = AirportBox(m_sheet.width, m_sheet.height);
     // Keeps angles everywhere on the globe, poles included.

@@ -98,19 +98,27 @@ class RouteVerb : public Verb {
     if (std::string problem = Find(route); !problem.empty()) return problem;
     std::fputs(RouteTable(route).c_str(), stdout);
     if (m_table.only) return {};
-    return m_trip.isWanted ? DrawTrip(route) : Draw(route);
+    return IsTrip() ? DrawTrip(route) : Draw(route);
   }
 
  private:
+  // What pilots print has pages.
+  bool IsTrip() const {
+    PageFormat format{};
+    return !m_trip.oneChart && PageFormatOf(m_sheet.output, format) && format == PageFormat::PDF;
+  }
+
   std::string WhyNoSheet() const {
-    if (!m_trip.isWanted) return m_trip.given ? std::string(m_trip.given) + " needs --trip" : std::string();
+    if (m_table.only) return {};
+    if (!IsTrip())
+      return m_trip.given ? std::string(m_trip.given) + " is for trip sheets: '--output FILE.pdf' writes one"
+                          : std::string();
     // Strips are cut by their scale, which others do not have all over them.
     if ((m_request.type != K7_PROJ_LAMBERT && m_request.type != K7_PROJ_STEREOGRAPHIC) ||
         !m_request.params.empty())
-      return "the strips of a trip sheet are lambert or stereographic, without --param";
-    PageFormat format{};
-    if (PageFormatOf(m_sheet.output, format) && format == PageFormat::PDF) return {};
-    return "a trip sheet is a PDF: '--output FILE.pdf' names it";
+      return "the strips of a trip sheet are lambert or stereographic, without --param; --one-chart draws "
+             "any";
+    return {};
   }
 
   std::string Find(Route& route) {

@@ -7,8 +7,8 @@ namespace {
 constexpr double LEAST_KNOTS = 10, MOST_KNOTS = 5000;
 constexpr double LARGEST = 5e4, SMALLEST = 5e7;  // scales
 
-std::string SetTrip(const char*, TripOptions& trip) {
-  trip.isWanted = true;
+std::string SetOneChart(const char*, TripOptions& trip) {
+  trip.oneChart = true;
   return {};
 }
 
@@ -49,11 +49,12 @@ std::string SetTrackUp(const char*, TripOptions& trip) {
 }
 
 constexpr OptionRow<TripOptions> OPTIONS[] = {
-    {"--trip", nullptr,
-     "writes a trip sheet to print, instead of one chart: the legs as a table, the ground under them, and "
-     "strips of chart along the way, lambert or stereographic. Its '--output' is a PDF, its size that of "
-     "'--paper'",
-     SetTrip},
+    {"--one-chart", nullptr,
+     "draws one chart of the whole way also as a PDF, which otherwise is a trip sheet to print: the legs as "
+     "a "
+     "table, the ground under them, and strips of chart along the way, lambert or stereographic, on pages of "
+     "the size of '--paper'",
+     SetOneChart},
     {"--speed", "KNOTS", "the ground speed that a trip sheet's times are for, 10 to 5000 (default 120)",
      SetSpeed},
     {"--paper", "PAPER", "what a trip sheet is printed on: a4 (default) or letter, upright", SetPaper},

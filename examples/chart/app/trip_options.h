@@ -5,7 +5,7 @@
 #include "sheet/trip_pages.h"
 
 struct TripOptions {
-  bool isWanted = false;
+  bool oneChart = false;  // also as a PDF
   bool trackUp = false;
   double knots = 120;
   double scale = 0;  // denominator of the strips; 0: the first of some usual ones that takes few enough
@@ -13,5 +13,5 @@ struct TripOptions {
   const char* given = nullptr;  // an option that only trip sheets have
 };
 
-/// --trip, --speed, --paper, --strip-scale, --track-up
+/// --one-chart, --speed, --paper, --strip-scale, --track-up
 void AddTripOptions(OptionTable& table, TripOptions& trip);
