@@ -79,9 +79,10 @@ void AddFeature(k7xml::XmlDocument& out, std::span<const FeatureRow> rows, Sourc
     if (source.Take(row)) out.Add(row.key, row.label, source.text.Text());
 }
 
-const char* LabelOf(const char* name, std::span<const FeatureRow> rows) {
+// Null for an attribute that the kind is not read by.
+const FeatureRow* RowOf(const char* name, std::span<const FeatureRow> rows) {
   for (const FeatureRow& row : rows)
-    if (name && K7String::IComp(row.key, name) == 0) return row.label;
+    if (name && K7String::IComp(row.key, name) == 0) return &row;
   return nullptr;
 }
 
@@ -89,8 +90,8 @@ void AddAttribs(k7xml::XmlDocument& out, std::span<const FeatureRow> rows, Sourc
   for (int i = 0; i < source.table.AttribCount(); ++i) {
     if (!source.Take(i, Form::Text)) continue;
     ElementName(source.table.AttribName(i), source.name);
-    const char* const label = LabelOf(source.table.AttribName(i), rows);
-    out.Add(source.name.Text(), label ? label : source.name.Text(), source.text.Text());
+    const FeatureRow* const row = RowOf(source.table.AttribName(i), rows);
+    out.Add(source.name.Text(), row ? row->label : source.name.Text(), source.text.Text());
   }
 }
 
@@ -148,4 +149,16 @@ int K7Shape::GetDescription(K7ShapeRec* record, K7String& out) {
   K7XmlText line;
   Describe(*this, source, line);
   return line.CopyTo(out, source.Failed());
+}
+
+int K7Shape::GetAttribText(const K7ShapeRec* record, const char* name, K7String& out) const {
+  out.Clear();
+  const K7ShapeTable* const table = record ? GetTable(record) : nullptr;
+  const int i = table ? table->FindAttrib(name) : -1;
+  if (i < 0) return K7_ERR_NOT_FOUND;
+  Source source{*table, *record};
+  const FeatureRow* const row = RowOf(name, k7shape::RowsOf(Type()));
+  const bool isList = row && row->form == Form::List;
+  if (!source.Take(i, isList ? Form::List : Form::Text)) return K7_ERR_NOT_FOUND;
+  return source.text.CopyTo(out, source.Failed());
 }

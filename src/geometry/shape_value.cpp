@@ -40,7 +40,7 @@ void Append(K7XmlText& out, string_view text) {
 
 bool AppendOne(K7XmlText& out, string_view text) {
   if (text.empty() || IsOneOf(text, ABSENT)) return false;
-  Append(out, IsOneOf(text, UNKNOWN) ? "Unknown" : text);
+  Append(out, IsOneOf(text, UNKNOWN) ? string_view(K7Shape::UNKNOWN) : text);
   return true;
 }
 

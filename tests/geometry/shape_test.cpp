@@ -179,6 +179,14 @@ TEST(Shape, FeaturesOfAnAerodromeReadByTheirLabels) {
                    "idstd|Parking Stand identification|N7", "IDARPT|Airport ICAO|KSEA", "STATUS|Status|0",
                    "PRIVATE|PRIVATE|1"}));
   EXPECT_EQ(layer.Line(), "Parking Stand N7 (0)");
+  const auto attrib = [&](const char* name, int code) {
+    K7String text("kept");
+    EXPECT_EQ(layer.GetAttribText(&layer.record, name, text), code) << name;
+    return std::string(text);
+  };
+  EXPECT_EQ(attrib("RESTACFT", 0), "A388, B748, Unknown");
+  EXPECT_EQ(attrib("jetway", 0), K7Shape::UNKNOWN);
+  EXPECT_EQ(attrib("FUEL", K7_ERR_NOT_FOUND) + attrib("TOWING", K7_ERR_NOT_FOUND), "");
 
   layer.Hold(K7_SHAPE_THRESHOLD, {{"IDTHR", std::string("16L")},
                                   {"TORA", 3627.125},
@@ -190,6 +198,9 @@ TEST(Shape, FeaturesOfAnAerodromeReadByTheirLabels) {
             (Lines{"IDTHR|Runway Threshold|16L", "TORA|Take-off Run Available|3627.12 m",
                    "TODA|Take-off Distance Available|3627.00 m", "LDA|Landing Distance Available|3400.00 m",
                    "ASDA|Accelerate-Stop Distance Available|infinity", "ELEV|Elevation|131.200"}));
+  K7String number;
+  EXPECT_EQ(layer.GetAttribText(&layer.record, "LDA", number), 0);
+  EXPECT_STREQ(number, "3400");
 }
 
 TEST(Shape, EachKindHasItsAttributes) {

@@ -8,6 +8,7 @@
 #include "layers/shape_value.h"
 
 #include <k7/geometry/shape_rec.h>
+#include <k7/geometry/shape_table.h>
 #include <k7/projection/map_features.h>
 #include "store/text_1252.h"
 
@@ -47,11 +48,10 @@ void UseBand(const LayerContext& context, const Band& band, K7Grfx& g) {
   UseLine(g, entry, context.scale);
 }
 
-void Letters(const K7ShapeTable& table, const K7ShapeRec& record, const AerodromeKind& kind,
-             std::string& text) {
+void Letters(const K7Shape& shape, const K7ShapeRec& record, const AerodromeKind& kind, std::string& text) {
   text.clear();
   for (const char* const name : kind.letters) {
-    const std::string value = name ? ShapeText(table, record, name) : std::string();
+    const std::string value = name ? ShapeText(shape, record, name) : std::string();
     if (!value.empty()) text += (text.empty() ? "" : " ") + value;
   }
 }
@@ -193,7 +193,7 @@ template <class Visit>
 void AerodromeLayer::VisitClosed(const LayerContext& context, Visit visit) const {
   for (const Set& set : m_sets)
     VisitPlaces(context, set, [&](const K7ShapeRec& record, double x, double y) {
-      if (set.kind->type != K7_SHAPE_RUNWAY && IsClosedShape(*set.layer->Table(), record)) visit(x, y);
+      if (set.kind->type != K7_SHAPE_RUNWAY && IsClosedShape(*set.layer, record)) visit(x, y);
     });
 }
 
@@ -219,7 +219,7 @@ void AerodromeLayer::OfferLabels(const LayerContext& context, K7MapPath&, double
     const Lettering lettering = {.size = size * kind.size, .halo = true, .item = kind.ink};
     std::map<std::string, Spacing> spacings;
     VisitPlaces(context, *set, [&](const K7ShapeRec& record, double x, double y) {
-      Letters(*set->layer->Table(), record, kind, text);
+      Letters(*set->layer, record, kind, text);
       if (text.empty()) return;
       Spacing& spacing = spacings.try_emplace(text, SAME_APART * context.scale).first->second;
       if (!spacing.IsFree(x, y)) return;

@@ -6,6 +6,7 @@
 
 #include <k7/foundation/error_string.h>
 #include <k7/geometry/shape_rec.h>
+#include <k7/geometry/shape_table.h>
 #include <k7/io/io.h>
 #include "store/text_1252.h"
 
@@ -52,7 +53,7 @@ std::string AerodromeLayer::LoadSet(const std::string& path, const AerodromeKind
   }
   std::vector<char> isOurs;
   for (int i = 0; i < table->RecordCount(); ++i) {
-    const std::string of = ShapeText(*table, *table->GetRecord(i), "IDARPT");
+    const std::string of = ShapeText(*layer, *table->GetRecord(i), "IDARPT");
     isOurs.push_back(of.empty() ? isNamed : IsSame(of, airport));
   }
   if (std::find(isOurs.begin(), isOurs.end(), 1) != isOurs.end())
@@ -77,41 +78,40 @@ template <class Visit>
 void AerodromeLayer::VisitOurs(K7ShapeType type, Visit visit) const {
   for (const Set& set : m_sets)
     for (int i = 0; set.kind->type == type && i < set.layer->Table()->RecordCount(); ++i)
-      if (set.isOurs[static_cast<size_t>(i)]) visit(*set.layer->Table(), *set.layer->Table()->GetRecord(i));
+      if (set.isOurs[static_cast<size_t>(i)]) visit(*set.layer, *set.layer->Table()->GetRecord(i));
 }
 
 void AerodromeLayer::Complete(std::vector<RunwayStrip>& runways) const {
   static const double MOST_FEET = 30000;
-  const auto feetOf = [](const K7ShapeTable& table, const K7ShapeRec& record, const char* name, auto take) {
-    const std::optional<double> metres = ShapeNumber(table, record, name);
+  const auto feetOf = [](const K7Shape& shape, const K7ShapeRec& record, const char* name, auto take) {
+    const std::optional<double> metres = ShapeNumber(shape, record, name);
     if (metres && std::fabs(*metres) * FEET_PER_METRE < MOST_FEET)
       take(static_cast<int>(std::lround(*metres * FEET_PER_METRE)));
   };
   const auto visitEnds = [&](K7ShapeType type, auto visit) {
-    VisitOurs(type, [&](const K7ShapeTable& table, const K7ShapeRec& record) {
-      const std::string ident = ShapeText(table, record, "IDTHR");
+    VisitOurs(type, [&](const K7Shape& shape, const K7ShapeRec& record) {
+      const std::string ident = ShapeText(shape, record, "IDTHR");
       for (RunwayStrip& runway : runways)
         for (RunwayEnd& end : runway.ends)
-          if (!ident.empty() && IsSame(end.ident, ident)) visit(table, record, end);
+          if (!ident.empty() && IsSame(end.ident, ident)) visit(shape, record, end);
     });
   };
-  VisitOurs(K7_SHAPE_RUNWAY, [&](const K7ShapeTable& table, const K7ShapeRec& record) {
-    const std::string ident = ShapeText(table, record, "IDRWY");
+  VisitOurs(K7_SHAPE_RUNWAY, [&](const K7Shape& shape, const K7ShapeRec& record) {
+    const std::string ident = ShapeText(shape, record, "IDRWY");
     const size_t point = ident.find_first_of("./");
     const std::string first = ident.substr(0, point);
     for (RunwayStrip& runway : runways) {
       if (first.empty() || (!IsSame(runway.ends[0].ident, first) && !IsSame(runway.ends[1].ident, first)))
         continue;
-      feetOf(table, record, "LENGTH", [&](int feet) { runway.length = feet > 0 ? feet : runway.length; });
-      feetOf(table, record, "WIDTH", [&](int feet) { runway.width = feet; });
-      runway.isClosed = runway.isClosed || IsClosedShape(table, record);
+      feetOf(shape, record, "LENGTH", [&](int feet) { runway.length = feet > 0 ? feet : runway.length; });
+      feetOf(shape, record, "WIDTH", [&](int feet) { runway.width = feet; });
+      runway.isClosed = runway.isClosed || IsClosedShape(shape, record);
     }
   });
-  visitEnds(K7_SHAPE_DISPLACED_AREA,
-            [&](const K7ShapeTable& table, const K7ShapeRec& record, RunwayEnd& end) {
-              feetOf(table, record, "LENGTH", [&](int feet) { end.displaced = feet; });
-            });
-  visitEnds(K7_SHAPE_THRESHOLD, [&](const K7ShapeTable& table, const K7ShapeRec& record, RunwayEnd& end) {
-    feetOf(table, record, "ELEV", [&](int feet) { end.elev = feet; });
+  visitEnds(K7_SHAPE_DISPLACED_AREA, [&](const K7Shape& shape, const K7ShapeRec& record, RunwayEnd& end) {
+    feetOf(shape, record, "LENGTH", [&](int feet) { end.displaced = feet; });
+  });
+  visitEnds(K7_SHAPE_THRESHOLD, [&](const K7Shape& shape, const K7ShapeRec& record, RunwayEnd& end) {
+    feetOf(shape, record, "ELEV", [&](int feet) { end.elev = feet; });
   });
 }

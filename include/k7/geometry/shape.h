@@ -64,6 +64,11 @@ class K7_API K7Shape {
   virtual int ToXML(K7ShapeRec* record, K7XmlOutputType_t type, K7String& out);
   /// Replaces `out` with the record in one line: "Runway 16L.34R (Open)".
   virtual int GetDescription(K7ShapeRec* record, K7String& out);
+  /// What a value that is unknown reads.
+  static constexpr char UNKNOWN[] = "Unknown";
+  /// Replaces `out` with one attribute as it reads, a number without its unit. K7_ERR_NOT_FOUND, with `out`
+  /// empty, also for an attribute that the record does not have and for an absent value.
+  int GetAttribText(const K7ShapeRec* record, const char* name, K7String& out) const;
   /// @}
 
   /// Answers the name of a kind: "Parking Stand"; "Shape" for plain ones and those outside.
