@@ -313,6 +313,7 @@ TEST(ShpLayer, TextsAreWindows1252) {
                 "dz \x80 ? \x96",
                 0},
                {"65001\r\n", "\xC3\xA9\xFF\xC3", "\xE9??", 0x57},
+               {"utf8\r\n", "\xC3\xA9", "\xE9", 0x57},
                {"UTF-8", "\xC0\xBC\xED\xA0\x80", "??", 0},
                {nullptr, "\x81", "\xFC", 1},
                {"ISO 8859-15", "\xA4", "\x80", 0},
