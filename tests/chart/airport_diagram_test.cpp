@@ -114,6 +114,33 @@ TEST_F(AirportDiagramTest, RunwaysEndWhereTheDataHaveThem) {
   ExpectEnds(KSEA);
 }
 
+// Whichever way a runway runs, its measures stand clear of it and close by.
+TEST_F(AirportDiagramTest, MeasuresStandBesideTheRunway) {
+  constexpr End LEVEL[] = {{"09", 48.7, -122.92}, {"27", 48.7, -122.90}};
+  constexpr End ASLANT[] = {{"05", 48.695, -122.92}, {"23", 48.705, -122.90}};
+  for (const auto& ends : {LEVEL, ASLANT}) {
+    const std::string idents = ends[0].ident;
+    RunwayLayer strip(idents == "09" ? StripsOf(LEVEL, 4800) : StripsOf(ASLANT, 5600),
+                      RunwayLayer::Areas::Paved);
+    Show({&strip}, 48.7, -122.91, 0.6);
+    double x[2], y[2];
+    for (const int i : {0, 1}) Place(ends[i], x[i], y[i]);
+    const double length = std::hypot(x[1] - x[0], y[1] - y[0]);
+    const double halfWidth = 50 / 6076.12 / chart->View()->NMPerPixel();
+    int measures = 0;
+    for (const Label& label : Labels()) {
+      if (label.text.find(" x 100 ft") == std::string::npos) continue;
+      ++measures;
+      const double off =
+          std::fabs((x[1] - x[0]) * (label.y - y[0]) - (y[1] - y[0]) * (label.x - x[0])) / length;
+      EXPECT_GT(off, halfWidth) << idents;
+      EXPECT_LT(off, halfWidth + 25) << idents;
+    }
+    EXPECT_EQ(measures, 1) << idents;
+    store = MemoryStore();
+  }
+}
+
 TEST_F(AirportDiagramTest, LettersWhatTheSetsKnowAndNothingElse) {
   std::vector<RunwayStrip> strips = StripsOf(KSEA, 9000);
   ASSERT_EQ(strips.size(), 3u);
