@@ -26,7 +26,7 @@ namespace {
 struct DiagramOptions {
   std::string ident;
   std::string aerodrome;  // folder, "none", or empty: the sample's
-  std::string nav = SampleNav();
+  std::string nav;
 };
 
 constexpr OptionRow<DiagramOptions> DIAGRAM_OPTIONS[] = {
@@ -36,12 +36,6 @@ constexpr OptionRow<DiagramOptions> DIAGRAM_OPTIONS[] = {
      "alone, as where there are no sets of the airport",
      [](const char* text, DiagramOptions& options) {
        options.aerodrome = text;
-       return std::string();
-     }},
-    {"--nav", "FILE.db",
-     "navigation data, made by 'k7nav import', that have the airport (default: the sample of the Salish Sea)",
-     [](const char* text, DiagramOptions& options) {
-       options.nav = text;
        return std::string();
      }},
 };
@@ -60,6 +54,7 @@ class AirportVerb : public Verb {
  public:
   void AddOptions(OptionTable& table) override {
     table.Add(DIAGRAM_OPTIONS, m_options);
+    AddNavOption(table, m_options.nav);
     AddLookOptions(table, m_look);
     AddSheetOptions(table, m_sheet);
   }

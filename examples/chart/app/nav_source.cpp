@@ -1,5 +1,7 @@
 #include "app/nav_source.h"
 
+#include "app_common/shared_data.h"
+
 #include "ink/readable.h"
 #include "layers/airport_layer.h"
 #include "layers/airspace_layer.h"
@@ -64,4 +66,19 @@ std::unique_ptr<Layer> NavSource::Make(ThemeItem item, const LayerOptions& optio
       problem = std::string("there is no layer of ") + ThemeItemName(item);
       return nullptr;
   }
+}
+
+void AddNavOption(OptionTable& table, std::string& file) {
+  static constexpr OptionRow<std::string> ROWS[] = {
+      {"--nav", "FILE.db",
+       "navigation data, made by 'k7nav import', in which identifiers are looked up (default: the sample of "
+       "the "
+       "Salish Sea)",
+       [](const char* text, std::string& name) {
+         name = text;
+         return std::string();
+       }},
+  };
+  file = SampleNav();
+  table.Add(ROWS, file);
 }

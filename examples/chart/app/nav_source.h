@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/layer_options.h"
+#include "app_common/option_table.h"
 #include "layers/layer.h"
 
 #include "store/nav_store.h"
@@ -26,3 +27,5 @@ class NavSource {
 /// Empty, or why the file cannot serve.
 std::string WhyNoStore(const std::string& path, NavStore& store);
 std::string WhyNoMagneticModel(const std::string& path);
+/// --nav, for verbs that draw no layers of them: `file` becomes the sample's, until the option is given.
+void AddNavOption(OptionTable& table, std::string& file);

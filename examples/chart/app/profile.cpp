@@ -8,7 +8,6 @@
 #include "app/sheet_options.h"
 #include "app/way_ground.h"
 #include "app_common/save_file.h"
-#include "app_common/shared_data.h"
 #include "app_common/verb.h"
 #include "ink/pen.h"
 #include "route/route_ends.h"
@@ -22,14 +21,9 @@ namespace {
 
 struct WayOptions {
   std::vector<std::string> ends;
-  std::string nav = SampleNav();
+  std::string nav;
   std::optional<int> altitude;
 };
-
-std::string SetNav(const char* text, WayOptions& way) {
-  way.nav = text;
-  return {};
-}
 
 std::string SetAltitude(const char* text, WayOptions& way) {
   int feet = 0;
@@ -44,17 +38,13 @@ constexpr OptionRow<WayOptions> WAY_OPTIONS[] = {
      "above the ground, or less than 2000 ft above ground that is higher than 5000 ft. What "
      "counts is the ground right under the way; obstacles and the pressure of the day are not known here",
      SetAltitude},
-    {"--nav", "FILE.db",
-     "navigation data, made by 'k7nav import', in which identifiers are looked up (default: the sample of "
-     "the "
-     "Salish Sea)",
-     SetNav},
 };
 
 class ProfileVerb : public Verb {
  public:
   void AddOptions(OptionTable& table) override {
     table.Add(WAY_OPTIONS, m_way);
+    AddNavOption(table, m_way.nav);
     AddTerrainOptions(table, m_terrain);
     AddThemeOption(table, m_look);
     AddSheetOptions(table, m_sheet);

@@ -2,12 +2,11 @@
 
 #include "layers/aerodrome_kinds.h"
 #include "layers/aerodrome_layer.h"
+#include "layers/read_set.h"
 #include "layers/shape_value.h"
 
-#include <k7/foundation/error_string.h>
 #include <k7/geometry/shape_rec.h>
 #include <k7/geometry/shape_table.h>
-#include <k7/io/io.h>
 #include "store/text_1252.h"
 
 #include <algorithm>
@@ -45,12 +44,9 @@ std::string AerodromeLayer::Load(const std::string& folder, const std::string& a
 std::string AerodromeLayer::LoadSet(const std::string& path, const AerodromeKind& kind,
                                     const std::string& airport, bool isNamed) {
   auto layer = std::make_unique<K7ShpLayer>(kind.type, static_cast<int>(m_sets.size()));
-  const int code = layer->Read(path.c_str(), K7IO::Inst());
+  if (std::string problem = ReadSet(*layer, path); !problem.empty()) return problem;
+  if (!layer->Features()) return "out of memory for the shapefile set '" + path + "'";
   const K7ShapeTable* const table = layer->Table();
-  if (code != 0 || !table || !layer->Features()) {
-    const char* const why = K7ErrorString::ErrorString(code != 0 ? code : int{K7_ERR_MEMORY});
-    return "cannot read the aerodrome set '" + path + "': " + (why ? why : "unknown error");
-  }
   std::vector<char> isOurs;
   for (int i = 0; i < table->RecordCount(); ++i) {
     const std::string of = ShapeText(*layer, *table->GetRecord(i), "IDARPT");

@@ -1,10 +1,9 @@
 #include "layers/shape_layer.h"
 
-#include "ink/readable.h"
-#include "ink/text.h"
 #include "layers/pick_grfx.h"
+#include "layers/read_set.h"
+#include "layers/shape_value.h"
 
-#include <k7/foundation/error_string.h>
 #include <k7/geometry/shape_rec.h>
 #include <k7/geometry/shape_table.h>
 #include <k7/io/io.h>
@@ -50,48 +49,13 @@ bool HasPositions(const K7ShpFile& file) {
   return file.StoredCount() == 0;
 }
 
-// UTF-8; empty for what is absent and for numbers.
-std::string TextOf(const K7ShapeTable& table, int record, const char* field) {
-  const int i = table.FindAttrib(field);
-  K7ShapeAttrib value;
-  if (table.AttribType(i) != K7_ATTRIB_TEXT || table.GetAttrib(*table.GetRecord(record), i, value) != 0)
-    return {};
-  const char* const text = value;
-  return text ? Utf8(text) : std::string();
-}
-
-// What cannot be read, `ending` being that of one of the three files of a set.
-std::string Unreadable(const std::filesystem::path& set, const char* ending, const std::string& why) {
-  if (K7String::IComp(set.extension().string().c_str(), ending) == 0)
-    return "cannot read '" + set.string() + "': " + why;
-  return "cannot read '" + std::filesystem::path(set).replace_extension(ending).string() +
-         "', which belongs to the shapefile set '" + set.string() + "': " + why;
-}
-
-// Empty when all files of the set open, else which does not and why.
-std::string MissingFile(const std::filesystem::path& set) {
-  for (const char* const ending : {".shp", ".dbf", ".shx"}) {
-    const bool isMain = K7String::IComp(set.extension().string().c_str(), ending) == 0;
-    const std::filesystem::path path = isMain ? set : std::filesystem::path(set).replace_extension(ending);
-    if (const std::string why = WhyUnreadable(path.string()); !why.empty())
-      return Unreadable(set, ending, why);
-  }
-  return {};
-}
-
 }  // namespace
 
 std::string ShapeLayer::Name() const { return std::filesystem::path(m_path).stem().string(); }
 
 std::string ShapeLayer::Load(Progress& progress) {
   progress.Step("reading " + Name());
-  if (std::string missing = MissingFile(m_path); !missing.empty()) return missing;
-  const int code = m_set.Read(m_path.c_str(), K7IO::Inst(), new Reader(progress));
-  const char* const message = K7ErrorString::ErrorString(code);
-  // By K7ShpPart: where the set itself is whole, what says how its texts are written is not.
-  const char* const endings[] = {".cpg", ".shp", ".dbf", ".shx"};
-  if (code != 0) return Unreadable(m_path, endings[m_set.BadFile()], message ? message : "unknown error");
-
+  if (std::string problem = ReadSet(m_set, m_path, new Reader(progress)); !problem.empty()) return problem;
   m_features.assign(static_cast<size_t>(m_set.Table()->RecordCount()), NOT_YET);
   // Sets in projected coordinates have no positions, and would draw nothing.
   return HasPositions(*m_set.File()) ? std::string()
@@ -137,8 +101,9 @@ void ShapeLayer::MakeReady(int record) {
                                   static_cast<int>(m_sizes.size()));
   if (feature < 0) return;
   m_features[static_cast<size_t>(record)] = feature;
-  m_isLakeLine.push_back(m_item == ThemeItem::Rivers &&
-                         TextOf(*m_set.Table(), record, "featurecla").starts_with("Lake"));
+  m_isLakeLine.push_back(
+      m_item == ThemeItem::Rivers &&
+      ShapeText(m_set, *m_set.Table()->GetRecord(record), "featurecla").starts_with("Lake"));
 }
 
 void ShapeLayer::DrawAreas(const LayerContext& context, K7MapPath& path, K7Grfx& g) {
@@ -204,7 +169,7 @@ void ShapeLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
 Picked ShapeLayer::Describe(int record) {
   std::string text;
   for (const char* const field : {"name", "featurecla"}) {
-    const std::string value = TextOf(*m_set.Table(), record, field);
+    const std::string value = ShapeText(m_set, *m_set.Table()->GetRecord(record), field);
     if (!value.empty()) text += (text.empty() ? ": " : ", ") + value;
   }
   return PickedShape(Name() + text, m_set, *m_set.Table()->GetRecord(record));
