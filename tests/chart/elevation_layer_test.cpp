@@ -159,6 +159,14 @@ TEST_F(ChartTest, FiguresStandInTheirCellsAtScalesOfSectionalCharts) {
     high += hasObstacle;
   }
   EXPECT_EQ(high, 1);
+  EXPECT_EQ(withFigures.Legend().at(0).text, "maximum elevation, 12,600 ft");
+  // Figures without obstacles look the same: the legend tells.
+  ElevationLayer ground(files, nullptr, graticule);
+  Chart ofGround({&earth, &graticule, &ground}, theme, progress);
+  ASSERT_EQ(ofGround.Show({K7_PROJ_LAMBERT, {49, -123.5}, 80, {}}, 1400, 900, 1), "");
+  LabelPlan plan(cairo, {-60, -60, 1460, 960});
+  ofGround.OfferLabels(12, plan);
+  EXPECT_NE(ofGround.Legend().at(0).text.find("no obstacles"), std::string::npos);
   cairo_destroy(cairo);
   cairo_surface_destroy(surface);
 }

@@ -160,3 +160,7 @@ std::optional<int> CellHeights::Find(const GraticuleCell& cell) const {
   if (terrain->feet <= 0 && !obstacle) return {};
   return MaximumElevationFigure(*terrain, obstacle);
 }
+
+bool CellHeights::KnowsObstacles() const {
+  return m_store && m_store->HighestObstacle(K7ChartRect(90, -90, 180, -180));
+}

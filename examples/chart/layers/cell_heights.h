@@ -43,6 +43,9 @@ class CellHeights {
 
   /// Feet. None where the terrain is not known, and on open water without obstacles.
   std::optional<int> Figure(const GraticuleCell& cell);
+  /// Whether there is any obstacle in the data: without one the figures are those of the ground alone, and
+  /// whoever reads them must know it.
+  bool KnowsObstacles() const;
 
  private:
   std::optional<int> Find(const GraticuleCell& cell) const;

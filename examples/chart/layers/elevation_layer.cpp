@@ -80,7 +80,8 @@ void ElevationLayer::OfferFirst(const LayerContext& context, double size, LabelP
 void ElevationLayer::AddToLegend(const LayerContext& context, std::vector<LegendEntry>& legend) const {
   if (!m_isDrawn) return;
   static const double SIZE = 13, ROOM = 8;  // pixels
-  legend.push_back({"maximum elevation, 12,600 ft",
+  legend.push_back({m_heights.KnowsObstacles() ? "maximum elevation, 12,600 ft"
+                                               : "to clear the ground, 12,600 ft; no obstacles",
                     [](K7Grfx&, double, double) {},
                     ROOM * context.scale,
                     {{FigureText(12600), ROOM / 2 * context.scale, FigureLettering(SIZE * context.scale)}}});

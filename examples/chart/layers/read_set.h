@@ -5,6 +5,6 @@
 
 #include <string>
 
-/// Reads a set; `reader`, which may be null, is the layer's from now on. Empty, or which file of the set cannot
-/// be read and why.
+/// Reads a set; `reader`, which may be null, is the layer's from now on. Empty, or which file of the set
+/// cannot be read and why.
 std::string ReadSet(K7ShpLayer& layer, const std::string& path, K7ShpFile* reader = nullptr);
