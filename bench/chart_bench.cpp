@@ -36,12 +36,6 @@ namespace {
 constexpr int WIDTH = 1600, HEIGHT = 1000;
 const std::string FINE = "/usr/share/magics/10m/ne_10m_";
 
-class Silent : public Progress {
- public:
-  void Step(const std::string&) override {}
-  void Within(double) override {}
-};
-
 class Counter : public K7GrfxK7 {
  public:
   Counter() : K7GrfxK7(1, 1) {}
@@ -66,7 +60,7 @@ struct Layers {
     for (const auto& layer : layers) pointers.push_back(layer.get());
   }
   bool valid = true;
-  Silent progress;
+  NoProgress progress;
   Theme theme;
   std::vector<std::unique_ptr<Layer>> layers;
   std::vector<Layer*> pointers;
@@ -89,7 +83,7 @@ void Redraw(benchmark::State& state, const std::string& start, double range) {
 void All(benchmark::State& state, const std::string& folder, int millions) {
   LayerOptions options;
   options.folder = folder;
-  Silent progress;
+  NoProgress progress;
   LayerStack stack;
   const auto scale = std::find_if(std::begin(DATA_SCALES), std::end(DATA_SCALES),
                                   [&](const DataScale& s) { return s.millions == millions; });

@@ -96,7 +96,7 @@ class AirportDiagramTest : public testing::Test {
   }
 
   static constexpr int SIDE = 1200;
-  Silent progress;
+  NoProgress progress;
   Theme theme;
   MemoryStore store;
   AerodromeLayer aerodrome;

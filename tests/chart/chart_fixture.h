@@ -10,12 +10,6 @@
 
 #include <gtest/gtest.h>
 
-class Silent : public Progress {
- public:
-  void Step(const std::string&) override {}
-  void Within(double) override {}
-};
-
 inline std::vector<std::string> TextsUnder(Chart& chart, double x, double y) {
   std::vector<std::string> texts;
   for (const Picked& thing : chart.Pick(x, y)) texts.push_back(thing.text);
@@ -28,7 +22,7 @@ class ChartTest : public testing::Test {
     EXPECT_EQ(land.Load(progress), "");
   }
 
-  Silent progress;
+  NoProgress progress;
   Theme theme;
   EarthLayer earth;
   ShapeLayer land;

@@ -67,7 +67,7 @@ class ContoursTest : public testing::Test {
     return {low, high};
   }
 
-  Silent progress;
+  NoProgress progress;
   TerrainFiles files;
   Theme theme;
 };

@@ -24,7 +24,7 @@ TEST(ElevationFigure, PublishedExamples) {
 }
 
 TEST(ElevationFigure, IsNeverBelowTheGridThatTheSampleIsMadeOf) {
-  Silent progress;
+  NoProgress progress;
   TerrainFiles files;
   ASSERT_EQ(files.Load(K7_SAMPLE_DATA "/terrain", progress), "");
   std::vector<std::array<double, 3>> grid;  // latitude, longitude, feet
@@ -86,7 +86,7 @@ TEST(ElevationFigure, PeaksOfCellsAcrossTilesRegionsAnd180) {
                  MadeRegion(30, side ? -180 : 178, 2, 2, N, [&](int row, int column) {
                    return posts[static_cast<size_t>(row)][static_cast<size_t>(column) + (side ? 2 * N : 0)];
                  }).Bytes());
-  Silent progress;
+  NoProgress progress;
   TerrainFiles files;
   ASSERT_EQ(files.Load(folder.Path(), progress), "");
   for (int i = 0; i < 200; ++i) {

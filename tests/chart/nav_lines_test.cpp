@@ -56,7 +56,7 @@ class NavLinesTest : public testing::Test {
 
   Tarsvald::MagVarWMM model;
   MemoryStore store;
-  Silent progress;
+  NoProgress progress;
   Theme theme;
   cairo_surface_t* surface;
   cairo_t* cairo;

@@ -74,7 +74,7 @@ class NavPointsTest : public testing::Test {
     return recorder.strokes[theme[item].line.blue];
   }
 
-  Silent progress;
+  NoProgress progress;
   Theme theme;
   MemoryStore store;
   std::vector<const K7Airport*> fields;

@@ -31,7 +31,7 @@ TEST(RouteFrameTest, ShowsAllOfARouteInEveryProjection) {
                                         {{70, -100}, {82, 170}},
                                         {{-1, 10}, {1, 10.2}}};
   Theme theme;
-  Silent progress;
+  NoProgress progress;
   for (int type = 0; type < 9; ++type)
     for (const std::vector<K7LatLon>& way : ways) {
       SCOPED_TRACE(std::to_string(type) + " from " + std::to_string(way[0].Lat()));
@@ -78,7 +78,7 @@ class RouteSheet {
 
  private:
   Theme m_theme;
-  Silent m_progress;
+  NoProgress m_progress;
   RouteLayer m_layer;
   Chart m_chart;
   cairo_surface_t* m_surface;

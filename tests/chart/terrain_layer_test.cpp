@@ -31,7 +31,7 @@ struct ImageGrfx : K7GrfxK7 {
 };
 
 TEST(TerrainLayer, ReliefStandsWhereItsDataAre) {
-  Silent progress;
+  NoProgress progress;
   TerrainFiles files;
   EXPECT_NE(files.Load(K7_SAMPLE_DATA "/nowhere", progress), "");
   EXPECT_NE(files.Load(K7_SAMPLE_DATA "/magnetic", progress), "");

@@ -41,7 +41,7 @@ class UnderlayTest : public testing::Test {
   }
 
   TempDir m_dir;
-  Silent m_progress;
+  NoProgress m_progress;
   Theme m_day;
 };
 

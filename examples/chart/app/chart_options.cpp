@@ -61,14 +61,7 @@ std::string SetRange(const char* text, ChartRequest& request) {
   return {};
 }
 
-std::string SetTheme(const char* text, LookOptions& look) {
-  for (const char* const shipped : {"day", "night", "printed"})
-    if (K7String::IComp(text, shipped) == 0)
-      return look.theme.Read(SharedData("themes") + "/" + shipped + ".xml");
-  const std::string path = text;
-  if (path.size() > 4 && K7String::IComp(text + path.size() - 4, ".xml") == 0) return look.theme.Read(path);
-  return "unknown theme " + Quoted(text) + " (day, night, printed, or a file that ends in .xml)";
-}
+std::string SetTheme(const char* text, LookOptions& look) { return ReadTheme(text, look.theme); }
 
 constexpr OptionRow<ChartRequest> PROJECTION_OPTIONS[] = {
     {"--projection", "NAME", "one of ", SetProjection, false,
@@ -121,6 +114,15 @@ constexpr OptionRow<LookOptions> PART_OPTIONS[] = {
 }  // namespace
 
 std::span<const NamedProjection> Projections() { return PROJECTIONS; }
+
+std::string ReadTheme(const std::string& name, Theme& theme) {
+  for (const char* const shipped : SHIPPED_THEMES)
+    if (K7String::IComp(name.c_str(), shipped) == 0)
+      return theme.Read(SharedData("themes") + "/" + shipped + ".xml");
+  if (name.size() > 4 && K7String::IComp(name.c_str() + name.size() - 4, ".xml") == 0)
+    return theme.Read(name);
+  return "unknown theme " + Quoted(name) + " (day, night, printed, or a file that ends in .xml)";
+}
 
 void AddProjectionOptions(OptionTable& table, ChartRequest& request) {
   table.Add(PROJECTION_OPTIONS, request);

@@ -27,6 +27,9 @@ struct LookOptions {
   std::string writeTo;  // file for the theme with the layers as the chart has them; empty: none
 };
 
+inline constexpr const char* SHIPPED_THEMES[] = {"day", "night", "printed"};
+/// One of those, or a file that ends in .xml. Empty, or what is wrong.
+std::string ReadTheme(const std::string& name, Theme& theme);
 /// --theme
 void AddThemeOption(OptionTable& table, LookOptions& look);
 /// --theme, --write-theme, --no-graticule, --no-legend.

@@ -70,13 +70,6 @@ std::vector<Layer*> LayerStack::Layers() const {
   return layers;
 }
 
-const DataScale& DataScaleOf(const ChartRequest& request) {
-  // An eye that was placed by hand may be near the ground.
-  static const double NEAR_NM = 1000;
-  const bool placedEye = request.type == K7_PROJ_PERSPECTIVE && !request.params.empty();
-  return ScaleFor(placedEye ? NEAR_NM : request.rangeNM);
-}
-
 ChartBox WholeSheet(const SheetOptions& sheet) {
   const double size = std::max(9.0, std::min(sheet.width, sheet.height) / 80.0);
   return {0, 0, sheet.width * 1.0, sheet.height * 1.0, size};

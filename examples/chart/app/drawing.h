@@ -8,6 +8,7 @@
 #include "app/terrain_source.h"
 
 #include "sheet/chart_sheet.h"
+#include "web/map_data.h"
 
 #include <cairo.h>
 
@@ -15,12 +16,12 @@
 #include <memory>
 
 /// The layers of a chart with their data, from the ground up.
-class LayerStack {
+class LayerStack : public LayerSet {
  public:
   /// Reads the sets for a chart of that scale, and opens what the other layers draw from. Empty, or what went
   /// wrong.
   std::string Load(const LayerOptions& options, const DataScale& scale, bool graticule, Progress& progress);
-  std::vector<Layer*> Layers() const;
+  std::vector<Layer*> Layers() const override;
 
  private:
   std::unique_ptr<Layer> Make(const LayerRequest& request, const LayerOptions& options, Progress& progress,
@@ -33,8 +34,6 @@ class LayerStack {
   std::vector<std::unique_ptr<Layer>> m_layers;
 };
 
-/// The scale of the data that suit a chart.
-const DataScale& DataScaleOf(const ChartRequest& request);
 /// A chart that takes the whole sheet.
 ChartBox WholeSheet(const SheetOptions& sheet);
 

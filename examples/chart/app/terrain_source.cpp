@@ -6,12 +6,6 @@
 
 namespace {
 
-class NoProgress : public Progress {
- public:
-  void Step(const std::string&) override {}
-  void Within(double) override {}
-};
-
 std::string Load(const std::string& folder, Progress& progress, TerrainFiles& files) {
   if (folder.empty())
     return "no terrain: '--terrain FOLDER' names region files that 'k7terrain build' has made";

@@ -115,46 +115,46 @@ bool LabelPlan::IsNamed(const std::string& text, const PixelBox& place) const {
   });
 }
 
-void LabelPlan::DrawBox(const Theme& theme, const Label& label, double scale) const {
+void LabelPlan::DrawBox(cairo_t* cairo, const Theme& theme, const Label& label, double scale) const {
   const ThemeEntry& entry = theme[label.lettering.item];
   const PixelBox box = BoxOf(label);
-  cairo_rectangle(m_cairo, box.left, box.top, box.right - box.left, box.bottom - box.top);
-  SetColor(m_cairo, entry.fill);
-  cairo_fill_preserve(m_cairo);
-  Stroke(m_cairo, entry, 0.8 * scale);
+  cairo_rectangle(cairo, box.left, box.top, box.right - box.left, box.bottom - box.top);
+  SetColor(cairo, entry.fill);
+  cairo_fill_preserve(cairo);
+  Stroke(cairo, entry, 0.8 * scale);
 }
 
-void LabelPlan::DrawLabel(const Theme& theme, const Label& label, double scale) const {
-  cairo_save(m_cairo);
-  cairo_translate(m_cairo, label.x, label.y);
-  cairo_rotate(m_cairo, label.turn);
-  cairo_translate(m_cairo, -label.x, -label.y);
-  if (label.boxed) DrawBox(theme, label, scale);
-  WriteText(m_cairo, theme, label.text, label.x, label.y, label.lettering);
-  cairo_restore(m_cairo);
+void LabelPlan::DrawLabel(cairo_t* cairo, const Theme& theme, const Label& label, double scale) const {
+  cairo_save(cairo);
+  cairo_translate(cairo, label.x, label.y);
+  cairo_rotate(cairo, label.turn);
+  cairo_translate(cairo, -label.x, -label.y);
+  if (label.boxed) DrawBox(cairo, theme, label, scale);
+  WriteText(cairo, theme, label.text, label.x, label.y, label.lettering);
+  cairo_restore(cairo);
 }
 
-void LabelPlan::Draw(const Theme& theme, double scale, const Opacity& opacity) const {
+void LabelPlan::Draw(cairo_t* cairo, const Theme& theme, double scale, const Opacity& opacity) const {
   for (const Tick& tick : m_ticks) {
-    cairo_move_to(m_cairo, tick.x1, tick.y1);
-    cairo_line_to(m_cairo, tick.x2, tick.y2);
+    cairo_move_to(cairo, tick.x1, tick.y1);
+    cairo_line_to(cairo, tick.x2, tick.y2);
   }
-  Stroke(m_cairo, theme[ThemeItem::Neatline], scale);
+  Stroke(cairo, theme[ThemeItem::Neatline], scale);
   for (const Label& label : m_labels) {
     const double shown = opacity ? opacity(label, PlaceOf(label)) : 1;
     if (shown >= 1) {
-      DrawLabel(theme, label, scale);
+      DrawLabel(cairo, theme, label, scale);
       continue;
     }
     // Letters and halo fade as one.
     const PixelBox bounds = PlaceOf(label).Bounds();
-    cairo_save(m_cairo);
-    cairo_rectangle(m_cairo, bounds.left, bounds.top, bounds.right - bounds.left, bounds.bottom - bounds.top);
-    cairo_clip(m_cairo);
-    cairo_push_group(m_cairo);
-    DrawLabel(theme, label, scale);
-    cairo_pop_group_to_source(m_cairo);
-    cairo_paint_with_alpha(m_cairo, shown);
-    cairo_restore(m_cairo);
+    cairo_save(cairo);
+    cairo_rectangle(cairo, bounds.left, bounds.top, bounds.right - bounds.left, bounds.bottom - bounds.top);
+    cairo_clip(cairo);
+    cairo_push_group(cairo);
+    DrawLabel(cairo, theme, label, scale);
+    cairo_pop_group_to_source(cairo);
+    cairo_paint_with_alpha(cairo, shown);
+    cairo_restore(cairo);
   }
 }

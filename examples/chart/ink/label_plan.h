@@ -37,7 +37,7 @@ struct Label {
 /// window, in which the sheet's room around it lies outside.
 class LabelPlan {
  public:
-  /// `sheet`: where labels may stand at all.
+  /// `sheet`: where labels may stand at all. Texts are measured on the context.
   LabelPlan(cairo_t* cairo, const PixelBox& sheet);
 
   double Width(const std::string& text, const Lettering& lettering) const;
@@ -67,7 +67,11 @@ class LabelPlan {
   /// How opaque a label is drawn, from 0 to 1.
   using Opacity = std::function<double(const Label& label, const TurnedBox& place)>;
   /// Without `opacity`, wholly.
-  void Draw(const Theme& theme, double scale, const Opacity& opacity = {}) const;
+  void Draw(const Theme& theme, double scale, const Opacity& opacity = {}) const {
+    Draw(m_cairo, theme, scale, opacity);
+  }
+  /// On another context than the one that measured.
+  void Draw(cairo_t* cairo, const Theme& theme, double scale, const Opacity& opacity) const;
 
  private:
   struct Named {
@@ -81,8 +85,8 @@ class LabelPlan {
     return static_cast<size_t>(row) * static_cast<size_t>(m_columns) + static_cast<size_t>(column);
   }
   CellRange CellsOf(const PixelBox& bounds) const;
-  void DrawLabel(const Theme& theme, const Label& label, double scale) const;
-  void DrawBox(const Theme& theme, const Label& label, double scale) const;
+  void DrawLabel(cairo_t* cairo, const Theme& theme, const Label& label, double scale) const;
+  void DrawBox(cairo_t* cairo, const Theme& theme, const Label& label, double scale) const;
 
   cairo_t* m_cairo;
   PixelBox m_sheet;

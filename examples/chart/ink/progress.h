@@ -17,3 +17,10 @@ class Progress {
   Progress(const Progress&) = default;
   Progress& operator=(const Progress&) = default;
 };
+
+/// For those who show nothing.
+class NoProgress : public Progress {
+ public:
+  void Step(const std::string&) override {}
+  void Within(double) override {}
+};

@@ -21,6 +21,13 @@ ThemeItem ItemOf(const char* component) {
 
 }  // namespace
 
+const DataScale& DataScaleOf(const ChartRequest& request) {
+  // An eye that was placed by hand may be near the ground.
+  static const double NEAR_NM = 1000;
+  const bool placedEye = request.type == K7_PROJ_PERSPECTIVE && !request.params.empty();
+  return ScaleFor(placedEye ? NEAR_NM : request.rangeNM);
+}
+
 Chart::Chart(const std::vector<Layer*>& layers, const Theme& theme, Progress& progress)
     : m_layers(layers, theme), m_theme(theme), m_progress(progress) {}
 
@@ -36,7 +43,9 @@ std::string Chart::Show(const ChartRequest& request, int width, int height, doub
   view->SetTurn(request.turn);
   if (view->IsTilted() && request.rangeNM > 0)
     return "a tilted view shows what its field of view holds: it takes no --range";
-  if (const int code = view->LookAt(c.Lat(), c.Lon(), request.rangeNM)) {
+  const int code = request.zoom > 0 ? view->LookAtZoom(c.Lat(), c.Lon(), request.zoom)
+                                    : view->LookAt(c.Lat(), c.Lon(), request.rangeNM);
+  if (code != 0) {
     if (view->IsTilted())
       return "the eye sees nothing but sky: the chart needs a lower Pitch, a lower Altitude (ft) or a wider "
              "Field of View Y (degs)";

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "layers/layer_list.h"
+#include "layers/layer_table.h"
 #include "layers/projection_params.h"
 #include "layers/route_veil.h"
 
@@ -21,7 +22,11 @@ struct ChartRequest {
   ProjectionParams params;
   std::string title{};  // in the margin, where there is one
   double turn = 0;      // the true course that points up, degrees
+  double zoom = 0;      // a magnification in place of the range, as `K7Grfx::GetZoom` counts it; 0: none
 };
+
+/// The scale of the data that suit a chart.
+const DataScale& DataScaleOf(const ChartRequest& request);
 
 /// Keeps its view from one drawing to the next and draws into any graphics context; layers and theme stay
 /// the caller's and must outlive it.

@@ -1,0 +1,51 @@
+// Maps without frame and margin, as browsers and geographic programs ask for them.
+#pragma once
+
+#include "layers/chart.h"
+#include "web/map_data.h"
+
+#include <cairo.h>
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct MapRequest {
+  ChartRequest chart;
+  int width = 0, height = 0;                  // pixels
+  double scale = 1;                           // of lines, symbols and lettering: 2 for a screen of fine pixels
+  std::string theme{};                        // empty: the usual one
+  std::vector<std::string> shown{}, hidden{}; // layers by their names, beside what the theme has on
+  const DataScale* data = nullptr;            // null: that which suits the chart
+  Layer* top = nullptr;                       // over all others, as a route; the caller's
+  unsigned char offRouteAlpha = 255;
+};
+
+/// The charts of one thread: layers are read when they are first wanted and kept.
+class MapPainter {
+ public:
+  /// The data stay the caller's and must outlive the painter.
+  explicit MapPainter(const MapData& data) : m_data(data) {}
+
+  /// Looks at what is asked for and finds places for its labels. Empty, or why there is no such map.
+  std::string Show(const MapRequest& request);
+  /// What `Show` last showed, until it is called again.
+  Chart& Shown() { return *m_chart; }
+  /// Draws it with the upper left corner at the context's origin. Empty, or what went wrong.
+  std::string Draw(cairo_t* cairo);
+  /// Shows and draws it, and appends it as a PNG file. Empty, or what went wrong.
+  std::string DrawPng(const MapRequest& request, std::vector<unsigned char>& png);
+
+ private:
+  LayerSet* Open(const DataScale& scale, std::string& problem);
+
+  const MapData& m_data;
+  std::array<std::unique_ptr<LayerSet>, std::size(DATA_SCALES)> m_layers;
+  NoProgress m_progress;
+  std::unique_ptr<Chart> m_chart;
+  std::optional<LabelPlan> m_labels;
+  const Theme* m_theme = nullptr;
+  double m_scale = 1;
+};
