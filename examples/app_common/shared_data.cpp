@@ -26,3 +26,8 @@ std::string SampleNav() {
   if (!installed.empty()) return installed;
   return std::filesystem::exists(K7CHART_BUILT_NAV, failed) ? K7CHART_BUILT_NAV : "";
 }
+
+std::string PageFolder() {
+  std::string installed = Installed("page");
+  return installed.empty() ? K7CHART_SOURCE_PAGE : installed;
+}

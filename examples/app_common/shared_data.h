@@ -7,3 +7,5 @@
 std::string SharedData(const char* folder);
 /// The sample of navigation data, as the build imported it; empty where it is not there.
 std::string SampleNav();
+/// The folder of the page that 'k7chart serve' shows.
+std::string PageFolder();

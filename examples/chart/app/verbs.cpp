@@ -8,6 +8,7 @@ std::unique_ptr<Verb> MakeRoute();
 std::unique_ptr<Verb> MakeProfile();
 std::unique_ptr<Verb> MakeAirport();
 std::unique_ptr<Verb> MakeElev();
+std::unique_ptr<Verb> MakeServe();
 std::unique_ptr<Verb> MakeLayers();
 std::unique_ptr<Verb> MakeProjections();
 
@@ -24,6 +25,7 @@ constexpr VerbRow VERBS[] = {
      "Draws the ground under the great circles between identifiers or positions.", MakeProfile},
     {"airport", "IDENT [OPTION]...", "Draws an airport's diagram.", MakeAirport},
     {"elev", "POSITION... [OPTION]...", "Says how high the ground is at positions.", MakeElev},
+    {"serve", "[OPTION]...", "Shows charts to browsers, map programs and tablets, over HTTP.", MakeServe},
     {"layers", "[OPTION]...", "Lists the layers and which of them the data folder has.", MakeLayers},
     {"projections", "", "Lists the projections with their parameters.", MakeProjections},
     HELP_VERB,

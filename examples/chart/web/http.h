@@ -32,6 +32,7 @@ HttpAnswer Refuse(int status, const std::string& why);
 struct Endpoint {
   const char* path;  ///< one that ends in '/' has all below it
   HttpAnswer (*answer)(const HttpRequest& request, Desk& desk);
+  bool open = false;  ///< pages of other ports of this machine may read what it answers
 };
 
 /// All of them; the longest path that fits has the request.

@@ -14,12 +14,12 @@
 
 struct MapRequest {
   ChartRequest chart;
-  int width = 0, height = 0;                  // pixels
-  double scale = 1;                           // of lines, symbols and lettering: 2 for a screen of fine pixels
-  std::string theme{};                        // empty: the usual one
-  std::vector<std::string> shown{}, hidden{}; // layers by their names, beside what the theme has on
-  const DataScale* data = nullptr;            // null: that which suits the chart
-  Layer* top = nullptr;                       // over all others, as a route; the caller's
+  int width = 0, height = 0;  // pixels
+  double scale = 1;           // of lines, symbols and lettering: 2 for a screen of fine pixels
+  std::string theme{};        // empty: the usual one
+  std::vector<std::string> shown{}, hidden{};  // layers by their names, beside what the theme has on
+  const DataScale* data = nullptr;             // null: that which suits the chart
+  Layer* top = nullptr;                        // over all others, as a route; the caller's
   unsigned char offRouteAlpha = 255;
 };
 
