@@ -13,6 +13,8 @@
 #include <k7/foundation/error_string.h>
 #include <k7/geodesy/magvar.h>
 
+#include <mutex>
+
 std::string WhyNoStore(const std::string& path, NavStore& store) {
   if (path.empty())
     return "no navigation data: '--nav FILE.db' names a database that 'k7nav import' has made";
@@ -27,13 +29,19 @@ std::string WhyNoStore(const std::string& path, NavStore& store) {
 }
 
 std::string WhyNoMagneticModel(const std::string& path) {
+  // The model is the process's, and other threads may be asking it when one more opens its layers.
+  static std::mutex mutex;
+  static std::string known;
+  const std::lock_guard lock(mutex);
+  if (!path.empty() && path == known) return {};
   if (const std::string why = WhyUnreadable(path); !why.empty())
     return "cannot read the magnetic model " + Quoted(path) + ": " + why;
   K7MagVar::SetFilename(path.c_str());
   const Tarsvald::MagVar* const model = K7MagVar::GetMagVar();
-  return model && model->Position(nullptr, 0, 0, 0, 0)
-             ? std::string()
-             : Quoted(path) + " holds no coefficients of a magnetic model";
+  if (!model || !model->Position(nullptr, 0, 0, 0, 0))
+    return Quoted(path) + " holds no coefficients of a magnetic model";
+  known = path;
+  return {};
 }
 
 std::string NavSource::OpenStore(const std::string& path) {

@@ -26,6 +26,7 @@ class NavSource {
 
 /// Empty, or why the file cannot serve.
 std::string WhyNoStore(const std::string& path, NavStore& store);
+/// Makes it the model of the process; once it is, any thread may call this for it.
 std::string WhyNoMagneticModel(const std::string& path);
 /// --nav, for verbs that draw no layers of them: `file` becomes the sample's, until the option is given.
 void AddNavOption(OptionTable& table, std::string& file);

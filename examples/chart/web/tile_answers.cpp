@@ -2,50 +2,29 @@
 
 #include "web/desk.h"
 #include "web/json.h"
+#include "web/tile_path.h"
 
-#include <charconv>
 #include <cmath>
 #include <numbers>
 
 namespace {
 
 constexpr std::string_view FOLDER = "/tiles/";
-constexpr int MOST_ZOOM = 20;
-
-bool TakeSuffix(std::string_view& text, std::string_view suffix) {
-  if (!text.ends_with(suffix)) return false;
-  text.remove_suffix(suffix.size());
-  return true;
-}
-
-// The step in front of the next slash.
-std::string_view TakeStep(std::string_view& path) {
-  const std::string_view step = path.substr(0, path.find('/'));
-  path.remove_prefix(std::min(step.size() + 1, path.size()));
-  return step;
-}
-
-// As "{z}" becomes it: digits alone, without zeros in front, so that each tile has one address.
-bool ReadIndex(std::string_view text, int& value) {
-  const bool isPlain =
-      !text.empty() && text[0] >= '0' && text[0] <= '9' && (text[0] != '0' || text.size() == 1);
-  const auto [end, failed] = std::from_chars(text.data(), text.data() + text.size(), value);
-  return isPlain && failed == std::errc() && end == text.data() + text.size();
-}
 
 std::string_view BelowFolder(const HttpRequest& request) {
   return std::string_view(request.path).substr(std::min(FOLDER.size(), request.path.size()));
 }
 
 std::optional<std::string> ThemeOfJson(const HttpRequest& request) {
-  std::string_view name = BelowFolder(request);
-  if (!TakeSuffix(name, ".json") || name.find('/') != std::string_view::npos) return std::nullopt;
-  return std::string(name);
+  static constexpr std::string_view SUFFIX = ".json";
+  const std::string_view name = BelowFolder(request);
+  if (!name.ends_with(SUFFIX) || name.find('/') != std::string_view::npos) return std::nullopt;
+  return std::string(name.substr(0, name.size() - SUFFIX.size()));
 }
 
 std::string KeyOf(const TilePath& tile) {
-  return tile.theme + "/" + std::to_string(tile.z) + "/" + std::to_string(tile.x) + "/" +
-         std::to_string(tile.y) + "@" + std::to_string(tile.ratio);
+  return tile.theme + "/" + std::to_string(tile.id.z) + "/" + std::to_string(tile.id.x) + "/" +
+         std::to_string(tile.id.y) + "@" + std::to_string(tile.ratio);
 }
 
 HttpAnswer TileAnswer(const std::string& file) { return {.type = "image/png", .body = file}; }
@@ -63,14 +42,14 @@ HttpAnswer TileJson(const std::string& theme, const HttpRequest& request) {
 
 // One tile at a time, drawn as a map of its own.
 std::string DrawTile(const TilePath& tile, Desk& desk, std::string& file) {
-  const double tiles = std::ldexp(1, tile.z);
-  const double north = std::numbers::pi * (1 - 2 * (tile.y + 0.5) / tiles);
+  const double tiles = std::ldexp(1, tile.id.z);
+  const double north = std::numbers::pi * (1 - 2 * (tile.id.y + 0.5) / tiles);
   MapRequest map;
   map.chart.type = K7_PROJ_MERCATOR;
   map.chart.center =
-      K7LatLon(std::atan(std::sinh(north)) * 180 / std::numbers::pi, (tile.x + 0.5) / tiles * 360 - 180);
+      K7LatLon(std::atan(std::sinh(north)) * 180 / std::numbers::pi, (tile.id.x + 0.5) / tiles * 360 - 180);
   map.chart.rangeNM = std::min(10800.0, 10800 / tiles / std::cosh(north));
-  map.width = map.height = 256 * tile.ratio;
+  map.width = map.height = TILE_PIXELS * tile.ratio;
   map.scale = tile.ratio;
   map.theme = tile.theme;
   std::vector<unsigned char> png;
@@ -80,17 +59,6 @@ std::string DrawTile(const TilePath& tile, Desk& desk, std::string& file) {
 }
 
 }  // namespace
-
-std::optional<TilePath> ReadTilePath(std::string_view path) {
-  TilePath tile;
-  if (!TakeSuffix(path, ".png")) return std::nullopt;
-  if (TakeSuffix(path, "@2x")) tile.ratio = 2;
-  tile.theme = TakeStep(path);
-  const std::string_view z = TakeStep(path), x = TakeStep(path);
-  if (!ReadIndex(z, tile.z) || !ReadIndex(x, tile.x) || !ReadIndex(path, tile.y)) return std::nullopt;
-  const bool isThere = tile.z <= MOST_ZOOM && tile.x < 1 << tile.z && tile.y < 1 << tile.z;
-  return isThere ? std::optional(tile) : std::nullopt;
-}
 
 std::optional<HttpAnswer> TileAtOnce(const HttpRequest& request, const MapData& data, TileCache* tiles) {
   const std::optional<std::string> described = ThemeOfJson(request);
