@@ -168,6 +168,10 @@ bool HttpServer::Core::Check(Exchange& exchange) {
   } else if (status != 200) {
     exchange.answer =
         Refuse(status, status == 414 ? "the address is too long" : "the address cannot be read");
+  } else if (!Site::IsOpen(exchange.request) && Header(connection, "Sec-Fetch-Site") == "cross-site" &&
+             Header(connection, "Sec-Fetch-Mode") != "navigate") {
+    // Another site may link to the page, but has no use for its parts.
+    exchange.answer = Refuse(403, "this is for pages of this server");
   } else {
     exchange.request.origin = "http://" + std::string(host);
     return true;

@@ -10,7 +10,7 @@ inline constexpr unsigned MAX_CONNECTIONS = 512;
 inline constexpr unsigned MAX_CONNECTIONS_OF_ADDRESS = 64;  // not for this machine's own
 inline constexpr unsigned IDLE_SECONDS = 30;
 
-inline constexpr size_t MAX_QUEUE = 512;        // requests that wait for a thread that draws
+inline constexpr size_t MAX_QUEUE = 256;        // requests that wait for a thread that draws
 inline constexpr double MAX_WAIT_SECONDS = 20;  // no one waits longer for a map to be begun
 inline constexpr int RETRY_SECONDS = 2;
 
