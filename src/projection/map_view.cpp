@@ -93,6 +93,10 @@ int K7MapView::LookAtZoom(double lat, double lon, double zoom) {
   return m_isSet ? K7_OK : K7_ERR_PROJECTION_RANGE;
 }
 
+void K7MapView::SetNMPerPixel(double nmPerPixel) {
+  if (m_isSet && nmPerPixel > 0 && std::isfinite(nmPerPixel)) m_nmPerPixel = nmPerPixel;
+}
+
 int K7MapView::Place(double lat, double lon, double zoom) {
   if (!m_projection || Width() <= 0 || Height() <= 0) return K7_ERR_BAD_ARGUMENT;
   if (!(std::fabs(lat) <= 90 && std::fabs(lon) <= MAX_LON)) return K7_ERR_BAD_ARGUMENT;

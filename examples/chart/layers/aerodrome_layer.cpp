@@ -212,7 +212,7 @@ void AerodromeLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
 
 void AerodromeLayer::OfferLabels(const LayerContext& context, K7MapPath&, double size, LabelPlan& plan) {
   static const double CAPITALS = 0.72;
-  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
+  const PixelBox window = context.Part();
   std::string text;
   for (auto set = m_sets.rbegin(); set != m_sets.rend(); ++set) {
     const AerodromeKind& kind = *set->kind;

@@ -152,7 +152,7 @@ bool AirspaceLayer::OfferName(const LayerContext& context, const Airspace& airsp
                               LabelPlan& plan) const {
   static const int SPOTS = 11;
   const K7MapView& view = context.view;
-  const PixelBox window = {0, 0, view.Width() * 1.0, view.Height() * 1.0};
+  const PixelBox window = context.Part();
   const PixelBox& b = airspace.bounds;
   Label name = {airspace.name,
                 0,

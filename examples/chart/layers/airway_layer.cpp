@@ -117,7 +117,7 @@ void AirwayLayer::DrawLines(const LayerContext& context, K7MapPath&, K7Grfx& g) 
 struct AirwayLayer::Writer {
   Writer(const LayerContext& context, double size, bool teeming, LabelPlan& labels)
       : plan(labels),
-        window{0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0},
+        window{context.Part()},
         letters(size * LETTERS),
         spacing(teeming ? TEEMING_APART * letters : 0.5) {}
 

@@ -52,6 +52,8 @@ std::string Chart::Show(const ChartRequest& request, int width, int height, doub
     return std::string("this centre, range and parameters give no ") + m_projection->Name() +
            " chart: " + K7ErrorString::ErrorString(code);
   }
+  if (request.nmPerPixel > 0) view->SetNMPerPixel(request.nmPerPixel);
+  m_overhang = request.overhang;
   m_view = std::move(view);
   m_path = std::make_unique<K7MapPath>(*m_view);
   m_scale = scale;

@@ -23,6 +23,9 @@ struct ChartRequest {
   std::string title{};  // in the margin, where there is one
   double turn = 0;      // the true course that points up, degrees
   double zoom = 0;      // a magnification in place of the range, as `K7Grfx::GetZoom` counts it; 0: none
+  // Of one piece of a larger picture, whose pieces agree where they meet:
+  double overhang = 0;    // pixels of the window on each side that the pieces around it show; 0: no piece
+  double nmPerPixel = 0;  // the scale by which all pieces choose what they show; 0: the centre's
 };
 
 /// The scale of the data that suit a chart.
@@ -75,7 +78,7 @@ class Chart : public K7Chart {
   double DataScale() const;
 
  private:
-  LayerContext Context() const { return {*m_view, m_theme, m_scale, m_progress}; }
+  LayerContext Context() const { return {*m_view, m_theme, m_scale, m_progress, m_overhang}; }
   template <class Visit>
   void VisitShown(Visit visit) const;
   Layer* VisibleRoute() const;
@@ -88,6 +91,7 @@ class Chart : public K7Chart {
   std::unique_ptr<K7MapView> m_view;
   std::unique_ptr<K7MapPath> m_path;
   double m_scale = 1;
+  double m_overhang = 0;
   bool m_useLegend = true;
   unsigned char m_offRouteAlpha = 255;
 };

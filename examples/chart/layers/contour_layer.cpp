@@ -132,7 +132,7 @@ void ContourLayer::DrawAreas(const LayerContext& context, K7MapPath&, K7Grfx& g)
 }
 
 void ContourLayer::OfferDetails(const LayerContext& context, double size, LabelPlan& plan) {
-  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
+  const PixelBox window = context.Part();
   const std::vector<Contour>& lines = Lines(context);
   // In low country none may be an index.
   const bool hasIndex =

@@ -42,10 +42,15 @@ bool IsInCell(const K7MapView& view, const GraticuleCell& cell, const PixelBox& 
 }
 
 // Where there is room for a label in a cell; false for nowhere.
-bool PlaceIn(const GraticuleCell& cell, const K7MapView& view, const LabelPlan& plan, Label& label) {
+bool PlaceIn(const GraticuleCell& cell, const LayerContext& context, const LabelPlan& plan, Label& label) {
   static const std::vector<Offset> OFFSETS = Offsets();
   static const double MIDDLE = 0.36;  // of the letter size above the baseline
-  const PixelBox window = {0, 0, view.Width() * 1.0, view.Height() * 1.0};
+  const K7MapView& view = context.view;
+  const PixelBox window = context.Part();
+  // A cell's figure is written once: by the piece that has its middle.
+  double x, y;
+  view.ToDevice(cell.south + cell.height / 2, std::remainder(cell.west + cell.width / 2, 360), x, y);
+  if (context.IsPiece() && !window.Holds({x, y, x, y})) return false;
   for (const Offset& offset : OFFSETS) {
     const double lat = cell.south + (0.5 + offset.north) * cell.height;
     const double lon = std::remainder(cell.west + (0.5 + offset.east) * cell.width, 360);
@@ -69,7 +74,7 @@ void ElevationLayer::OfferFirst(const LayerContext& context, double size, LabelP
   for (const GraticuleCell& cell : m_graticule.Cells()) {
     // A cell without room for any figure, as towards a horizon, is not looked into.
     Label label = {"88\u2078", 0, 0, FigureLettering(size * LETTERS)};
-    if (!PlaceIn(cell, context.view, plan, label)) continue;
+    if (!PlaceIn(cell, context, plan, label)) continue;
     const std::optional<int> feet = m_heights.Figure(cell);
     if (!feet) continue;
     label.text = FigureText(*feet);

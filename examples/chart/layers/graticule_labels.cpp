@@ -46,6 +46,8 @@ struct GraticuleLayer::Lettered {
 };
 
 void GraticuleLayer::OfferLabels(const LayerContext& context, K7MapPath& path, double size, LabelPlan& plan) {
+  // Each piece of a picture would repeat them.
+  if (context.IsPiece()) return;
   Lettered lettered{context.view, size, plan, {}, {}, std::vector<char>(m_lines.size(), 0)};
   FrameSink sink(context.view.Width(), context.view.Height());
   for (int i = 0; i < m_features.Count(); ++i) {

@@ -45,6 +45,7 @@ constexpr double WANTED_LINES = 6;
 constexpr double POLAR_STEP = 30;
 
 constexpr double TOLERANCE = 1e-9;
+constexpr double PIECE_SPAN = 1000;  // pixels that have as many lines as a chart
 // A flat map ends a hair before 180 degrees from its middle: a line there is its edge.
 constexpr double EDGE = 1e-6;
 
@@ -103,6 +104,12 @@ void GraticuleLayer::Prepare(const LayerContext& context) {
   const double lons = std::max(Variation(view, true, false), Variation(view, false, false));
   m_latStep = StepFor(LineKind::Parallel, std::min(lats, 2 * (m_north - m_south)));
   m_lonStep = StepFor(LineKind::Meridian, std::min(lons, m_east - m_west));
+  // Pieces of a picture have lines by its scale, not by what each of them shows.
+  if (context.IsPiece()) {
+    const double degrees = context.view.NMPerPixel() * context.scale * PIECE_SPAN / 60;
+    m_latStep = StepFor(LineKind::Parallel, degrees);
+    m_lonStep = StepFor(LineKind::Meridian, degrees);
+  }
   // A straight walk past a pole says little about meridians.
   const bool polar = m_seesPole && std::fabs(view.CenterLat()) > 60;
   if (polar && m_converge) m_lonStep = {POLAR_STEP, 0};

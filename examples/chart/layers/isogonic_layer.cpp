@@ -59,7 +59,7 @@ void IsogonicLayer::DrawLines(const LayerContext& context, K7MapPath&, K7Grfx& g
 }
 
 void IsogonicLayer::OfferLabels(const LayerContext& context, K7MapPath&, double size, LabelPlan& plan) {
-  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
+  const PixelBox window = context.Part();
   const double letters = size * 0.85;
   for (const Isogonic& isogonic : m_lines) {
     Label label = {VariationText(isogonic.variation),

@@ -20,6 +20,12 @@ struct LayerContext {
   const Theme& theme;
   double scale;  // of widths and symbols: 1 on a sheet of ordinary size
   Progress& progress;
+  double overhang = 0;  // pixels of the window on each side that belong to the pieces of a picture around it
+
+  /// Whether it is a piece of a larger picture, which cuts what others show too.
+  bool IsPiece() const { return overhang > 0; }
+  /// The part of the window in which lettering stands.
+  PixelBox Part() const { return {overhang, overhang, view.Width() - overhang, view.Height() - overhang}; }
 };
 
 /// Lettering that belongs to what a legend shows, `x` pixels from the place that it is drawn about.

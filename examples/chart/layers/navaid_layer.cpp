@@ -213,7 +213,7 @@ void NavaidLayer::OfferDetails(const LayerContext& context, double size, LabelPl
 // Tens of degrees, outside the ring and turned with it.
 void NavaidLayer::OfferFigures(const LayerContext& context, const NavaidPlace& navaid, double size,
                                LabelPlan& plan) const {
-  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
+  const PixelBox window = context.Part();
   const Lettering lettering = {
       .size = size * 0.64, .align = Align::Centre, .halo = true, .item = ThemeItem::CompassRoses};
   for (int figure = 0; figure < 36; figure += 3) {

@@ -48,7 +48,7 @@ bool OfferBeside(const LayerContext& context, const PixelBox& symbol, const std:
   if (!lines.empty() && plan.IsNamed(lines[0].text, symbol)) placed.erase(placed.begin());
   if (placed.empty()) return true;
   const Block block = Measure(plan, placed);
-  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
+  const PixelBox window = context.Part();
   for (const double gap : GAPS)
     for (const auto& [right, down] : SIDES) {
       const double left = Beside(right, symbol.left, symbol.right, block.width, gap * context.scale);

@@ -149,7 +149,7 @@ void RouteLayer::KeepSymbols(const LayerContext& context, LabelPlan& plan) {
   for (const Fix& fix : m_fixes)
     if (fix.isSeen) plan.Keep(BoxAbout(fix.dx, fix.dy, fix.radius));
   const double half = context.theme[Item()].width / 2 * context.scale;
-  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
+  const PixelBox window = context.Part();
   for (const Line& line : m_lines) {
     const double length = line.line.Length();
     const int steps = std::max(1, static_cast<int>(std::ceil(length / (KEPT_STEP * context.scale))));
@@ -172,7 +172,7 @@ class RouteLayer::Writer {
       : m_layer(layer),
         m_context(context),
         m_plan(plan),
-        m_window{0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0},
+        m_window{context.Part()},
         m_letters(size),
         m_isNamed(layer.m_route.legs.size()) {
     for (const Line& line : layer.m_lines) m_order.push_back(&line);

@@ -80,7 +80,7 @@ std::string NamesOf(const RunwayStrip& strip) {
 // signs stand. False where there is no room at all.
 bool OfferName(const LayerContext& context, const Drawn& r, int number, Label& name, LabelPlan& plan) {
   static const double FROM = 1.06, STEP = 0.5, TO = 5;  // letter sizes
-  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
+  const PixelBox window = context.Part();
   const double size = name.lettering.size, sign = number == 0 ? -1 : 1;
   name.turn = r.Turn(number);
   for (double away = FROM; away < TO; away += STEP) {
@@ -113,7 +113,7 @@ void OfferMeasures(const LayerContext& context, const Drawn& r, const RunwayStri
   // Read from below or from the right.
   const bool flips = r.right < 0 || (r.right == 0 && r.down > 0);
   const double right = flips ? -r.right : r.right, down = flips ? -r.down : r.down;
-  const PixelBox window = {0, 0, context.view.Width() * 1.0, context.view.Height() * 1.0};
+  const PixelBox window = context.Part();
   for (const auto& [share, side] : MEASURE_PLACES) {
     // From the middle of the runway to the baseline, above it or below.
     const double off = side > 0 ? r.halfWidth + GAP * letters : -(r.halfWidth + (GAP + CAPITALS) * letters);

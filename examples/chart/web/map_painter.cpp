@@ -69,12 +69,16 @@ std::string MapPainter::Draw(cairo_t* cairo) {
   return code == 0 ? std::string() : std::string(K7ErrorString::ErrorString(code));
 }
 
-std::string MapPainter::DrawPng(const MapRequest& request, std::vector<unsigned char>& png) {
+std::string MapPainter::DrawImage(const MapRequest& request, MapImage& image) {
   if (std::string problem = Show(request); !problem.empty()) return problem;
-  const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> image(
-      cairo_image_surface_create(CAIRO_FORMAT_RGB24, request.width, request.height), cairo_surface_destroy);
+  image.reset(cairo_image_surface_create(CAIRO_FORMAT_RGB24, request.width, request.height));
   const std::unique_ptr<cairo_t, decltype(&cairo_destroy)> cairo(cairo_create(image.get()), cairo_destroy);
   if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS) return "out of memory";
-  if (std::string problem = Draw(cairo.get()); !problem.empty()) return problem;
+  return Draw(cairo.get());
+}
+
+std::string MapPainter::DrawPng(const MapRequest& request, std::vector<unsigned char>& png) {
+  MapImage image;
+  if (std::string problem = DrawImage(request, image); !problem.empty()) return problem;
   return EncodePng(image.get(), png, m_progress) ? std::string() : "out of memory";
 }

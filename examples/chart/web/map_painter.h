@@ -23,6 +23,12 @@ struct MapRequest {
   unsigned char offRouteAlpha = 255;
 };
 
+struct MapImageFree {
+  void operator()(cairo_surface_t* image) const { cairo_surface_destroy(image); }
+};
+/// Pixels, of CAIRO_FORMAT_RGB24.
+using MapImage = std::unique_ptr<cairo_surface_t, MapImageFree>;
+
 /// The charts of one thread: layers are read when they are first wanted and kept.
 class MapPainter {
  public:
@@ -35,6 +41,8 @@ class MapPainter {
   Chart& Shown() { return *m_chart; }
   /// Draws it with the upper left corner at the context's origin. Empty, or what went wrong.
   std::string Draw(cairo_t* cairo);
+  /// Shows it and draws it on an image of its own. Empty, or what went wrong.
+  std::string DrawImage(const MapRequest& request, MapImage& image);
   /// Shows and draws it, and appends it as a PNG file. Empty, or what went wrong.
   std::string DrawPng(const MapRequest& request, std::vector<unsigned char>& png);
 

@@ -1,6 +1,37 @@
 #include "web/tile_grid.h"
 
+#include <k7/geodesy/constants.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
 bool IsTile(const TileId& tile) {
-  const auto isOn = [&](int index) { return index >= 0 && index < 1 << tile.z; };
-  return tile.z >= 0 && tile.z <= MOST_ZOOM && isOn(tile.x) && isOn(tile.y);
+  if (tile.z < 0 || tile.z > MOST_ZOOM || tile.x < 0 || tile.y < 0) return false;
+  return tile.x < 1 << tile.z && tile.y < 1 << tile.z;
+}
+
+TileBlock BlockOf(const TileId& tile) {
+  const int count = std::min(BLOCK_TILES, 1 << tile.z);
+  return {tile.z, tile.x / count * count, tile.y / count * count, count, count};
+}
+
+// The inverse of J. P. Snyder, Map Projections - A Working Manual, 1987, equation 7-2 with 7-4.
+double LatOfRow(int z, double row) {
+  const double north = std::numbers::pi * (1 - std::ldexp(row, 1 - z));
+  return std::atan(std::sinh(north)) * K7_RAD_TO_DEG;
+}
+
+double LonOfColumn(int z, double column) { return std::ldexp(column * 360, -z) - 180; }
+
+void TileBounds(const TileId& tile, double& west, double& south, double& east, double& north) {
+  west = LonOfColumn(tile.z, tile.x);
+  east = LonOfColumn(tile.z, tile.x + 1);
+  north = LatOfRow(tile.z, tile.y);
+  south = LatOfRow(tile.z, tile.y + 1);
+}
+
+double LevelNMPerPixel(int z) {
+  const double world = 2 * std::numbers::pi * K7_EARTH_RADIUS_NM;
+  return std::ldexp(world * std::numbers::sqrt2 / 2 / TILE_PIXELS, -z);
 }

@@ -39,6 +39,10 @@ class K7_API K7MapView {
   int LookAt(double lat, double lon, double range);
   /// Does the same with a given magnification in place of a range, as `K7Grfx::GetZoom` counts it.
   int LookAtZoom(double lat, double lon, double zoom);
+  /// States the scale of the present look, nautical miles a pixel, by which hosts choose what they show:
+  /// windows that are pieces of one picture are to choose alike, although its scale changes across it. The
+  /// picture stays as it is. Ignored before a look and unless it is above 0 and finite.
+  void SetNMPerPixel(double nmPerPixel);
   /// Turns the picture about the middle of the window, from the next look on: the direction `degrees`
   /// clockwise of what would be up comes up. Where north would be up at the centre, as on the globes, the
   /// cylinders and a cone about its own meridian, that is a true course.
@@ -57,7 +61,7 @@ class K7_API K7MapView {
   double Zoom() const { return m_zoom; }
   double Turn() const { return m_turn; }
   /// Answers the nautical miles that a pixel spans along the meridian at the centre; for a tilted eye,
-  /// across the picture where the ground is nearest.
+  /// across the picture where the ground is nearest; or what `SetNMPerPixel` stated.
   double NMPerPixel() const { return m_nmPerPixel; }
   /// Answers true when the projection works on the globe in the round; else, and without one, the world is
   /// a plane.
