@@ -2,10 +2,8 @@
 
 #include "web/desk.h"
 #include "web/json.h"
+#include "web/tile_painter.h"
 #include "web/tile_path.h"
-
-#include <cmath>
-#include <numbers>
 
 namespace {
 
@@ -40,22 +38,20 @@ HttpAnswer TileJson(const std::string& theme, const HttpRequest& request) {
   return {.type = "application/json", .body = json.Take()};
 }
 
-// One tile at a time, drawn as a map of its own.
-std::string DrawTile(const TilePath& tile, Desk& desk, std::string& file) {
-  const double tiles = std::ldexp(1, tile.id.z);
-  const double north = std::numbers::pi * (1 - 2 * (tile.id.y + 0.5) / tiles);
-  MapRequest map;
-  map.chart.type = K7_PROJ_MERCATOR;
-  map.chart.center =
-      K7LatLon(std::atan(std::sinh(north)) * 180 / std::numbers::pi, (tile.id.x + 0.5) / tiles * 360 - 180);
-  map.chart.rangeNM = std::min(10800.0, 10800 / tiles / std::cosh(north));
-  map.width = map.height = TILE_PIXELS * tile.ratio;
-  map.scale = tile.ratio;
-  map.theme = tile.theme;
-  std::vector<unsigned char> png;
-  std::string problem = desk.Painter().DrawPng(map, png);
-  file.assign(png.begin(), png.end());
-  return problem;
+// Draws a tile with all of its block and keeps them. Empty, or what went wrong.
+std::string DrawTile(const TilePath& tile, Desk& desk, HttpAnswer& answer) {
+  const TileBlock block = BlockOf(tile.id);
+  std::vector<std::string> files;
+  std::string problem = TilePainter(desk.Painter()).Paint(block, {tile.theme, tile.ratio}, files);
+  if (!problem.empty()) return problem;
+  TilePath drawn = tile;
+  for (size_t i = 0; i < files.size(); ++i) {
+    const int at = static_cast<int>(i);
+    drawn.id = {block.z, block.x + at % block.columns, block.y + at / block.columns};
+    if (drawn.id.x == tile.id.x && drawn.id.y == tile.id.y) answer = TileAnswer(files[i]);
+    if (desk.Tiles()) desk.Tiles()->Add(KeyOf(drawn), std::make_shared<std::string>(std::move(files[i])));
+  }
+  return {};
 }
 
 }  // namespace
@@ -73,14 +69,14 @@ std::optional<HttpAnswer> TileAtOnce(const HttpRequest& request, const MapData& 
 
 std::string TileWork(const HttpRequest& request) {
   const std::optional<TilePath> tile = ReadTilePath(BelowFolder(request));
-  return tile ? KeyOf(*tile) : std::string();
+  if (!tile) return {};
+  const TileBlock block = BlockOf(tile->id);
+  return KeyOf({tile->theme, {block.z, block.x, block.y}, tile->ratio});
 }
 
 HttpAnswer AnswerTile(const HttpRequest& request, Desk& desk) {
   if (std::optional<HttpAnswer> known = TileAtOnce(request, desk.Data(), desk.Tiles())) return *known;
-  const TilePath tile = *ReadTilePath(BelowFolder(request));
-  auto file = std::make_shared<std::string>();
-  if (const std::string problem = DrawTile(tile, desk, *file); !problem.empty()) return Refuse(500, problem);
-  if (desk.Tiles()) desk.Tiles()->Add(KeyOf(tile), file);
-  return TileAnswer(*file);
+  HttpAnswer answer;
+  const std::string problem = DrawTile(*ReadTilePath(BelowFolder(request)), desk, answer);
+  return problem.empty() ? answer : Refuse(500, problem);
 }
