@@ -1,7 +1,6 @@
 #include "route/route.h"
 
 #include <k7/foundation/string.h>
-#include <k7/geodesy/magvar.h>
 #include <k7/navdata/nav_data.h>
 
 #include <algorithm>
@@ -11,6 +10,7 @@
 
 #include "route/airway_graph.h"
 #include "route/fix_kind.h"
+#include "route/leg_course.h"
 #include "route/route_ends.h"
 #include "route/route_search.h"
 #include "store/nav_store.h"
@@ -128,21 +128,6 @@ void RouteMaker::TakeStops(const std::vector<uint32_t>& nodes) {
     take({m_end.ident, m_end.key, m_end.place}, NO_NODE);
 }
 
-// What an airway states, or else the great circle's by the magnetic model.
-struct Course {
-  double degrees;
-  bool isTrue;
-};
-Course CourseAt(const K7LatLon& place, const K7LatLon& towards, const K7Course& stated) {
-  if (stated.Word() != 0) return {stated, stated.Reference() == K7Course::TRUE_NORTH};
-  const double degrees = place.InitCourse(towards);
-  if (degrees < 0) return {degrees, false};
-  const Tarsvald::MagVar* const model = K7MagVar::GetMagVar();
-  double variation = 0;
-  const bool isTrue = !model || !model->Position(&variation, place.Lat(), place.Lon(), 0, 0);
-  return {std::fmod(degrees - variation + 720, 360), isTrue};
-}
-
 RouteLeg RouteMaker::LegFrom(const RouteFix& from, const RouteFix& to, const Flown* flown) const {
   RouteLeg leg;
   leg.distance = from.place.Distance(to.place);
@@ -155,8 +140,8 @@ RouteLeg RouteMaker::LegFrom(const RouteFix& from, const RouteFix& to, const Flo
     out = flown->forth ? segment.course : segment.courseOpposite;
     back = flown->forth ? segment.courseOpposite : segment.course;
   }
-  const Course leaving = CourseAt(from.place, to.place, out),
-               returning = CourseAt(to.place, from.place, back);
+  const LegCourse leaving = CourseAt(from.place, to.place, out),
+                  returning = CourseAt(to.place, from.place, back);
   leg.course = leaving.degrees;
   leg.isTrue = leaving.isTrue;
   if (returning.degrees >= 0) leg.arrival = std::fmod(returning.degrees + 180, 360);

@@ -149,8 +149,23 @@ std::string SamePlace(const std::string& from, const std::string& to) {
   return from + " and " + to + " are the same place";
 }
 
+std::string PlaceNear(NavStore& store, const std::string& ident, const std::string& where,
+                      std::vector<RouteEnd>& places) {
+  K7LatLon near;
+  if (std::string problem = ReadPosition(where, near); !problem.empty()) return problem;
+  if (MayBeIdent(ident)) places = PlacesOf(store, ident);
+  if (places.empty()) return NotThere(store, ident);
+  const auto nearest = std::min_element(
+      places.begin(), places.end(),
+      [&](const RouteEnd& a, const RouteEnd& b) { return a.place.Distance(near) < b.place.Distance(near); });
+  places = {RouteEnd(*nearest)};
+  return {};
+}
+
 // An identifier comes first: some, as 3W5, would also read as a position.
 std::string PlacesOrPosition(NavStore& store, const std::string& text, std::vector<RouteEnd>& places) {
+  if (const size_t at = text.find('@'); at != std::string::npos)
+    return PlaceNear(store, text.substr(0, at), text.substr(at + 1), places);
   if (MayBeIdent(text)) places = PlacesOf(store, text);
   if (!places.empty()) return {};
   RouteEnd position;
@@ -195,11 +210,13 @@ std::string FindPlaces(NavStore& store, const std::vector<std::string>& texts,
     }
     before = here;
   }
+  if (texts.size() == 1) places.push_back(before.front());
   return {};
 }
 
 bool MayBeIdent(const std::string& text) {
-  return std::all_of(text.begin(), text.end(), [](char c) {
+  const auto end = std::find(text.begin(), text.end(), '@');
+  return std::all_of(text.begin(), end, [](char c) {
     return std::isalnum(static_cast<unsigned char>(c)) || c == '-' || c == '_';
   });
 }

@@ -24,7 +24,8 @@ std::string FindEnds(NavStore& store, const std::string& from, const std::string
 
 /// The places of a way that is flown without airways: each text is an identifier, or a position. Of all pairs
 /// of places that the first two stand for, the nearest to each other; then always the nearest to the one
-/// before. Empty, or what is wrong. The store need be open only for what `MayBeIdent`.
+/// before. "SEA@47.43,-122.31" is the place of that identifier that is nearest to a position; of a text alone
+/// it is the first that there is. Empty, or what is wrong. The store need be open only for what `MayBeIdent`.
 std::string FindPlaces(NavStore& store, const std::vector<std::string>& texts, std::vector<RouteEnd>& places);
-/// No blank, point or other sign that identifiers lack and positions have.
+/// No blank, point or other sign that identifiers lack and positions have, before an '@'.
 bool MayBeIdent(const std::string& text);

@@ -6,36 +6,11 @@
 
 namespace {
 
-constexpr double MAX_RANGE_NM = 10800;  // half way around the earth
-
-constexpr NamedProjection PROJECTIONS[] = {
-    {"lambert", K7_PROJ_LAMBERT},
-    {"mercator", K7_PROJ_MERCATOR},
-    {"orthographic", K7_PROJ_ORTHOGRAPHIC},
-    {"rectangular", K7_PROJ_RECTANGULAR},
-    {"miller", K7_PROJ_MILLER},
-    {"albers", K7_PROJ_ALBERS},
-    {"perspective", K7_PROJ_PERSPECTIVE},
-    {"stereographic", K7_PROJ_STEREOGRAPHIC},
-    {"gnomonic", K7_PROJ_GNOMONIC},
-};
-
-std::string ProjectionNames() {
-  std::string names;
-  for (const NamedProjection& projection : PROJECTIONS) {
-    names += names.empty() ? "" : ", ";
-    names += projection.name;
-  }
-  return names;
-}
-
 std::string SetProjection(const char* text, ChartRequest& request) {
-  for (const NamedProjection& projection : PROJECTIONS) {
-    if (K7String::IComp(text, projection.name) != 0) continue;
-    request.type = projection.type;
-    return {};
-  }
-  return "unknown projection " + Quoted(text) + " (" + ProjectionNames() + ")";
+  const NamedProjection* const projection = FindProjection(text);
+  if (!projection) return UnknownProjection(text);
+  request.type = projection->type;
+  return {};
 }
 
 std::string AddParam(const char* text, ChartRequest& request) {
@@ -55,7 +30,7 @@ std::string SetCentre(const char* text, ChartRequest& request) { return ReadPosi
 
 std::string SetRange(const char* text, ChartRequest& request) {
   double range = 0;
-  if (!ReadNumber(text, range) || range < 1 || range > MAX_RANGE_NM)
+  if (!ReadNumber(text, range) || range < 1 || range > MOST_RANGE_NM)
     return "the range is nautical miles from 1 to 10800, not " + Quoted(text);
   request.rangeNM = range;
   return {};
@@ -112,8 +87,6 @@ constexpr OptionRow<LookOptions> PART_OPTIONS[] = {
 };
 
 }  // namespace
-
-std::span<const NamedProjection> Projections() { return PROJECTIONS; }
 
 std::string ReadTheme(const std::string& name, Theme& theme) {
   for (const char* const shipped : SHIPPED_THEMES)

@@ -3,16 +3,7 @@
 
 #include "app_common/option_table.h"
 #include "layers/chart.h"
-
-#include <span>
-
-/// What the command line calls a projection.
-struct NamedProjection {
-  const char* name;
-  K7ProjType type;
-};
-
-std::span<const NamedProjection> Projections();
+#include "layers/projection_names.h"
 
 /// --projection and --param.
 void AddProjectionOptions(OptionTable& table, ChartRequest& request);

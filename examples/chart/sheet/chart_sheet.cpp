@@ -57,13 +57,6 @@ std::string CenterText(const K7MapView& view, const ChartRequest& request) {
                : "centre " + std::string(lat) + " " + std::string(lon);
 }
 
-// Enlarging a chart adds no detail: who reads it must know.
-std::string DataText(const Chart& chart, const K7MapView& view) {
-  const double data = chart.DataScale();
-  if (data <= ScaleDenominator(view.NMPerPixel()) || view.IsTilted()) return {};
-  return "lines made for 1 : " + Denominator(data);
-}
-
 std::string Joined(const std::string& a, const std::string& b) {
   return a.empty() || b.empty() ? a + b : a + "   " + b;
 }
@@ -77,7 +70,8 @@ void DrawMargin(cairo_t* cairo, const Theme& theme, const ChartWindow& window, d
   const Lettering title = {.size = size * 1.25, .align = Align::Centre, .bold = true};
   if (!request.title.empty()) plan.Offer({request.title, window.width / 2.0, top, title});
   const std::string center = CenterText(view, request);
-  const std::string data = DataText(chart, view);
+  const std::string data =
+      view.IsTilted() ? std::string() : DataScaleText(chart.DataScale(), view.NMPerPixel());
   const Lettering small = {.size = size * 0.85};
   // What there is room for, on one line or two.
   const double first = top + size * MARGIN_LINE, second = first + size * MARGIN_LINE;

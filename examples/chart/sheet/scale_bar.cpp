@@ -99,6 +99,12 @@ std::string Denominator(double scale) {
   return text;
 }
 
+// Enlarging a chart adds no detail: who reads it must know.
+std::string DataScaleText(double dataScale, double nmPerPixel) {
+  return dataScale > ScaleDenominator(nmPerPixel) ? "lines made for 1 : " + Denominator(dataScale)
+                                                  : std::string();
+}
+
 double DirectionDifference(const K7MapView& view) {
   static const int STEPS = 6;
   double most = 0;

@@ -20,5 +20,7 @@ void DrawGroundScale(cairo_t* cairo, const Theme& theme, const K7MapView& view, 
 std::string Denominator(double scale);
 /// Of a scale of so many nautical miles a pixel.
 double ScaleDenominator(double nmPerPixel);
+/// "lines made for 1 : 50,000,000", of data of that scale; empty where the chart does not enlarge them.
+std::string DataScaleText(double dataScale, double nmPerPixel);
 /// By how much a mile to the north and a mile to the east differ within the window, at most: 0.02 for 2 %.
 double DirectionDifference(const K7MapView& view);

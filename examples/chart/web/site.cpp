@@ -1,6 +1,7 @@
 #include "web/site.h"
 
 #include "web/desk.h"
+#include "web/page_api.h"
 #include "web/tile_answers.h"
 
 #include <new>
@@ -11,6 +12,10 @@ namespace {
 // Those that another program's map would be made of are open; the page's own are not.
 constexpr Endpoint ENDPOINTS[] = {
     {"/tiles/", AnswerTile, true},
+    {"/api/about.json", AnswerAbout},
+    {"/api/at.json", AnswerAt},
+    {"/api/view.json", AnswerView},
+    {"/api/view.png", AnswerViewPng},
 };
 
 const Endpoint* FindEndpoint(const std::string& path) {
