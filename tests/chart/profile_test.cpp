@@ -1,6 +1,7 @@
 // Ground under a way: as high as the data say, with gaps where they say nothing, and drawn where it is.
 
-#include "app/elevations.h"
+#include "app/terrain_options.h"
+#include "sheet/elevations.h"
 #include "sheet/profile_axes.h"
 #include "sheet/profile_panel.h"
 #include "terrain/region_file.h"

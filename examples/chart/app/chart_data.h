@@ -1,8 +1,8 @@
 // What maps are drawn from, as the command line names it.
 #pragma once
 
-#include "app/elevations.h"
 #include "app/layer_options.h"
+#include "sheet/elevations.h"
 #include "web/map_data.h"
 
 class ChartData : public MapData {
@@ -12,7 +12,7 @@ class ChartData : public MapData {
 
   std::unique_ptr<LayerSet> OpenLayers(const DataScale& scale, std::string& problem) const override;
   std::unique_ptr<NavStore> OpenStore(std::string& problem) const override;
-  K7Terrain* Terrain() const override { return m_hasTerrain ? &m_terrain : nullptr; }
+  Elevations* Terrain() const override { return m_hasTerrain ? &m_terrain : nullptr; }
   const std::vector<NamedTheme>& Themes() const override { return m_themes; }
 
  private:

@@ -1,8 +1,9 @@
 // k7chart elev: how high the ground is.
 
-#include "app/elevations.h"
+#include "app/terrain_options.h"
 #include "app_common/position_text.h"
 #include "app_common/verb.h"
+#include "sheet/elevations.h"
 #include "sheet/profile.h"
 
 #include <k7/terrain/ter_tile.h>

@@ -1,8 +1,8 @@
 // k7chart layers: what can be drawn from a data folder.
 
 #include "app/nav_source.h"
-#include "app/terrain_source.h"
 #include "app_common/verb.h"
+#include "layers/terrain_files.h"
 
 #include <cstdio>
 #include <iterator>

@@ -3,16 +3,14 @@
 #include "app/arrange_layers.h"
 #include "app/chart_options.h"
 #include "app/drawing.h"
-#include "app/elevations.h"
-#include "app/pixel_answer.h"
 #include "app/progress_line.h"
 #include "app_common/verb.h"
+#include "sheet/elevations.h"
 #include "sheet/page.h"
+#include "sheet/pixel_answer.h"
 
-#include <k7/geodesy/magvar.h>
 #include <k7/io/xml_elem.h>
 
-#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -83,37 +81,22 @@ class Pick : public Verb {
     const Page measure(PageFormat::PNG, 1, 1);
     PlanLabels(measure.Cairo(), box, chart);
     std::vector<PixelAnswer> answers;
-    for (const Pixel& pixel : m_pixels) answers.push_back(Ask(chart, window, pixel, terrain));
+    for (const Pixel& pixel : m_pixels) answers.push_back(Ask(chart, window, pixel, &terrain));
     return m_answer.asXML ? PrintXML(answers) : Print(answers);
   }
 
  private:
-  // Projections have positions beyond what is drawn of them, as about a Lambert chart's far pole.
-  static bool IsDrawn(const K7MapView& view, double dx, double dy, double& lat, double& lon) {
-    static const double INSIDE = 1e-4;  // the frame itself is not lost to rounding
-    const double x = std::clamp(dx, INSIDE, view.Width() - INSIDE);
-    const double y = std::clamp(dy, INSIDE, view.Height() - INSIDE);
-    double againX, againY;
-    return view.FromDevice(x, y, lat, lon) && view.ToDevice(lat, lon, againX, againY) &&
-           view.FromDevice(dx, dy, lat, lon);
-  }
-
-  PixelAnswer Ask(Chart& chart, const ChartWindow& window, const Pixel& pixel, Elevations& terrain) const {
+  PixelAnswer Ask(Chart& chart, const ChartWindow& window, const Pixel& pixel, K7Terrain* terrain) const {
     const double dx = pixel.x - window.x, dy = pixel.y - window.y;
-    PixelAnswer answer = {.x = pixel.x, .y = pixel.y};
-    double lat, lon;
-    if (pixel.x < 0 || pixel.y < 0 || pixel.x > m_sheet.width || pixel.y > m_sheet.height) {
+    PixelAnswer answer;
+    if (pixel.x < 0 || pixel.y < 0 || pixel.x > m_sheet.width || pixel.y > m_sheet.height)
       answer.nothing = "outside the picture";
-    } else if (dx < 0 || dy < 0 || dx > window.width || dy > window.height) {
+    else if (dx < 0 || dy < 0 || dx > window.width || dy > window.height)
       answer.nothing = "outside the chart's frame";
-    } else if (!IsDrawn(*chart.View(), dx, dy, lat, lon)) {
-      answer.nothing = "off the map";
-    } else {
-      answer.place = {lat, lon};
-      answer.feet = terrain.Find(lat, lon, 0).feet;
-      answer.variation = K7MagVar::GetMagVar()->Position(lat, lon, 0, 0, 0);
-      answer.found = chart.Pick(dx, dy);
-    }
+    else
+      answer = AskPixel(chart, dx, dy, terrain);
+    answer.x = pixel.x;
+    answer.y = pixel.y;
     return answer;
   }
 

@@ -1,18 +1,18 @@
 // k7chart profile: the ground under a way from fix to fix.
 
 #include "app/chart_options.h"
-#include "app/elevations.h"
 #include "app/level_text.h"
 #include "app/nav_source.h"
 #include "app/progress_line.h"
 #include "app/sheet_options.h"
-#include "app/way_ground.h"
+#include "app/terrain_options.h"
 #include "app_common/save_file.h"
 #include "app_common/verb.h"
 #include "ink/pen.h"
 #include "route/route_ends.h"
 #include "sheet/page.h"
 #include "sheet/profile_panel.h"
+#include "sheet/way_ground.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -61,8 +61,10 @@ class ProfileVerb : public Verb {
     Profile profile;
     profile.altitude = m_way.altitude;
     if (std::string problem = FindFixes(profile); !problem.empty()) return problem;
-    if (std::string problem = MeasureGround(m_terrain, profile); !problem.empty()) return problem;
-    std::string problem = Draw(profile);
+    Elevations terrain;
+    if (std::string problem = terrain.Open(m_terrain.folder); !problem.empty()) return problem;
+    std::string problem = MeasureGround(terrain, m_terrain.resolution, profile);
+    if (problem.empty()) problem = Draw(profile);
     if (problem.empty()) Print(profile);
     return problem;
   }

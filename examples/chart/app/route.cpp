@@ -5,13 +5,13 @@
 #include "app/level_text.h"
 #include "app/trip_options.h"
 #include "app/trip_sources.h"
-#include "app/way_ground.h"
 #include "app_common/verb.h"
 #include "layers/route_frame.h"
 #include "layers/route_layer.h"
 #include "route/airway_graph.h"
 #include "sheet/page.h"
 #include "sheet/trip_sheet.h"
+#include "sheet/way_ground.h"
 
 #include <cmath>
 #include <cstdio>
@@ -149,13 +149,13 @@ class RouteVerb : public Verb {
   }
 
   std::string TakeTerrain(Trip& trip) const {
-    TerrainOptions terrain;
-    terrain.folder = TerrainFolder(m_layers);
-    if (terrain.folder.empty()) return {};
-    double posts = 0;
-    std::string problem = MeasureGround(terrain, trip.profile, &posts);
+    const std::string folder = TerrainFolder(m_layers);
+    if (folder.empty()) return {};
+    Elevations terrain;
+    std::string problem = terrain.Open(folder);
+    if (problem.empty()) problem = MeasureGround(terrain, 0, trip.profile);
     if (problem.empty())
-      trip.sources.push_back("Terrain: posts " + std::string(K7FmtString("%.9g", posts)) +
+      trip.sources.push_back("Terrain: posts " + std::string(K7FmtString("%.9g", terrain.PostSpacing(0))) +
                              " arc-seconds apart at the finest; what rises between them is not known.");
     return problem;
   }

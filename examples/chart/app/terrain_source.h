@@ -20,6 +20,3 @@ class TerrainSource {
  private:
   std::optional<TerrainFiles> m_files;
 };
-
-/// Empty, or why the folder cannot serve.
-std::string WhyNoTerrain(const std::string& folder);

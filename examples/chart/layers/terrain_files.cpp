@@ -29,7 +29,15 @@ bool HasTerrain(const std::string& folder) {
   return false;
 }
 
+std::string WhyNoTerrain(const std::string& folder) {
+  NoProgress progress;
+  TerrainFiles files;
+  return files.Load(folder, progress);
+}
+
 std::string TerrainFiles::Load(const std::string& folder, Progress& progress) {
+  if (folder.empty())
+    return "no terrain: '--terrain FOLDER' names region files that 'k7terrain build' has made";
   progress.Step("reading terrain");
   m_regions.clear();
   std::error_code error;

@@ -12,6 +12,8 @@
 
 /// Whether a folder has region files at all.
 bool HasTerrain(const std::string& folder);
+/// Empty, or why the folder cannot serve.
+std::string WhyNoTerrain(const std::string& folder);
 
 class TerrainFiles {
  public:

@@ -4,14 +4,13 @@
 
 #include "layers/layer.h"
 #include "layers/layer_table.h"
+#include "sheet/elevations.h"
 
 #include "store/nav_store.h"
 
 #include <memory>
 #include <string>
 #include <vector>
-
-class K7Terrain;
 
 /// Layers with all that they draw from. Used by one thread at a time.
 class LayerSet {
@@ -41,7 +40,7 @@ class MapData {
   /// be read.
   virtual std::unique_ptr<NavStore> OpenStore(std::string& problem) const = 0;
   /// Null without terrain. It lives as long as the data.
-  virtual K7Terrain* Terrain() const = 0;
+  virtual Elevations* Terrain() const = 0;
   /// At least one; the first is the usual one.
   virtual const std::vector<NamedTheme>& Themes() const = 0;
 

@@ -1,7 +1,6 @@
-#include "app/elevations.h"
+#include "sheet/elevations.h"
 
-#include "app/terrain_source.h"
-#include "app_common/shared_data.h"
+#include "layers/terrain_files.h"
 
 #include <k7/foundation/error_string.h>
 #include <k7/terrain/ter_level.h>
@@ -12,33 +11,6 @@
 
 namespace {
 
-constexpr double MOST_SECONDS = 3600;
-
-std::string SetFolder(const char* text, TerrainOptions& options) {
-  options.folder = text;
-  return {};
-}
-
-std::string SetResolution(const char* text, TerrainOptions& options) {
-  double seconds = 0;
-  if (!ReadNumber(text, seconds) || seconds <= 0 || seconds > MOST_SECONDS)
-    return "the resolution is arc-seconds between posts, above 0 and up to 3600, not " + Quoted(text);
-  options.resolution = seconds;
-  return {};
-}
-
-constexpr OptionRow<TerrainOptions> OPTIONS[] = {
-    {"--terrain", "FOLDER",
-     "region files, made by 'k7terrain build' (default: the sample of the Salish Sea, 48 to 50 north, 126 to "
-     "122 west)",
-     SetFolder},
-    {"--resolution", "SECONDS",
-     "arc-seconds between the posts of data that are fine enough, above 0 and up to 3600 (default: the "
-     "finest "
-     "that there are); where such data are missing, coarser ones answer",
-     SetResolution},
-};
-
 bool HasRegions(const K7TerLevel& level) {
   for (int band = 0; band < K7TerLevel::BANDS; ++band)
     for (int column = 0; column < K7TerLevel::COLUMNS; ++column)
@@ -48,17 +20,11 @@ bool HasRegions(const K7TerLevel& level) {
 
 }  // namespace
 
-TerrainOptions::TerrainOptions() : folder(SampleTerrain()) {}
-
-void AddTerrainOptions(OptionTable& table, TerrainOptions& options) { table.Add(OPTIONS, options); }
-
-std::string SampleTerrain() { return SharedData("sample") + "/terrain"; }
-
 std::string Elevations::Open(const std::string& folder) {
   // What a chart says of a folder with damaged files or none: the terrain itself leaves such out.
   if (std::string problem = WhyNoTerrain(folder); !problem.empty()) return problem;
   if (const int code = Read(folder.c_str()))
-    return "cannot read the terrain " + Quoted(folder) + ": " + K7ErrorString::ErrorString(code);
+    return "cannot read the terrain '" + folder + "': " + K7ErrorString::ErrorString(code);
   return PostSpacing(0) > 0
              ? std::string()
              : "no region file in " + folder + " is called by its level and its cell, as 120_N30W150.ter";

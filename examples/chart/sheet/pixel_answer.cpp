@@ -1,4 +1,4 @@
-#include "app/pixel_answer.h"
+#include "sheet/pixel_answer.h"
 
 #include "app_common/position_text.h"
 #include "ink/text.h"
@@ -6,8 +6,10 @@
 #include "store/text_1252.h"
 
 #include <k7/foundation/string.h>
+#include <k7/geodesy/magvar.h>
 #include <k7/io/xml_elem.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -18,10 +20,14 @@ std::string ElevationText(int feet) {
   return std::string(K7FmtString("%d ft  %d m", feet, MetresOfFeet(feet)));
 }
 
-std::string VariationText(double degrees) {
-  const double tenths = std::round(degrees * 10) / 10;
-  const char* const side = tenths > 0 ? " E" : tenths < 0 ? " W" : "";
-  return Utf8(K7FmtString("variation %.1f\xB0%s", std::fabs(tenths), side));
+// Projections have positions beyond what is drawn of them, as about a Lambert chart's far pole.
+bool IsDrawn(const K7MapView& view, double dx, double dy, double& lat, double& lon) {
+  static const double INSIDE = 1e-4;  // the frame itself is not lost to rounding
+  const double x = std::clamp(dx, INSIDE, view.Width() - INSIDE);
+  const double y = std::clamp(dy, INSIDE, view.Height() - INSIDE);
+  double againX, againY;
+  return view.FromDevice(x, y, lat, lon) && view.ToDevice(lat, lon, againX, againY) &&
+         view.FromDevice(dx, dy, lat, lon);
 }
 
 void Add(K7XmlElem& parent, const char* name, const char* text) {
@@ -50,11 +56,31 @@ void AddRecords(const Picked& thing, K7XmlOutputType_t type, K7XmlElem& parent) 
 
 }  // namespace
 
+std::string VariationAt(double degrees) {
+  const double tenths = std::round(degrees * 10) / 10;
+  const char* const side = tenths > 0 ? " E" : tenths < 0 ? " W" : "";
+  return Utf8(K7FmtString("variation %.1f\xB0%s", std::fabs(tenths), side));
+}
+
+PixelAnswer AskPixel(Chart& chart, double dx, double dy, K7Terrain* terrain) {
+  PixelAnswer answer = {.x = dx, .y = dy};
+  double lat, lon;
+  if (!IsDrawn(*chart.View(), dx, dy, lat, lon)) {
+    answer.nothing = "off the map";
+    return answer;
+  }
+  answer.place = {lat, lon};
+  if (terrain) answer.feet = terrain->GetElev(lat, lon, 0);
+  answer.variation = K7MagVar::GetMagVar()->Position(lat, lon, 0, 0, 0);
+  answer.found = chart.Pick(dx, dy);
+  return answer;
+}
+
 std::string TextOf(const PixelAnswer& answer) {
   const std::string pixel(K7FmtString("%g,%g  ", answer.x, answer.y));
   if (!answer.nothing.empty()) return pixel + answer.nothing + "\n";
   std::string text = pixel + PositionText(answer.place) + "  " + ElevationText(answer.feet) + "  " +
-                     VariationText(answer.variation) + "\n";
+                     VariationAt(answer.variation) + "\n";
   for (const Picked& thing : answer.found) text += "    " + thing.text + "\n";
   return text;
 }

@@ -1,24 +1,9 @@
-// Elevations for the verbs that answer them: the terrain of a folder.
+// How high the ground is: the terrain of a folder.
 #pragma once
-
-#include "app_common/option_table.h"
 
 #include <k7/terrain/terrain.h>
 
 #include <string>
-
-struct TerrainOptions {
-  TerrainOptions();
-
-  std::string folder;
-  double resolution = 0;  // arc-seconds between posts; 0: the finest
-};
-
-/// --terrain, --resolution
-void AddTerrainOptions(OptionTable& table, TerrainOptions& options);
-
-/// The folder of the terrain that k7chart comes with.
-std::string SampleTerrain();
 
 /// The terrain of the process, in which what lies outside the bounds of a region file has no elevation:
 /// whoever asks how high the ground is must not be told 0 ft where there are no data.
