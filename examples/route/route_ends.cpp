@@ -1,8 +1,6 @@
 #include "route/route_ends.h"
 
 #include <k7/foundation/string.h>
-#include <k7/navdata/airport.h>
-#include <k7/navdata/navaid.h>
 
 #include <algorithm>
 #include <cctype>
@@ -12,6 +10,7 @@
 #include <vector>
 
 #include "app_common/position_text.h"
+#include "route/fix_kind.h"
 #include "store/nav_store.h"
 #include "store/spelling.h"
 #include "store/text_1252.h"
@@ -31,30 +30,6 @@ constexpr double SAME_PLACE_NM = 1;
 // What rounding leaves between two writings of one place; data keep 7e-6.
 constexpr double NO_WAY_NM = 1e-6;
 
-template <class Record>
-const char* NameOf(const K7NavRec& rec) {
-  return static_cast<const Record&>(rec).name;
-}
-
-std::string NameOf(const K7NavRec& rec) {
-  const char* name = nullptr;
-  switch (rec.Type()) {
-    case K7NAV_AIRPORT:
-      name = NameOf<K7Airport>(rec);
-      break;
-    case K7NAV_VOR:
-      name = NameOf<K7VHFNavaid>(rec);
-      break;
-    case K7NAV_ENROUTE_NDB:
-    case K7NAV_TERMINAL_NDB:
-      name = NameOf<K7NDB>(rec);
-      break;
-    default:
-      name = NameOf<K7Waypoint>(rec);
-  }
-  return name ? Utf8Of1252(name) : std::string();
-}
-
 // As flight plans write positions, to the minute: "4842N12148W".
 std::string IdentOf(const K7LatLon& place) {
   const auto minutes = [](double degrees) { return static_cast<int>(std::lround(std::fabs(degrees) * 60)); };
@@ -73,7 +48,7 @@ std::vector<RouteEnd> PlacesOf(NavStore& store, const std::string& ident) {
       const auto& fix = static_cast<const K7NavFix&>(*rec);
       RouteEnd end;
       end.ident = Utf8Of1252(std::string(fix.ident, strnlen(fix.ident, sizeof fix.ident)));
-      const std::string name = NameOf(fix);
+      const std::string name = FixName(fix);
       end.what = word + (name.empty() || name == end.ident ? "" : " " + name);
       end.key = fix.key;
       end.place = {K7NavData::FixPt2DecDeg(fix.lat), K7NavData::FixPt2DecDeg(fix.lon)};
@@ -81,30 +56,6 @@ std::vector<RouteEnd> PlacesOf(NavStore& store, const std::string& ident) {
     }
   }
   return places;
-}
-
-std::string NotThere(NavStore& store, const std::string& ident) {
-  std::vector<std::string> similar;
-  for (const auto& [type, word] : KINDS) {
-    static constexpr int ASKED = 2;
-    const std::unique_ptr<K7NavQueryResult> result(
-        store.SimilarIdentQuery(type, Text1252(ident).c_str(), ASKED));
-    while (const K7NavRec* const rec = result ? result->Next() : nullptr) {
-      const auto& fix = static_cast<const K7NavFix&>(*rec);
-      std::string found = Utf8Of1252(std::string(fix.ident, strnlen(fix.ident, sizeof fix.ident)));
-      if (std::find(similar.begin(), similar.end(), found) == similar.end()) similar.push_back(found);
-    }
-  }
-  std::string wanted = ident;
-  for (char& c : wanted) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  static constexpr int MOST_DIFFERENT = 3;
-  std::stable_sort(similar.begin(), similar.end(), [&](const std::string& a, const std::string& b) {
-    return SpellingDistance(wanted, a, MOST_DIFFERENT) < SpellingDistance(wanted, b, MOST_DIFFERENT);
-  });
-  std::string text = "there is no airport, navaid or fix '" + ident + "'";
-  for (const std::string& found : similar)
-    text += (&found == &similar[0] ? "; spelled like it are " : ", ") + found;
-  return text;
 }
 
 std::string Rounded(double nm) {
@@ -154,7 +105,7 @@ std::string PlaceNear(NavStore& store, const std::string& ident, const std::stri
   K7LatLon near;
   if (std::string problem = ReadPosition(where, near); !problem.empty()) return problem;
   if (MayBeIdent(ident)) places = PlacesOf(store, ident);
-  if (places.empty()) return NotThere(store, ident);
+  if (places.empty()) return NoSuchPlace(store, ident);
   const auto nearest = std::min_element(
       places.begin(), places.end(),
       [&](const RouteEnd& a, const RouteEnd& b) { return a.place.Distance(near) < b.place.Distance(near); });
@@ -170,7 +121,7 @@ std::string PlacesOrPosition(NavStore& store, const std::string& text, std::vect
   if (!places.empty()) return {};
   RouteEnd position;
   const std::string problem = ReadPosition(text, position.place);
-  if (!problem.empty()) return MayBeIdent(text) ? NotThere(store, text) : problem;
+  if (!problem.empty()) return MayBeIdent(text) ? NoSuchPlace(store, text) : problem;
   position.ident = IdentOf(position.place);
   position.what = "position " + PositionText(position.place, 1);
   places.push_back(position);
@@ -219,4 +170,28 @@ bool MayBeIdent(const std::string& text) {
   return std::all_of(text.begin(), end, [](char c) {
     return std::isalnum(static_cast<unsigned char>(c)) || c == '-' || c == '_';
   });
+}
+
+std::string NoSuchPlace(NavStore& store, const std::string& ident) {
+  std::vector<std::string> similar;
+  for (const auto& [type, word] : KINDS) {
+    static constexpr int ASKED = 2;
+    const std::unique_ptr<K7NavQueryResult> result(
+        store.SimilarIdentQuery(type, Text1252(ident).c_str(), ASKED));
+    while (const K7NavRec* const rec = result ? result->Next() : nullptr) {
+      const auto& fix = static_cast<const K7NavFix&>(*rec);
+      std::string found = Utf8Of1252(std::string(fix.ident, strnlen(fix.ident, sizeof fix.ident)));
+      if (std::find(similar.begin(), similar.end(), found) == similar.end()) similar.push_back(found);
+    }
+  }
+  std::string wanted = ident;
+  for (char& c : wanted) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  static constexpr int MOST_DIFFERENT = 3;
+  std::stable_sort(similar.begin(), similar.end(), [&](const std::string& a, const std::string& b) {
+    return SpellingDistance(wanted, a, MOST_DIFFERENT) < SpellingDistance(wanted, b, MOST_DIFFERENT);
+  });
+  std::string text = "there is no airport, navaid or fix '" + ident + "'";
+  for (const std::string& found : similar)
+    text += (&found == &similar[0] ? "; spelled like it are " : ", ") + found;
+  return text;
 }

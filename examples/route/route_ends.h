@@ -29,3 +29,5 @@ std::string FindEnds(NavStore& store, const std::string& from, const std::string
 std::string FindPlaces(NavStore& store, const std::vector<std::string>& texts, std::vector<RouteEnd>& places);
 /// No blank, point or other sign that identifiers lack and positions have, before an '@'.
 bool MayBeIdent(const std::string& text);
+/// "there is no airport, navaid or fix 'KSAE'; spelled like it are KSEA": for an identifier without a place.
+std::string NoSuchPlace(NavStore& store, const std::string& ident);

@@ -39,10 +39,12 @@ class PlaceLayer : public Layer {
   void Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
             std::vector<Picked>& found) override {
     static const double REACH = 2;
-    for (const Place& place : m_places)
-      if (place.isShown && BoxOf(context, place).Meets(BoxAbout(dx, dy, REACH * context.scale)))
-        found.push_back(
-            PickedRecords(IdentAndName(place) + " " + KindOf(place) + Details(place), *m_data, {place.key}));
+    for (const Place& place : m_places) {
+      if (!place.isShown || !BoxOf(context, place).Meets(BoxAbout(dx, dy, REACH * context.scale))) continue;
+      found.push_back(
+          PickedRecords(IdentAndName(place) + " " + KindOf(place) + Details(place), *m_data, {place.key}));
+      found.back().point = {place.ident, {place.lat, place.lon}};
+    }
   }
 
   void AddToLegend(const LayerContext& context, std::vector<LegendEntry>& legend) const override {

@@ -68,8 +68,7 @@ cairo_status_t Page::Collect(void* page, const unsigned char* data, unsigned len
   return CAIRO_STATUS_SUCCESS;
 }
 
-std::string Page::Save(const std::string& path, Progress& progress) {
-  progress.Step("writing " + std::filesystem::path(path).filename().string());
+std::string Page::Encode(std::vector<unsigned char>& bytes, Progress& progress) {
   cairo_status_t status = cairo_status(m_cairo);
   if (status == CAIRO_STATUS_SUCCESS && m_format == PageFormat::PNG &&
       !EncodePng(m_surface, m_bytes, progress))
@@ -79,6 +78,14 @@ std::string Page::Save(const std::string& path, Progress& progress) {
   m_progress = nullptr;
   if (status == CAIRO_STATUS_SUCCESS) status = cairo_surface_status(m_surface);
   if (status != CAIRO_STATUS_SUCCESS) return std::string("cannot draw: ") + cairo_status_to_string(status);
-  const std::string problem = SaveFile(path, m_bytes);
+  bytes.insert(bytes.end(), m_bytes.begin(), m_bytes.end());
+  return {};
+}
+
+std::string Page::Save(const std::string& path, Progress& progress) {
+  progress.Step("writing " + std::filesystem::path(path).filename().string());
+  std::vector<unsigned char> bytes;
+  if (std::string problem = Encode(bytes, progress); !problem.empty()) return problem;
+  const std::string problem = SaveFile(path, bytes);
   return problem.empty() ? problem : "cannot write '" + path + "': " + problem;
 }

@@ -23,6 +23,8 @@ class Page {
 
   bool IsValid() const;
   cairo_t* Cairo() const { return m_cairo; }
+  /// Finishes the sheet and appends its file. Empty, or what went wrong.
+  std::string Encode(std::vector<unsigned char>& bytes, Progress& progress);
   /// Finishes the sheet and saves it with `SaveFile`. Empty, or what went wrong.
   std::string Save(const std::string& path, Progress& progress);
 

@@ -1,6 +1,7 @@
 // All that one thread has to answer with. Files are opened when they are first wanted.
 #pragma once
 
+#include "route/airway_graph.h"
 #include "web/map_painter.h"
 #include "web/tile_cache.h"
 
@@ -15,10 +16,13 @@ class Desk {
   MapPainter& Painter() { return m_painter; }
   /// Null without navigation data; `problem` in words when they cannot be read.
   NavStore* Store(std::string& problem);
+  /// The airways of the store. Null as above.
+  const AirwayGraph* Airways(std::string& problem);
 
  private:
   const MapData& m_data;
   TileCache* const m_tiles;
   MapPainter m_painter;
   std::unique_ptr<NavStore> m_store;
+  std::unique_ptr<AirwayGraph> m_airways;
 };

@@ -7,3 +7,8 @@ HttpAnswer AnswerAbout(const HttpRequest& request, Desk& desk);
 HttpAnswer AnswerViewPng(const HttpRequest& request, Desk& desk);
 HttpAnswer AnswerView(const HttpRequest& request, Desk& desk);
 HttpAnswer AnswerAt(const HttpRequest& request, Desk& desk);
+HttpAnswer AnswerPick(const HttpRequest& request, Desk& desk);
+HttpAnswer AnswerSearch(const HttpRequest& request, Desk& desk);
+HttpAnswer AnswerRoute(const HttpRequest& request, Desk& desk);
+HttpAnswer AnswerFind(const HttpRequest& request, Desk& desk);
+HttpAnswer AnswerProfile(const HttpRequest& request, Desk& desk);

@@ -11,10 +11,9 @@ namespace {
 
 // Those that another program's map would be made of are open; the page's own are not.
 constexpr Endpoint ENDPOINTS[] = {
-    {"/tiles/", AnswerTile, true},
-    {"/api/about.json", AnswerAbout},
-    {"/api/at.json", AnswerAt},
-    {"/api/view.json", AnswerView},
+    {"/tiles/", AnswerTile, true},    {"/api/about.json", AnswerAbout},   {"/api/at.json", AnswerAt},
+    {"/api/find.json", AnswerFind},   {"/api/pick.json", AnswerPick},     {"/api/profile.svg", AnswerProfile},
+    {"/api/route.json", AnswerRoute}, {"/api/search.json", AnswerSearch}, {"/api/view.json", AnswerView},
     {"/api/view.png", AnswerViewPng},
 };
 

@@ -15,16 +15,7 @@ constexpr double LEAST_RANGE_NM = 0.1;
 constexpr int SMALLEST = 16, LARGEST = 4096;  // ordinary pixels
 constexpr double MOST_PIXELS = 16e6;
 constexpr double MOST_RATIO = 3;
-constexpr size_t MOST_NAMES = 64, MOST_PARAMS = 16, MOST_POINTS = 100;
-
-// Names and positions are looked up and come back in answers: they are to be texts.
-std::string WhyNoTexts(const HttpRequest& request) {
-  const auto isControl = [](unsigned char c) { return c < ' ' || c == 0x7F; };
-  for (const auto& [name, value] : request.query)
-    if (std::any_of(value.begin(), value.end(), isControl) || !IsUtf8(value))
-      return "a value is one line of text in UTF-8";
-  return {};
-}
+constexpr size_t MOST_NAMES = 64, MOST_PARAMS = 16, MOST_POINTS = 200;
 
 std::vector<std::string> Split(const std::string& text, char separator) {
   std::vector<std::string> parts;
@@ -117,6 +108,15 @@ std::string ReadLook(const HttpRequest& request, const MapData& data, MapRequest
 }
 
 }  // namespace
+
+// Names and positions are looked up and come back in answers: they are to be texts.
+std::string WhyNoTexts(const HttpRequest& request) {
+  const auto isControl = [](unsigned char c) { return c < ' ' || c == 0x7F; };
+  for (const auto& [name, value] : request.query)
+    if (std::any_of(value.begin(), value.end(), isControl) || !IsUtf8(value))
+      return "a value is one line of text in UTF-8";
+  return {};
+}
 
 std::string ReadWithin(const HttpRequest& request, const char* name, double least, double most,
                        double& value) {

@@ -22,6 +22,8 @@ std::string ReadView(const HttpRequest& request, Desk& desk, ViewRequest& view);
 std::string ReadPixel(const HttpRequest& request, const ViewRequest& view, double& x, double& y);
 /// Points of "route", one or more.
 std::string ReadRoute(const HttpRequest& request, Desk& desk, Route& route);
+/// Every value, also such as nobody reads, is a line of text.
+std::string WhyNoTexts(const HttpRequest& request);
 /// A number between two bounds; `value` stays without a parameter of that name.
 std::string ReadWithin(const HttpRequest& request, const char* name, double least, double most,
                        double& value);
