@@ -102,6 +102,7 @@ std::string SamePlace(const std::string& from, const std::string& to) {
 
 std::string PlaceNear(NavStore& store, const std::string& ident, const std::string& where,
                       std::vector<RouteEnd>& places) {
+  if (ident.empty()) return "an identifier stands before '@'";
   K7LatLon near;
   if (std::string problem = ReadPosition(where, near); !problem.empty()) return problem;
   if (MayBeIdent(ident)) places = PlacesOf(store, ident);
