@@ -2,6 +2,7 @@
 
 #include "route/route.h"
 #include "route/airway_graph.h"
+#include "route/direct_route.h"
 
 #include <cmath>
 #include <map>
@@ -217,6 +218,8 @@ TEST_F(RouteTest, AnIdentifierMeansThePlaceNearestToTheOtherEnd) {
   EXPECT_EQ(FindRoute(store, graph, {"HOME", "HOME", 100, {}}, route), "HOME and HOME are the same place");
   EXPECT_EQ(FindRoute(store, graph, {"HOME", "SAEM", 100, {}}, route),
             "there is no airport, navaid or fix 'SAEM'; spelled like it are SAME");
+  EXPECT_EQ(DirectRoute(store, {"HOME", "same@-29,151"}, route), "");
+  EXPECT_NEAR(route.distance, Apart(places[0], places[3]), 1e-6);
 }
 
 // A position joins the network like an airport off it; segments whose ends have no record are not its own.
