@@ -2,6 +2,7 @@
 
 #include <png.h>
 
+#include <algorithm>
 #include <csetjmp>
 #include <new>
 
@@ -30,19 +31,33 @@ void Flush(png_structp) {}
 void Warn(png_structp, png_const_charp) {}
 void Fail(png_structp png, png_const_charp) { png_longjmp(png, 1); }
 
+// Cairo multiplies its colours by their alpha, PNG does not.
+void Straighten(png_structp, png_row_infop row, png_bytep pixel) {
+  for (const png_byte* const end = pixel + row->rowbytes; pixel < end; pixel += 4) {
+    const unsigned alpha = pixel[3];
+    if (alpha == 0 || alpha == 255) continue;
+    for (int i = 0; i < 3; ++i)
+      pixel[i] = static_cast<png_byte>(std::min(255U, (pixel[i] * 255U + alpha / 2) / alpha));
+  }
+}
+
 // Comes back early, by a jump to the caller, when libpng fails: nothing here has a destructor.
 void Write(png_structp png, png_infop info, cairo_surface_t* image, Progress& progress) {
   const int height = cairo_image_surface_get_height(image);
+  const bool hasAlpha = cairo_image_surface_get_format(image) == CAIRO_FORMAT_ARGB32;
   png_set_IHDR(png, info, static_cast<png_uint_32>(cairo_image_surface_get_width(image)),
-               static_cast<png_uint_32>(height), 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
-               PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+               static_cast<png_uint_32>(height), 8, hasAlpha ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB,
+               PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   png_set_pHYs(png, info, PIXELS_PER_METRE, PIXELS_PER_METRE, PNG_RESOLUTION_METER);
   png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
   png_set_compression_level(png, LEVEL);
   png_write_info(png, info);
-  // Cairo's pixels are blue, green, red and an unused byte.
+  // Cairo's pixels are blue, green, red and an alpha that only some images use.
   png_set_bgr(png);
-  png_set_filler(png, 0, PNG_FILLER_AFTER);
+  if (hasAlpha)
+    png_set_write_user_transform_fn(png, Straighten);
+  else
+    png_set_filler(png, 0, PNG_FILLER_AFTER);
   const unsigned char* const pixels = cairo_image_surface_get_data(image);
   const ptrdiff_t stride = cairo_image_surface_get_stride(image);
   for (int y = 0; y < height; ++y) {

@@ -1,4 +1,4 @@
-// A picture as a PNG file: RGB of 8 bits, at 96 pixels an inch.
+// A picture as a PNG file of 8 bits a colour, at 96 pixels an inch.
 #pragma once
 
 #include "ink/progress.h"
@@ -7,5 +7,6 @@
 
 #include <vector>
 
-/// Appends the file's bytes. `image` is of CAIRO_FORMAT_RGB24. False without memory.
+/// Appends the file's bytes: RGB of an image of CAIRO_FORMAT_RGB24, with alpha of one of CAIRO_FORMAT_ARGB32.
+/// False without memory.
 bool EncodePng(cairo_surface_t* image, std::vector<unsigned char>& bytes, Progress& progress);

@@ -34,15 +34,22 @@ LayerSet* MapPainter::Open(const DataScale& scale, std::string& problem) {
 std::string MapPainter::Show(const MapRequest& request) {
   m_labels.reset();
   m_chart.reset();
-  m_theme = m_data.FindTheme(request.theme);
-  if (!m_theme) return "there is no theme '" + request.theme + "'";
+  const Theme* const theme = m_data.FindTheme(request.theme);
+  if (!theme) return "there is no theme '" + request.theme + "'";
+  m_theme = *theme;
+  if (request.paper) m_theme[ThemeItem::Paper].fill = *request.paper;
   std::string problem;
   LayerSet* const set = Open(request.data ? *request.data : DataScaleOf(request.chart), problem);
   if (!set) return problem;
   std::vector<Layer*> layers = set->Layers();
   if (request.top) layers.push_back(request.top);
-  auto chart = std::make_unique<Chart>(layers, *m_theme, m_progress);
-  for (const auto& [names, visible] : {std::pair{&request.shown, true}, {&request.hidden, false}})
+  auto chart = std::make_unique<Chart>(layers, m_theme, m_progress);
+  if (!request.only.empty()) {
+    chart->Layers().SetAllVisible(false);
+    if (!chart->Layers().SetOrder(request.only)) return "there is a layer twice, or one that is not there";
+  }
+  for (const auto& [names, visible] :
+       {std::pair{&request.only, true}, {&request.shown, true}, {&request.hidden, false}})
     for (const std::string& name : *names)
       if (!chart->Layers().SetVisible(name, visible)) return "there is no layer '" + name + "'";
   if (request.top) chart->SetOffRouteAlpha(request.offRouteAlpha);
@@ -60,11 +67,11 @@ std::string MapPainter::Draw(cairo_t* cairo) {
   cairo_save(cairo);
   cairo_rectangle(cairo, 0, 0, width, height);
   cairo_clip(cairo);
-  SetColor(cairo, (*m_theme)[ThemeItem::Paper].fill);
+  SetColor(cairo, m_theme[ThemeItem::Paper].fill);
   cairo_paint(cairo);
   CairoGrfx grfx(cairo, width, height);
   const int code = m_chart->Render(&grfx);
-  m_labels->Draw(cairo, *m_theme, m_scale, m_chart->LabelOpacity());
+  m_labels->Draw(cairo, m_theme, m_scale, m_chart->LabelOpacity());
   cairo_restore(cairo);
   return code == 0 ? std::string() : std::string(K7ErrorString::ErrorString(code));
 }

@@ -18,8 +18,10 @@ struct MapRequest {
   double scale = 1;           // of lines, symbols and lettering: 2 for a screen of fine pixels
   std::string theme{};        // empty: the usual one
   std::vector<std::string> shown{}, hidden{};  // layers by their names, beside what the theme has on
-  const DataScale* data = nullptr;             // null: that which suits the chart
-  Layer* top = nullptr;                        // over all others, as a route; the caller's
+  std::vector<std::string> only{};             // these and no others, from the ground up; empty: any
+  std::optional<Color> paper{};  // beside the map, and under layers that do not cover it; none: the theme's
+  const DataScale* data = nullptr;  // null: that which suits the chart
+  Layer* top = nullptr;             // over all others, as a route; the caller's
   unsigned char offRouteAlpha = 255;
 };
 
@@ -46,14 +48,15 @@ class MapPainter {
   /// Shows and draws it, and appends it as a PNG file. Empty, or what went wrong.
   std::string DrawPng(const MapRequest& request, std::vector<unsigned char>& png);
 
- private:
+  /// The layers of charts of that scale. Null when they cannot be read, with `problem` in words.
   LayerSet* Open(const DataScale& scale, std::string& problem);
 
+ private:
   const MapData& m_data;
   std::array<std::unique_ptr<LayerSet>, std::size(DATA_SCALES)> m_layers;
   NoProgress m_progress;
   std::unique_ptr<Chart> m_chart;
   std::optional<LabelPlan> m_labels;
-  const Theme* m_theme = nullptr;
+  Theme m_theme;
   double m_scale = 1;
 };
