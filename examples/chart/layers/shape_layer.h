@@ -13,6 +13,7 @@ class ShapeLayer : public Layer {
 
   /// Reads the whole set. Empty, or what went wrong.
   std::string Load(Progress& progress);
+  const K7ShpLayer& Set() const { return m_set; }
 
   std::string Name() const override;
   ThemeItem Item() const override { return m_item; }

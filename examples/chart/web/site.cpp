@@ -1,8 +1,10 @@
 #include "web/site.h"
 
 #include "web/desk.h"
+#include "web/geojson.h"
 #include "web/page_api.h"
 #include "web/tile_answers.h"
+#include "web/wms.h"
 
 #include <new>
 #include <string_view>
@@ -11,9 +13,17 @@ namespace {
 
 // Those that another program's map would be made of are open; the page's own are not.
 constexpr Endpoint ENDPOINTS[] = {
-    {"/tiles/", AnswerTile, true},    {"/api/about.json", AnswerAbout},   {"/api/at.json", AnswerAt},
-    {"/api/find.json", AnswerFind},   {"/api/pick.json", AnswerPick},     {"/api/profile.svg", AnswerProfile},
-    {"/api/route.json", AnswerRoute}, {"/api/search.json", AnswerSearch}, {"/api/view.json", AnswerView},
+    {"/tiles/", AnswerTile, true},
+    {"/wms", AnswerWms, true},
+    {"/geojson", AnswerGeoJson, true},
+    {"/api/about.json", AnswerAbout},
+    {"/api/at.json", AnswerAt},
+    {"/api/find.json", AnswerFind},
+    {"/api/pick.json", AnswerPick},
+    {"/api/profile.svg", AnswerProfile},
+    {"/api/route.json", AnswerRoute},
+    {"/api/search.json", AnswerSearch},
+    {"/api/view.json", AnswerView},
     {"/api/view.png", AnswerViewPng},
 };
 

@@ -1,6 +1,7 @@
 #include "web/wms_request.h"
 
 #include "layers/layer_list.h"
+#include "web/query_value.h"
 
 #include <k7/foundation/string.h>
 
@@ -15,24 +16,6 @@ constexpr double FARTHEST =
     1e12;  // of a box, in any unit: further on, sums lose the numbers that they are of
 
 bool Same(const std::string& a, const char* b) { return K7String::IComp(a.c_str(), b) == 0; }
-
-std::vector<std::string> Split(const std::string& text) {
-  std::vector<std::string> parts = {{}};
-  for (const char c : text)
-    if (c == ',')
-      parts.emplace_back();
-    else
-      parts.back() += c;
-  return parts;
-}
-
-template <class Number>
-bool Read(const std::string& text, Number& value) {
-  const char* const first = text.data() + (text.starts_with('+') ? 1 : 0);
-  const char* const last = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(first, last, value);
-  return error == std::errc() && stop == last;
-}
 
 WmsProblem Missing(const char* name) { return {"MissingParameterValue", std::string("there is no ") + name}; }
 
@@ -62,11 +45,11 @@ MaybeWmsProblem ReadBox(const HttpRequest& request, MapBox& box) {
     return WmsProblem{old ? "InvalidSRS" : "InvalidCRS", "no map in '" + *crs + "'"};
   const std::string* const text = request.Find("BBOX");
   if (!text) return Missing("BBOX");
-  const std::vector<std::string> parts = Split(*text);
+  const std::vector<std::string> parts = SplitList(*text);
   double edges[4];
   if (parts.size() != std::size(edges)) return Invalid("BBOX", "four numbers with commas between");
   for (size_t i = 0; i < parts.size(); ++i)
-    if (!Read(parts[i], edges[i]) || !(std::fabs(edges[i]) <= FARTHEST))
+    if (!ReadValue(parts[i], edges[i]) || !(std::fabs(edges[i]) <= FARTHEST))
       return Invalid("BBOX", "four numbers with commas between");
   box.crs = system->crs;
   const bool turned = system->latitudeFirst && !old;
@@ -82,7 +65,7 @@ MaybeWmsProblem ReadBox(const HttpRequest& request, MapBox& box) {
 
 MaybeWmsProblem ReadStyles(const HttpRequest& request, const Desk& desk, std::string& theme) {
   const std::string* const styles = request.Find("STYLES");
-  for (const std::string& style : Split(styles ? *styles : std::string())) {
+  for (const std::string& style : SplitList(styles ? *styles : std::string())) {
     if (style.empty() || Same(style, "default")) continue;
     if (!desk.Data().FindTheme(style))
       return WmsProblem{"StyleNotDefined", "there is no style '" + style + "'"};
@@ -138,7 +121,7 @@ MaybeWmsProblem ReadWmsNumber(const HttpRequest& request, const char* name, int 
   const std::string* const text = request.Find(name);
   if (!text) return Missing(name);
   int number = 0;
-  if (!Read(*text, number) || number < least || number > most)
+  if (!ReadValue(*text, number) || number < least || number > most)
     return WmsProblem{code, std::string(name) + " is a whole number from " + std::to_string(least) + " to " +
                                 std::to_string(most)};
   value = number;
@@ -158,7 +141,7 @@ MaybeWmsProblem ReadWmsLayers(const HttpRequest& request, const char* name, Desk
   std::vector<std::string> known = WmsLayers(desk, problem);
   if (!problem.empty()) return WmsProblem{"", problem};
   known.emplace_back(WMS_CHART);
-  for (const std::string& wanted : Split(*text)) {
+  for (const std::string& wanted : SplitList(*text)) {
     const auto spelled = std::find_if(known.begin(), known.end(),
                                       [&](const std::string& k) { return Same(k, wanted.c_str()); });
     if (spelled == known.end()) return WmsProblem{"LayerNotDefined", "there is no layer '" + wanted + "'"};
