@@ -94,6 +94,16 @@ TEST(Wms, WhatIsNoMapIsTransparentOrTheBackground) {
   for (int dy = -3; dy <= 3; ++dy)
     for (int dx = -3; dx <= 3; ++dx) isInked |= over.At(x + dx, y + dy) >> 24 == 255;
   EXPECT_TRUE(isInked);
+  // Laid over white it is what is drawn on white, to the rounding of two bytes.
+  const Pixels onWhite(Map("LAYERS=navaids").body);
+  int worst = 0;
+  for (int i = 0; i < 240 * 180; ++i)
+    for (int shift = 0; shift < 24; shift += 8) {
+      const uint32_t ink = over.At(i % 240, i / 240), paper = onWhite.At(i % 240, i / 240);
+      const int sum = static_cast<int>((ink >> shift & 0xFF) + 255 - (ink >> 24));
+      worst = std::max(worst, std::abs(sum - static_cast<int>(paper >> shift & 0xFF)));
+    }
+  EXPECT_LE(worst, 3);
   EXPECT_EQ(Pixels(Map("LAYERS=navaids&BGCOLOR=0x123456").body).At(238, 178) & 0xFFFFFF, 0x123456U);
   const Pixels beyond(Map("LAYERS=chart&BBOX=-200,30,200,130&TRANSPARENT=TRUE").body);
   EXPECT_EQ(beyond.At(120, 60), 0U);

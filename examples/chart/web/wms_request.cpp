@@ -46,7 +46,7 @@ MaybeWmsProblem ReadBox(const HttpRequest& request, MapBox& box) {
   const std::string* const text = request.Find("BBOX");
   if (!text) return Missing("BBOX");
   const std::vector<std::string> parts = SplitList(*text);
-  double edges[4];
+  double edges[4] = {};
   if (parts.size() != std::size(edges)) return Invalid("BBOX", "four numbers with commas between");
   for (size_t i = 0; i < parts.size(); ++i)
     if (!ReadValue(parts[i], edges[i]) || !(std::fabs(edges[i]) <= FARTHEST))
