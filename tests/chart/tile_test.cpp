@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <numbers>
 
 namespace {
@@ -50,6 +51,74 @@ TEST(TileTest, PlacesLieOnTheirPixels) {
         const int pixels = TILE_PIXELS * ratio;
         EXPECT_NEAR(x - chart.overhang, (std::ldexp((lon + 180) / 360, z) - block.x) * pixels, 0.01) << z;
         EXPECT_NEAR(y - chart.overhang, (RowOf(z, lat) - block.y) * pixels, 0.01) << z;
+      }
+}
+
+// A block with the window around it, all layers on.
+struct Drawn {
+  MapImage image;
+  int overhang = 0, size = 0;
+
+  uint32_t At(int x, int y) const {
+    const unsigned char* const rows = cairo_image_surface_get_data(image.get());
+    uint32_t pixel;
+    std::memcpy(&pixel, rows + ptrdiff_t{y} * cairo_image_surface_get_stride(image.get()) + ptrdiff_t{x} * 4,
+                4);
+    return pixel;
+  }
+};
+
+Drawn DrawBlock(MapPainter& painter, const TileBlock& block, const TileLook& look) {
+  Drawn drawn;
+  MapRequest request;
+  EXPECT_EQ(BlockRequest(block, look, request), "");
+  request.shown = {"contours"};
+  EXPECT_EQ(painter.DrawImage(request, drawn.image), "");
+  drawn.overhang = static_cast<int>(request.chart.overhang);
+  drawn.size = request.width;
+  return drawn;
+}
+
+bool IsAlike(uint32_t a, uint32_t b) {
+  static const int NOISE = 24;
+  for (int shift = 0; shift < 24; shift += 8)
+    if (std::abs(static_cast<int>(a >> shift & 255) - static_cast<int>(b >> shift & 255)) > NOISE)
+      return false;
+  return true;
+}
+
+// What either draws of the last pixels before the seam and the first behind it: all that crosses it.
+int Differences(const Drawn& first, const Drawn& second, bool across) {
+  int found = 0;
+  const int width = first.size - 2 * first.overhang;
+  for (const int at : {-1, 0})
+    for (int along = first.overhang; along < first.overhang + width; ++along) {
+      const int one = first.overhang + width + at, other = first.overhang + at;
+      const bool alike = across ? IsAlike(first.At(one, along), second.At(other, along))
+                                : IsAlike(first.At(along, one), second.At(along, other));
+      if (!alike) ++found;
+    }
+  return found;
+}
+
+TEST(TileTest, BlocksAgreeWhereTheyMeet) {
+  ChartData data;
+  ASSERT_EQ(data.Open(LayerOptions()), "");
+  MapPainter painter(data);
+  for (const char* const theme : {"day", "night"})
+    for (const int z : {6, 8, 9, 10, 12})
+      for (const double lon : {-123.2, -122.6}) {
+        const TileLook look{.theme = theme, .ratio = z == 9 ? 2 : 1};
+        const TileBlock block = BlockOf(TileAt(z, 48.4, lon));
+        const Drawn middle = DrawBlock(painter, block, look);
+        for (const bool across : {true, false}) {
+          TileBlock next = block;
+          (across ? next.x : next.y) += across ? block.columns : block.rows;
+          // Dashes begin where a line enters a window: a few pixels where an isogonic or a border crosses.
+          static const int MOST = 10;
+          EXPECT_LE(Differences(middle, DrawBlock(painter, next, look), across), MOST)
+              << theme << " " << z << " " << lon << (across ? " across" : " down");
+        }
       }
 }
 

@@ -65,6 +65,15 @@ double Radius(const AirportPlace& airport) {
       ->radius;
 }
 
+// Pixels about the airport within which its runways lie, before they are known.
+double RunwaysReach(const LayerContext& context, const AirportPlace& airport) {
+  static const double AROUND = 1.5;  // of the longest
+  double north, east;
+  if (!context.view.Scale(airport.lat, airport.lon, north, east)) return 0;
+  const double longest = airport.longestRunway / (north * FEET_PER_NM);
+  return longest < TRUE_FROM * context.scale ? 0 : AROUND * longest;
+}
+
 }  // namespace
 
 void AirportLayer::Collect(const LayerContext& context) {
@@ -81,7 +90,9 @@ void AirportLayer::Collect(const LayerContext& context) {
     airport.apart = shown.apart * context.scale;
     m_places.push_back(std::move(airport));
   };
-  const K7ChartRect extent = context.view.GetExtent();
+  // About a piece of a picture: a symbol, or the longest of runways, and what lies too near to it.
+  static const double BEYOND = 100, LONGEST_NM = 5;
+  const K7ChartRect extent = PlacesIn(context, BEYOND + LONGEST_NM / NMPerOrdinaryPixel(context));
   const double nm = NMPerOrdinaryPixel(context);
   const int feet = ShownAt(nm).runwayFeet;
   VisitRecords<K7Airport>(
@@ -91,7 +102,9 @@ void AirportLayer::Collect(const LayerContext& context) {
     VisitRecords<K7LowUseAirport>(m_data->AreaQuery(K7NAV_LOW_USE_AIRPORT, extent),
                                   [&](const K7LowUseAirport& record) { take(record, K7Airport::PRIVATE); });
   Spacing spacing(FARTHEST_APART * context.scale);
-  KeepImportant(m_places, spacing);
+  KeepImportant(context, m_places, spacing, [&](const AirportPlace& airport) {
+    return std::max(ReachOf(airport, BoxOf(context, airport)), RunwaysReach(context, airport));
+  });
   for (AirportPlace& airport : m_places)
     if (airport.nm <= DIRECTIONS_TO_NM && IsForAll(airport.symbol)) FindRunways(context, airport);
 }

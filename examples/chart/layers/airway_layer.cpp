@@ -14,9 +14,10 @@ constexpr double SYMBOL_ROOM = 2;  // pixels between a symbol and a line
 // Pixels between lines, on average: below the first only the upper airways are shown, below the second only
 // their names are written.
 constexpr double CROWDED = 14, TEEMING = 10;
-constexpr double FAR = 6;         // times the scale where a tilted view's ground is nearest
-constexpr double FAINTEST = 0.6;  // of a crowded line's ink
-constexpr double ARROW = 5;       // pixels
+constexpr double PIECE_UPPER_FROM_NM = 0.6;  // a pixel
+constexpr double FAR = 6;                    // times the scale where a tilted view's ground is nearest
+constexpr double FAINTEST = 0.6;             // of a crowded line's ink
+constexpr double ARROW = 5;                  // pixels
 
 // In letter sizes.
 constexpr double LETTERS = 0.72;     // of the ordinary size
@@ -63,10 +64,12 @@ double AirwayLayer::Apart(const LayerContext& context) const {
 }
 
 void AirwayLayer::Thin(const LayerContext& context) {
-  m_apart = Apart(context);
+  // How much there is depends on the window: pieces of a picture go by its scale.
+  const bool isWide = context.view.NMPerPixel() * context.scale > PIECE_UPPER_FROM_NM;
+  m_apart = context.IsPiece() ? (isWide ? TEEMING : CROWDED) : Apart(context);
   if (m_apart >= CROWDED) return;
   std::erase_if(m_shown, [](const Shown& shown) { return !shown.leg.high; });
-  m_apart = Apart(context);
+  if (!context.IsPiece()) m_apart = Apart(context);
 }
 
 // A leg that leaves the window and comes back, or crosses a map's seam, is several lines.

@@ -10,6 +10,9 @@ namespace {
 // Fixes that no airway uses are for large scales: nautical miles an ordinary pixel.
 constexpr double OFF_AIRWAYS_TO_NM = 0.04;
 
+// Pixels about a piece of a picture: a symbol, and what lies too near to it.
+constexpr double BEYOND = 100;
+
 // Pixels between fixes: more as they crowd.
 double Apart(double nm) { return 18 + 60 * std::min(nm, 0.5); }
 
@@ -18,7 +21,7 @@ uint64_t WordOf(const K7NavKey& key) { return uint64_t{key.NavType()} << 32 | ke
 }  // namespace
 
 void FixLayer::Collect(const LayerContext& context) {
-  const K7ChartRect extent = context.view.GetExtent();
+  const K7ChartRect extent = PlacesIn(context, BEYOND);
   std::unordered_map<uint64_t, int> segments;
   for (const K7NavType type : {K7NAV_LOW_AIRWAY, K7NAV_HIGH_AIRWAY})
     VisitRecords<K7AirwaySeg>(m_data->AreaQuery(type, extent), [&](const K7AirwaySeg& segment) {
@@ -43,7 +46,8 @@ void FixLayer::Collect(const LayerContext& context) {
       NavPlace place;
       if (TakePlace(context, ThemeItem::Navaids, fix, nullptr, place)) spacing.Take(place.dx, place.dy, 0);
     });
-  KeepImportant(m_places, spacing);
+  KeepImportant(context, m_places, spacing,
+                [&](const FixPlace& fix) { return ReachOf(fix, BoxOf(context, fix)); });
 }
 
 // Solid where an airway leads.

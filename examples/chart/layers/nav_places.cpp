@@ -9,11 +9,32 @@ double NMPerPixelAt(const K7MapView& view, double lat, double lon) {
   return view.Scale(lat, lon, north, east) ? std::sqrt(north * east) : INFINITY;
 }
 
+K7ChartRect PlacesIn(const LayerContext& context, double beyond) {
+  const K7MapView& view = context.view;
+  double north, south, east, west;
+  if (!context.IsPiece() || !view.GetExtent(north, south, east, west)) return view.GetExtent();
+  const double pixels = beyond * context.scale;
+  const double aside = pixels * (east - west) / view.Width();
+  double lat, lon;
+  north = view.FromDevice(view.Width() / 2.0, -pixels, lat, lon) ? lat : 90;
+  south = view.FromDevice(view.Width() / 2.0, view.Height() + pixels, lat, lon) ? lat : -90;
+  if (east - west + 2 * aside >= 360) return {north, south, 180, -180};
+  return {north, south, std::remainder(east + aside, 360), std::remainder(west - aside, 360)};
+}
+
+bool IsOnEdge(const LayerContext& context, double x, double y, double reach) {
+  const PixelBox part = context.Part();
+  return std::fabs(std::remainder(x - part.left, part.right - part.left)) < reach ||
+         std::fabs(std::remainder(y - part.top, part.bottom - part.top)) < reach;
+}
+
 bool TakePlace(const LayerContext& context, ThemeItem item, const K7NavFix& fix, const char* name,
                NavPlace& place) {
   place.lat = K7NavData::FixPt2DecDeg(fix.lat);
   place.lon = K7NavData::FixPt2DecDeg(fix.lon);
-  if (!context.view.ToDevice(place.lat, place.lon, place.dx, place.dy)) return false;
+  place.dx = place.dy = NAN;
+  const bool isSeen = context.view.ToDevice(place.lat, place.lon, place.dx, place.dy);
+  if (!isSeen && !(context.IsPiece() && std::isfinite(place.dx + place.dy))) return false;
   const double nm = NMPerPixelAt(context.view, place.lat, place.lon);
   if (!context.theme[item].ShowsAt(nm)) return false;
   place.nm = nm * context.scale;

@@ -32,6 +32,14 @@ double Apart(double nm) { return 14 + 45 * std::min(nm, 1.0); }
 // A rose is so large on the ground, as far as it is legible and covers no neighbour.
 constexpr double ROSE_NM = 10, SMALLEST_ROSE = 42, LARGEST_ROSE = 90;
 
+// Pixels about a piece of a picture: a rose, the next one that it meets and what lies too near to that.
+constexpr double BEYOND = 400;
+
+bool MayHaveRose(const LayerContext& context, const NavaidPlace& navaid) {
+  return !std::isnan(navaid.declination) &&
+         context.theme[ThemeItem::CompassRoses].ShowsAt(navaid.nm / context.scale);
+}
+
 // What a distance part of an instrument landing system adds belongs to its runway.
 bool IsEnroute(uint32_t flags) {
   return (flags & K7VHFNavaid::ILS) == 0 &&
@@ -96,7 +104,7 @@ void NavaidLayer::Collect(const LayerContext& context) {
     navaid.weight = kind.weight + std::min<double>(record.range, 999);
     m_places.push_back(std::move(navaid));
   };
-  const K7ChartRect extent = context.view.GetExtent();
+  const K7ChartRect extent = PlacesIn(context, BEYOND);
   VisitRecords<K7VHFNavaid>(m_data->AreaQuery(K7NAV_VOR, extent), [&](const K7VHFNavaid& record) {
     if (!IsEnroute(record.flags)) return;
     NavaidPlace navaid;
@@ -114,7 +122,10 @@ void NavaidLayer::Collect(const LayerContext& context) {
       take(std::move(navaid), record);
     });
   Spacing spacing(FARTHEST_APART * context.scale);
-  KeepImportant(m_places, spacing);
+  KeepImportant(context, m_places, spacing, [&](const NavaidPlace& navaid) {
+    const double symbol = ReachOf(navaid, BoxOf(context, navaid));
+    return MayHaveRose(context, navaid) ? std::max(symbol, LARGEST_ROSE * context.scale) : symbol;
+  });
   FindRoses(context);
 }
 
@@ -159,20 +170,25 @@ double Extent(const RoseShape& rose) {
 
 }  // namespace
 
-// Roses that would run into a more important one are left out.
+// Roses that would run into a more important one are left out. Those on the edge of a piece come first, and
+// give way to any such on an edge, whether that has one or not: its neighbours are to find the same.
 void NavaidLayer::FindRoses(const LayerContext& context) {
-  std::vector<const NavaidPlace*> taken;
-  for (NavaidPlace& navaid : m_places) {
-    if (std::isnan(navaid.declination) ||
-        !context.theme[ThemeItem::CompassRoses].ShowsAt(navaid.nm / context.scale) ||
-        !ShapeRose(context, navaid, navaid.declination, navaid.rose))
-      continue;
-    navaid.hasRose = std::none_of(taken.begin(), taken.end(), [&](const NavaidPlace* other) {
+  std::vector<const NavaidPlace*> onEdge, taken;
+  const auto meetsAny = [](const NavaidPlace& navaid, const std::vector<const NavaidPlace*>& others) {
+    return std::any_of(others.begin(), others.end(), [&](const NavaidPlace* other) {
       return std::hypot(other->dx - navaid.dx, other->dy - navaid.dy) <
              Extent(other->rose) + Extent(navaid.rose);
     });
-    if (navaid.hasRose) taken.push_back(&navaid);
-  }
+  };
+  for (const bool edge : {true, false})
+    for (NavaidPlace& navaid : m_places) {
+      if (navaid.onEdge != edge || !MayHaveRose(context, navaid) ||
+          !ShapeRose(context, navaid, navaid.declination, navaid.rose))
+        continue;
+      navaid.hasRose = !meetsAny(navaid, edge ? onEdge : taken);
+      if (edge) onEdge.push_back(&navaid);
+      if (navaid.hasRose) taken.push_back(&navaid);
+    }
 }
 
 void NavaidLayer::DrawLines(const LayerContext& context, K7MapPath& path, K7Grfx& g) {

@@ -7,7 +7,8 @@
 #include "layers/symbol_size.h"
 
 /// A symbol that says nothing without its label is left out where the label finds no room: when the labels
-/// have been offered, `DrawLines` and `Pick` know which. Labels of important places come first.
+/// have been offered, `DrawLines` and `Pick` know which. Labels of important places come first. Of what
+/// pieces of a picture share, all draw the symbol, and that which has its place writes the label.
 template <class Place>
 class PlaceLayer : public Layer {
  public:
@@ -33,7 +34,12 @@ class PlaceLayer : public Layer {
   }
 
   void OfferLabels(const LayerContext& context, K7MapPath&, double size, LabelPlan& plan) override {
-    for (Place& place : m_places) place.isShown = OfferLabel(context, place, size, plan);
+    const PixelBox part = context.Part();
+    for (Place& place : m_places) {
+      const bool isOurs = !context.IsPiece() || part.Holds(BoxAbout(place.dx, place.dy, 0));
+      const bool isNamed = isOurs && OfferLabel(context, place, size, plan);
+      place.isShown = isNamed || place.onEdge;
+    }
   }
 
   void Pick(const LayerContext& context, K7MapPath&, double dx, double dy,
