@@ -57,9 +57,7 @@ bool NavStore::VisitAirwayNetwork(const std::function<void(const K7AirwaySeg&)>&
     if (!m_file->Has(type)) continue;
     Query query(m_file->Connection().Prepare("SELECT segments FROM airway_network WHERE type=?"));
     if (query.IsGood() && query.Bind(int64_t{type}).Next()) {
-      const void* const bytes = sqlite3_column_blob(query.Row(), 0);
-      const auto size = static_cast<size_t>(sqlite3_column_bytes(query.Row(), 0));
-      std::string_view network(static_cast<const char*>(bytes), bytes ? size : 0);
+      std::string_view network = query.Bytes(0);
       K7AirwaySeg segment;
       segment.key = K7NavKey(0, type);
       while (TakeFromNetwork(network, segment)) visit(segment);

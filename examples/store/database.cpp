@@ -23,6 +23,12 @@ Query& Query::Bind(std::string_view utf8) {
   return *this;
 }
 
+Query& Query::BindBytes(std::string_view bytes) {
+  if (sqlite3_bind_blob64(m_statement, ++m_bound, bytes.data(), bytes.size(), SQLITE_STATIC) != SQLITE_OK)
+    m_state = SQLITE_ERROR;
+  return *this;
+}
+
 bool Query::Next() {
   if (!IsGood() || m_state == SQLITE_DONE) return false;
   m_state = sqlite3_step(m_statement);
@@ -40,6 +46,13 @@ std::string_view Query::Text(int column) const {
   const void* text = sqlite3_column_text(m_statement, column);
   if (!text) return {};
   return {static_cast<const char*>(text), static_cast<size_t>(sqlite3_column_bytes(m_statement, column))};
+}
+
+std::string_view Query::Bytes(int column) const {
+  if (sqlite3_column_type(m_statement, column) != SQLITE_BLOB) return {};
+  const void* const bytes = sqlite3_column_blob(m_statement, column);
+  if (!bytes) return {};
+  return {static_cast<const char*>(bytes), static_cast<size_t>(sqlite3_column_bytes(m_statement, column))};
 }
 
 bool Database::Open(const std::string& path, int flags) {

@@ -21,6 +21,8 @@ class Query {
   Query& Bind(int64_t value);
   Query& Bind(double value);
   Query& Bind(std::string_view utf8);  ///< copied
+  /// Bytes as they are, which stay the caller's until the statement is given back.
+  Query& BindBytes(std::string_view bytes);
   /// The next row; false at the end and on failure.
   bool Next();
   /// True when everything since the beginning went well.
@@ -32,6 +34,8 @@ class Query {
   /// 0, or nothing, for a column that is not of that type.
   int64_t Integer(int column) const;
   std::string_view Text(int column) const;
+  /// Valid until the next row.
+  std::string_view Bytes(int column) const;
 
  private:
   sqlite3_stmt* m_statement;

@@ -141,10 +141,8 @@ bool NavWriter::State::AddNetwork(const TypeTable& table, const std::string& net
   sqlite3_stmt* insert = database.Prepare("INSERT INTO airway_network VALUES(?,?)");
   if (!insert) return Fail(part + ": " + database.Message());
   Query query(insert);
-  query.Bind(int64_t{table.type});
-  const int bound = sqlite3_bind_blob64(insert, 2, network.data(), network.size(), SQLITE_STATIC);
-  query.Next();
-  return (bound == SQLITE_OK && query.IsGood()) || Fail(part + ": " + database.Message());
+  query.Bind(int64_t{table.type}).BindBytes(network).Next();
+  return query.IsGood() || Fail(part + ": " + database.Message());
 }
 
 bool NavWriter::State::AddIndexes(const TypeTable& table) {
