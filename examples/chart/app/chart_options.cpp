@@ -88,12 +88,16 @@ constexpr OptionRow<LookOptions> PART_OPTIONS[] = {
 
 }  // namespace
 
-std::string ReadTheme(const std::string& name, Theme& theme) {
+std::string ThemeFile(const std::string& name) {
   for (const char* const shipped : SHIPPED_THEMES)
-    if (K7String::IComp(name.c_str(), shipped) == 0)
-      return theme.Read(SharedData("themes") + "/" + shipped + ".xml");
-  if (name.size() > 4 && K7String::IComp(name.c_str() + name.size() - 4, ".xml") == 0)
-    return theme.Read(name);
+    if (K7String::IComp(name.c_str(), shipped) == 0) return SharedData("themes") + "/" + shipped + ".xml";
+  return name;
+}
+
+std::string ReadTheme(const std::string& name, Theme& theme) {
+  const std::string file = ThemeFile(name);
+  if (file.size() > 4 && K7String::IComp(file.c_str() + file.size() - 4, ".xml") == 0)
+    return theme.Read(file);
   return "unknown theme " + Quoted(name) + " (day, night, printed, or a file that ends in .xml)";
 }
 

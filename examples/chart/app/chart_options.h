@@ -19,6 +19,8 @@ struct LookOptions {
 };
 
 inline constexpr const char* SHIPPED_THEMES[] = {"day", "night", "printed"};
+/// Where one of those is, or the file itself.
+std::string ThemeFile(const std::string& name);
 /// One of those, or a file that ends in .xml. Empty, or what is wrong.
 std::string ReadTheme(const std::string& name, Theme& theme);
 /// --theme

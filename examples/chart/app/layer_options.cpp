@@ -1,11 +1,11 @@
 #include "app/layer_options.h"
 
 #include <k7/foundation/string.h>
+#include "app/bounds_text.h"
 #include "app_common/shared_data.h"
 #include "layers/terrain_files.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
@@ -72,20 +72,11 @@ std::string SetUnderlay(const char* text, LayerOptions& options) {
 }
 
 std::string SetUnderlayBounds(const char* text, LayerOptions& options) {
-  double edges[4];
-  std::string_view left = text;
-  bool isRead = true;
-  for (double& edge : edges) {
-    const bool isLast = &edge == edges + 3;
-    const size_t end = isLast ? left.size() : std::min(left.find(','), left.size());
-    isRead = isRead && ReadNumber(left.substr(0, end), edge);
-    left.remove_prefix(std::min(end + 1, left.size()));
-  }
-  const auto [west, south, east, north] = edges;
-  if (!isRead || !(std::abs(west) <= 180 && std::abs(east) <= 180 && west != east) ||
-      !(south >= -90 && south < north && north <= 90))
-    return "bounds are WEST,SOUTH,EAST,NORTH in degrees, as -125.5,47,-121,50, not " + Quoted(text);
-  options.underlayBounds = {west, south, east, north};
+  UnderlayBounds bounds;
+  if (std::string problem = ReadBounds(text, bounds.west, bounds.south, bounds.east, bounds.north);
+      !problem.empty())
+    return problem;
+  options.underlayBounds = bounds;
   return {};
 }
 

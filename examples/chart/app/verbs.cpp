@@ -9,6 +9,7 @@ std::unique_ptr<Verb> MakeProfile();
 std::unique_ptr<Verb> MakeAirport();
 std::unique_ptr<Verb> MakeElev();
 std::unique_ptr<Verb> MakeServe();
+std::unique_ptr<Verb> MakeTiles();
 std::unique_ptr<Verb> MakeLayers();
 std::unique_ptr<Verb> MakeProjections();
 
@@ -26,6 +27,8 @@ constexpr VerbRow VERBS[] = {
     {"airport", "IDENT [OPTION]...", "Draws an airport's diagram.", MakeAirport},
     {"elev", "POSITION... [OPTION]...", "Says how high the ground is at positions.", MakeElev},
     {"serve", "[OPTION]...", "Shows charts to browsers, map programs and tablets, over HTTP.", MakeServe},
+    {"tiles", "[OPTION]... | merge OUTPUT PART...",
+     "Draws a file of map tiles (MBTiles) for tablets and geographic programs.", MakeTiles},
     {"layers", "[OPTION]...", "Lists the layers and which of them the data folder has.", MakeLayers},
     {"projections", "", "Lists the projections with their parameters.", MakeProjections},
     HELP_VERB,
