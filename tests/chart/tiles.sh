@@ -94,4 +94,22 @@ for chart_of in "-124.6,47.6,-121.4,49.9 6-7 1" "-124.6,47.6,-121.4,49.9 6 2" "1
     fail "land of $bounds, ratio $ratio"
   rm -f land.* burnt.* drawn.*
 done
+
+# The middles of KSEA's runways, as the data have their ends, and the ground between them.
+"$chart" tiles --bounds=-122.33,47.42,-122.29,47.48 --zoom 13 --layer airports --hide graticule --output field.mbtiles \
+  >out.txt || fail "tiles of an airport"
+middles=$(awk '$1 == 1 { in_field = $5 == "KSEA" } in_field && $1 == 100 { printf "%.6f %.6f\n", ($11 + $20) / 2, ($10 + $19) / 2 }' \
+  "$sample/navdata/apt.dat" | sort -n)
+colour_at() { gdallocationinfo -valonly -wgs84 field.mbtiles "$@" | tr '\n' ' '; }
+ground=$(colour_at -122.328 47.45)
+test "$(wc -l <<<"$middles")" = 3 && test -n "$ground" || fail "KSEA's runways"
+previous=""
+while read -r lon lat; do
+  test "$(colour_at "$lon" "$lat")" != "$ground" || fail "no runway at $lat $lon"
+  if [ -n "$previous" ]; then
+    between=$(awk -v a="$previous" -v b="$lon" 'BEGIN { printf "%.6f", (a + b) / 2 }')
+    test "$(colour_at "$between" "$lat")" = "$ground" || fail "a runway at $lat $between"
+  fi
+  previous=$lon
+done <<<"$middles"
 exit $failed
