@@ -99,8 +99,10 @@ class Merge {
   std::string Add(const std::string& path, TileWriter& file) {
     TileReader part;
     if (std::string problem = part.Open(path); !problem.empty()) return problem;
+    int64_t inPart = 0;
     std::string problem = part.Visit([&](const TileId& tile, std::string_view png) {
       if (!m_work.Has(tile)) return path + " has a tile outside its bounds";
+      if (++inPart > m_work.Tiles()) return path + " has tiles twice";
       const auto all = static_cast<double>(m_work.Tiles());
       m_bar.Show("joining tiles", std::min(1.0, static_cast<double>(++m_added) / all));
       std::string failed = file.Add(tile, png);
