@@ -75,6 +75,7 @@ TEST(WorkQueue, NeverDoesOneKeyTwiceAtOnce) {
   for (int i = 0; i < 4000; ++i) queue.Push(std::to_string(i % 3), i);
   std::atomic<int> busy[3] = {}, twice{0}, done{0};
   std::vector<std::thread> threads;
+  threads.reserve(4);
   for (int n = 0; n < 4; ++n)
     threads.emplace_back([&] {
       while (const auto taken = queue.Take()) {
