@@ -4,6 +4,7 @@ set -uo pipefail
 chart=$1
 here=$(cd "$(dirname "$0")" && pwd)
 export LSAN_OPTIONS="suppressions=$here/lsan.supp:print_suppressions=0"
+export TSAN_OPTIONS="suppressions=$here/tsan.supp"
 work=$(mktemp -d)
 server=
 trap '[ -z "$server" ] || kill -KILL "$server" 2>/dev/null; rm -rf "$work"' EXIT
