@@ -98,6 +98,7 @@ export function start(what) {
   addEventListener("popstate", () => {
     const before = view;
     view = read(location.hash);
+    history.replaceState(null, "", addressOf());
     lastPush = -Infinity;
     tell(Object.keys(view).filter((name) => JSON.stringify(view[name]) !== JSON.stringify(before[name])));
   });
