@@ -159,7 +159,7 @@ def search(tab, text):
     page = tab.page
     page.key("/")
     page.type(text)
-    page.wait("document.querySelector('#search-found li')", "something found")
+    page.wait("Boolean(document.querySelector('#search-found li'))", "something found")
     tab.redrawn(lambda: page.key("Enter", 13))
 
 
@@ -171,7 +171,7 @@ def test_searches_identifiers_and_positions(open_tab, _):
         assert miles((tab.number("lat"), tab.number("lon")), (48.5, -122.25)) < 0.01, tab.view()
         tab.page.key("/")
         tab.page.type("QQQQQ")
-        tab.page.wait("document.querySelector('#search-found .none')", "that nothing is found")
+        tab.page.wait("Boolean(document.querySelector('#search-found .none'))", "that nothing is found")
 
 
 def test_a_route_of_three_fixes(open_tab, _):
@@ -214,7 +214,7 @@ def test_routes_by_clicks_and_by_airways(open_tab, _):
     with open_tab(f"projection=mercator&lat={sea[0]}&lon={sea[1]}&range=100", width=1600, height=1000) as tab:
         tab.press("open-route")
         tab.page.click(800, 500)
-        tab.page.wait("location.hash.includes('route=')", "a first point")
+        tab.page.wait("location.hash.includes('route=SEA@')", "the navaid, not the airport beside it, as first point")
         tab.redrawn(lambda: tab.page.eval(f"location.hash = location.hash + ';YVR@{yvr[0]},{yvr[1]}'"))
         tab.page.wait("!document.getElementById('route-find').disabled", "two points")
         tab.redrawn(lambda: tab.press("route-find"))

@@ -15,12 +15,15 @@ function param(view, name) {
 
 export const isTilted = (view) => projectionOf(view).tilted && param(view, PITCH) > STRAIGHT_DOWN;
 
+/// A longitude, or a difference of two, from -180 to 180.
+export const wrap = (degrees) => ((((degrees + 180) % 360) + 360) % 360) - 180;
+
 /// Where a great circle leads.
 export function endPoint({ lat, lon }, course, distance) {
   const [p, c, d] = [rad(lat), rad(course), distance / RADIUS_NM];
   const sine = Math.sin(p) * Math.cos(d) + Math.cos(p) * Math.sin(d) * Math.cos(c);
   const east = Math.atan2(Math.sin(c) * Math.sin(d) * Math.cos(p), Math.cos(d) - Math.sin(p) * sine);
-  return { lat: deg(Math.asin(within(sine, -1, 1))), lon: ((lon + deg(east) + 540) % 360) - 180 };
+  return { lat: deg(Math.asin(within(sine, -1, 1))), lon: wrap(lon + deg(east)) };
 }
 
 /// From one place to another.

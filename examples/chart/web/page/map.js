@@ -2,13 +2,14 @@
 import { IDENTITY, about, apply, compose, degreesOf, invert, isNothing, scaleOf, shift } from "./similarity.js";
 import { get, getJson, queryOf } from "./server.js";
 import { change, drawn, isNight, onChange, themeName, view } from "./view.js";
-import { isTilted, lookAt, moveEye, wayBetween } from "./eye.js";
+import { endPoint, isTilted, lookAt, moveEye, wayBetween, wrap } from "./eye.js";
 import { during, say } from "./status.js";
 
 const MARGIN = 0.125;        // of the window, on each side: what a small shift shows at once
 const MOST_PIXELS = 9e6;     // of a picture
 const WORLD_NM = 7000;       // ranges beyond show the whole world
 const LEAST_NM = 1;
+const ROOM = 1.25;           // about what is shown as a whole
 const FAR_NM = 300, NEAR_NM = 60;
 const DRAWING_NAMES = ["projection", "lat", "lon", "range", "turn", "theme", "show", "hide", "params", "route", "dim"];
 
@@ -132,6 +133,30 @@ export class ChartMap {
     this.#marksNext = true;
     change(next);
     this.load();
+  }
+
+  /// Shows places in what is left of the window over a panel at its bottom.
+  showAll(places, covered) {
+    if (isTilted(view)) return;
+    const lats = places.map(({ lat }) => lat), lons = places.map(({ lon }) => places[0].lon + wrap(lon - places[0].lon));
+    const middle = { lat: (Math.min(...lats) + Math.max(...lats)) / 2, lon: wrap((Math.min(...lons) + Math.max(...lons)) / 2) };
+    const [width, height] = [this.#element.clientWidth, this.#element.clientHeight];
+    const [right, up] = [0, 1].map((axis) => Math.max(1, ...places.map((place) => {
+      const { course, distance } = wayBetween(middle, place);
+      const angle = ((course - view.turn) * Math.PI) / 180;
+      return Math.abs(distance * (axis ? Math.cos(angle) : Math.sin(angle)));
+    })));
+    const milesPerPixel = Math.max(right / width, up / (height - covered)) * 2 * ROOM;
+    change({ range: milesPerPixel * (Math.min(width, height) / 2),
+      ...endPoint(middle, view.turn + 180, (milesPerPixel * covered) / 2) });
+  }
+
+  /// Moves what is marked out from under a panel at the window's bottom.
+  uncover(covered) {
+    const free = this.#element.clientHeight - covered;
+    const [, y] = this.#markedAt ? apply(this.#moved, this.#markedAt) : [0, 0];
+    const beyond = y + this.#element.clientHeight / 2 - (free - 48);
+    if (this.#markedAt && beyond > 0) this.shift(0, -Math.max(beyond, free / 4));
   }
 
   #covers() {

@@ -37,6 +37,12 @@ export function closePanel(id, focus = true) {
   panel.whenClosed();
 }
 
+/// Whether panels lie at the window's bottom.
+export const isSheet = () => small.matches;
+
+/// How much of the window's bottom a panel there covers.
+export const coveredBy = (id) => (isOpen(id) ? innerHeight - byId(id).getBoundingClientRect().top : 0);
+
 /// The one that was opened last. False when none is open.
 export function closeOne() {
   const open = [...panels.keys()].filter(isOpen);

@@ -1,7 +1,7 @@
 // The route: its points, the table of its legs and the ground under it.
 import { byId, later, make } from "./parts.js";
 import { addPanel, isOpen, openPanel } from "./panels.js";
-import { pick } from "./card.js";
+import { nearestPoint, pick } from "./card.js";
 import { findPoint } from "./search.js";
 import { getBlob, getJson, queryOf } from "./server.js";
 import { during } from "./status.js";
@@ -12,12 +12,14 @@ const panel = byId("route");
 const body = panel.querySelector("tbody");
 const profile = byId("profile");
 let control = new AbortController();
+let places = [];
+let showAll = () => {};
 let legs = [];
 let leg = 0;
 
 const bearing = (degrees) =>
   degrees === null || degrees === undefined ? "" : `${String(Math.round(degrees) % 360 || 360).padStart(3, "0")}°`;
-const miles = (value) => value.toFixed(1);
+const miles = (value) => (Math.round(value * 10 + 1e-6) / 10).toFixed(1);  // 146.35 is 146.4, as on paper
 
 function sayProblem(words) {
   byId("route-problem").textContent = words;
@@ -41,9 +43,12 @@ function row(each, index) {
 
 function showTable(answer) {
   legs = answer?.legs ?? [];
+  places = answer?.points ?? [];
   leg = Math.min(leg, Math.max(legs.length - 1, 0));
   body.replaceChildren(...legs.map(row));
   body.parentElement.hidden = !legs.length;
+  body.parentElement.classList.toggle("direct", legs.every(({ airway }) => !airway));
+  byId("route-all").disabled = !places.length;
   byId("route-sum").textContent = legs.length ? `${answer.from} to ${answer.to}, ${miles(answer.distance_nm)} NM` : "";
   byId("track-up").disabled = !legs.length;
 }
@@ -92,12 +97,10 @@ export function addPoint(text) {
   if (view.route.at(-1) !== text) change({ route: [...view.route, text] });
 }
 
-/// Of what is found there the first that is a point, else the place itself.
+/// What is found there, or else the place itself.
 export async function addAt(query) {
   const answer = await pick(query);
-  if (!answer) return;
-  const known = answer.found.find(({ point }) => point);
-  addPoint(known ? known.point : `${answer.place.lat.toFixed(5)},${answer.place.lon.toFixed(5)}`);
+  if (answer) addPoint(nearestPoint(answer)?.point ?? answer.point);
 }
 
 async function findWay() {
@@ -107,7 +110,9 @@ async function findWay() {
     sayProblem(`There is no way by airways: ${failure.message}`);
     throw failure;
   }));
-  if (answer?.route) change({ route: answer.route.split(";") });
+  if (!answer?.route) return;
+  change({ route: answer.route.split(";") });
+  if (answer.points) showAll(answer.points);
 }
 
 const clicks = byId("route-click");
@@ -139,7 +144,9 @@ async function addTyped(event) {
   addPoint(point);
 }
 
-export function startRoute() {
+/// `show(places)` shows all of them.
+export function startRoute(show) {
+  showAll = show;
   addPanel("route", byId("open-route"), () => setAdding(false));
   byId("open-route").addEventListener("click", () => {
     if (!isOpen("route")) return;
@@ -154,6 +161,7 @@ export function startRoute() {
   byId("route-speed").addEventListener("change", ({ target }) => {
     if (target.validity.valid && target.value) change({ speed: Number(target.value) });
   });
+  byId("route-all").addEventListener("click", () => showAll(places));
   byId("track-up").addEventListener("click", () => trackUp(leg));
   new ResizeObserver(later(250, () => view.route.length > 1 && showProfile(control.signal))).observe(panel);
   const sync = () => { byId("route-speed").value = view.speed; };
