@@ -176,7 +176,7 @@ def test_searches_identifiers_and_positions(open_tab, _):
 
 def test_a_route_of_three_fixes(open_tab, _):
     places = [navaid(ident) for ident in ("SEA", "YYJ", "YVR")]
-    with open_tab("lat=48.3&lon=-122.9&range=70", width=1600, height=1000) as tab:
+    with open_tab("lat=48.1&lon=-122.9&range=75", width=1280, height=800) as tab:
         page = tab.page
         tab.press("open-route")
         for ident, place in zip(("SEA", "YYJ", "YVR"), places):
@@ -193,7 +193,7 @@ def test_a_route_of_three_fixes(open_tab, _):
         for row, leg, total in zip(rows, legs, (legs[0], sum(legs))):
             assert abs(float(row[6]) - leg) < 0.11 and abs(float(row[7]) - total) < 0.11, (rows, legs)
         page.wait("document.getElementById('profile').naturalWidth > 200", "the profile")
-        page.wait(IDLE)
+        tab.redrawn(lambda: tab.press("route-all"))
         page.screenshot(out / "route.png")
         tab.redrawn(lambda: tab.press("track-up"))
         assert abs(tab.number("turn") - bearing(places[0], places[1])) < 0.6, tab.view()
@@ -219,15 +219,21 @@ def test_routes_by_clicks_and_by_airways(open_tab, _):
         tab.page.wait("!document.getElementById('route-find').disabled", "two points")
         tab.redrawn(lambda: tab.press("route-find"))
         tab.page.wait("document.querySelectorAll('#route-table tbody tr').length > 2", "a way over fixes")
+        airways = tab.page.eval("[...document.querySelectorAll('#route-table tbody tr')].map((row) => row.cells[3].innerText)")
+        assert any(airways), airways
         way = tab.text("route-sum")
         assert float(way.split()[-2]) > miles(sea, yvr), way
 
 
 def test_theme_follows_the_system(open_tab, _):
-    with open_tab("lat=48.5&lon=-123&range=60", width=1600, height=1000) as tab:
+    lat, lon, _ = navaid("YYJ")
+    with open_tab(f"lat={lat}&lon={lon}&range=50", width=1280, height=800) as tab:
         assert tab.brightness() > 150
         tab.redrawn(lambda: tab.page.set_dark(True))
         assert tab.page.eval("document.documentElement.dataset.light") == "night" and tab.brightness() < 60
+        tab.page.click(640, 400)
+        tab.page.wait("!document.getElementById('card').hidden", "the card")
+        tab.page.wait(IDLE)
         tab.page.screenshot(out / "night.png")
         tab.press("open-settings")
         tab.redrawn(lambda: tab.page.eval("document.querySelector('#themes input[value=day]').click()"))

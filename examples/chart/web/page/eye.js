@@ -65,14 +65,15 @@ export function setParam(view, name, value) {
   return { params, turn: 0, ...lookAt(next, view) };
 }
 
-/// What of a tilted view changes when its picture has been scaled, turned (clockwise) and shifted over the ground.
+/// What of a tilted view changes when its picture has been scaled and turned (clockwise) about what is in its middle, and
+/// shifted over the ground.
 export function moveEye(view, scale, degrees, way) {
   const params = { ...view.params };
-  if (Math.abs(scale - 1) > 1e-6)
-    params[ALTITUDE] = Math.round(within(param(view, ALTITUDE) / scale, 1000, 1e9));
+  if (Math.abs(scale - 1) > 1e-6) params[ALTITUDE] = Math.round(within(param(view, ALTITUDE) / scale, 1000, 1e9));
   if (Math.abs(degrees) > 0.01)
     params[HEADING] = Math.round(((((param(view, HEADING) - degrees) % 360) + 360) % 360) * 10) / 10;
-  return { params, ...(way ? endPoint(view, way.course, way.distance) : {}) };
+  const eye = lookAt({ ...view, params }, endPoint(view, param(view, HEADING), ahead(view)));
+  return { params, ...(way ? endPoint(eye, way.course, way.distance) : eye) };
 }
 
 /// The true course that points up.
