@@ -3,14 +3,23 @@
 /// Why something could not be had, in words for people.
 export class Problem extends Error {}
 
-/// Throws a `Problem`, or an `AbortError` when `signal` says that it is overtaken.
-export async function get(path, query, signal) {
+const TRIES = 4;
+const BUSY = 503;
+
+const pause = (seconds) => new Promise((done) => { setTimeout(done, seconds * 1000); });
+
+/// Throws a `Problem`, or an `AbortError` when `signal` says that it is overtaken. A busy server is asked again.
+export async function get(path, query, signal, tries = TRIES) {
   let answer;
   try {
     answer = await fetch(`${path}?${query}`, { signal });
   } catch (failure) {
     if (failure.name === "AbortError") throw failure;
     throw new Problem("the server does not answer");
+  }
+  if (answer.status === BUSY && tries > 1) {
+    await pause(Math.min(Number(answer.headers.get("Retry-After")) || 1, 5));
+    return get(path, query, signal, tries - 1);
   }
   if (answer.ok) return answer;
   const said = await answer.text();
