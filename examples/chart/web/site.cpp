@@ -13,18 +13,12 @@ namespace {
 
 // Those that another program's map would be made of are open; the page's own are not.
 constexpr Endpoint ENDPOINTS[] = {
-    {"/tiles/", AnswerTile, true},
-    {"/wms", AnswerWms, true},
-    {"/geojson", AnswerGeoJson, true},
-    {"/api/about.json", AnswerAbout},
-    {"/api/at.json", AnswerAt},
-    {"/api/find.json", AnswerFind},
-    {"/api/pick.json", AnswerPick},
-    {"/api/profile.svg", AnswerProfile},
-    {"/api/route.json", AnswerRoute},
-    {"/api/search.json", AnswerSearch},
-    {"/api/view.json", AnswerView},
-    {"/api/view.png", AnswerViewPng},
+    {"/tiles/", AnswerTile, true},     {"/wms", AnswerWms, true},
+    {"/geojson", AnswerGeoJson, true}, {"/api/about.json", AnswerAbout},
+    {"/api/at.json", AnswerAt},        {"/api/find.json", AnswerFind},
+    {"/api/pick.json", AnswerPick},    {"/api/profile.svg", AnswerProfile},
+    {"/api/route.json", AnswerRoute},  {"/api/search.json", AnswerSearch},
+    {"/api/view.json", AnswerView},    {"/api/view.png", AnswerViewPng},
 };
 
 const Endpoint* FindEndpoint(const std::string& path) {
