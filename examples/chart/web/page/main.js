@@ -3,7 +3,7 @@ import { byId } from "./parts.js";
 import { start } from "./view.js";
 import { ChartMap } from "./map.js";
 import { followKeys, followPointers } from "./gestures.js";
-import { closeOne, coveredBy, isSheet } from "./panels.js";
+import { closeOne, coveredAbove, coveredBy, isSheet } from "./panels.js";
 import { readPoint, startCard } from "./card.js";
 import { startSearch } from "./search.js";
 import { addAt, addPoint, isAddingByClicks, openRoute, startRoute, stopAdding } from "./route.js";
@@ -28,7 +28,7 @@ function begin(about) {
   const map = new ChartMap();
   map.onMoved(showInstruments);
   startSettings();
-  startRoute((places) => map.showAll(places, coveredBy("route")));
+  startRoute((places) => map.showAll(places, coveredAbove(), coveredBy("route")));
   const card = startCard({
     toRoute: (text) => { addPoint(text); openRoute(); },
     centre: (point) => map.goTo(point),

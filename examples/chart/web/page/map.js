@@ -7,6 +7,7 @@ import { during, say } from "./status.js";
 
 const MARGIN = 0.125;        // of the window, on each side: what a small shift shows at once
 const MOST_PIXELS = 9e6;     // of a picture
+const MOST_SIDE = 4096;      // that the server draws, before the screen's ratio
 const WORLD_NM = 7000;       // ranges beyond show the whole world
 const LEAST_NM = 1;
 const ROOM = 1.25;           // about what is shown as a whole
@@ -135,8 +136,8 @@ export class ChartMap {
     this.load();
   }
 
-  /// Shows places in what is left of the window over a panel at its bottom.
-  showAll(places, covered) {
+  /// Shows places in what is left of the window between what covers it above and below.
+  showAll(places, above, below) {
     if (isTilted(view)) return;
     const lats = places.map(({ lat }) => lat), lons = places.map(({ lon }) => places[0].lon + wrap(lon - places[0].lon));
     const middle = { lat: (Math.min(...lats) + Math.max(...lats)) / 2, lon: wrap((Math.min(...lons) + Math.max(...lons)) / 2) };
@@ -146,9 +147,9 @@ export class ChartMap {
       const angle = ((course - view.turn) * Math.PI) / 180;
       return Math.abs(distance * (axis ? Math.cos(angle) : Math.sin(angle)));
     })));
-    const milesPerPixel = Math.max(right / width, up / (height - covered)) * 2 * ROOM;
+    const milesPerPixel = Math.max(right / width, up / (height - above - below)) * 2 * ROOM;
     change({ range: milesPerPixel * (Math.min(width, height) / 2),
-      ...endPoint(middle, view.turn + 180, (milesPerPixel * covered) / 2) });
+      ...endPoint(middle, view.turn + 180, (milesPerPixel * (below - above)) / 2) });
   }
 
   /// Moves what is marked out from under a panel at the window's bottom.
@@ -237,7 +238,10 @@ export class ChartMap {
   #frame() {
     const [inWidth, inHeight] = [this.#element.clientWidth, this.#element.clientHeight];
     const hasMargin = !isTilted(view) && view.range > 0;
-    const beyond = (length) => length + 2 * Math.round(hasMargin ? length * MARGIN : 0);
+    const beyond = (length) => {
+      const margin = hasMargin ? Math.round(length * MARGIN) : 0;
+      return length + 2 * Math.min(margin, Math.floor((MOST_SIDE - length) / 2));
+    };
     const [width, height] = [beyond(inWidth), beyond(inHeight)];
     const inner = Math.min(inWidth, inHeight);
     const ratio = Math.max(1, Math.min(devicePixelRatio, 3, Math.sqrt(MOST_PIXELS / (width * height))));

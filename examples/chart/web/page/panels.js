@@ -40,8 +40,14 @@ export function closePanel(id, focus = true) {
 /// Whether panels lie at the window's bottom.
 export const isSheet = () => small.matches;
 
-/// How much of the window's bottom a panel there covers.
-export const coveredBy = (id) => (isOpen(id) ? innerHeight - byId(id).getBoundingClientRect().top : 0);
+/// How much of the window's bottom a panel there covers; one at the side covers none.
+export function coveredBy(id) {
+  const box = byId(id).getBoundingClientRect();
+  return isOpen(id) && box.width > innerWidth / 2 ? innerHeight - box.top : 0;
+}
+
+/// How much of its top there is no sight of the chart.
+export const coveredAbove = () => (small.matches ? byId("search").getBoundingClientRect().bottom : 0);
 
 /// The one that was opened last. False when none is open.
 export function closeOne() {
