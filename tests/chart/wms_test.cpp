@@ -129,6 +129,8 @@ TEST(Wms, RefusesInTheWordsOfTheStandard) {
         "BBOX=-1e308,46,1e308,49", "BBOX=-124,46,-120,46.0001", "WIDTH=0", "WIDTH=4097", "HEIGHT=1e3",
         "BGCOLOR=0x12345", "TRANSPARENT=maybe"})
     EXPECT_NE(Map(query).body.find("InvalidParameterValue"), std::string::npos) << query;
+  EXPECT_NE(Map("CRS=<\"\x01\xEF\xBF\xBF\xC3\xA9").body.find(">no map in '&lt;&quot;??\u00E9'<"),
+            std::string::npos);
   // Boxes that are in order and show nothing, or too little to be a map, end well.
   for (const char* const query : {"BBOX=0,95,10,105", "BBOX=1,1,1.0000000000001,1.0000000000001",
                                   "BBOX=-1e12,-1e12,1e12,1e12", "CRS=EPSG:3857&BBOX=-1e12,-5,1e12,1e12"})

@@ -12,7 +12,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstring>
-#include <new>
+#include <exception>
 #include <thread>
 
 #include <microhttpd.h>
@@ -115,7 +115,7 @@ void* HttpServer::Core::OnLine(void* self, const char* target, MHD_Connection*) 
     auto* const exchange = new Exchange(target);
     ++static_cast<Core*>(self)->m_exchanges;
     return exchange;
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
     return nullptr;
   }
 }
@@ -134,7 +134,7 @@ MHD_Result HttpServer::Core::OnRequest(void* self, MHD_Connection* connection, c
       return core->Check(*exchange) ? MHD_YES : core->Send(*exchange);
     }
     return exchange->isAnswered ? core->Send(*exchange) : core->Take(*exchange);
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
     return MHD_NO;
   }
 }
@@ -199,20 +199,24 @@ MHD_Result HttpServer::Core::Take(Exchange& exchange) {
 }
 
 void HttpServer::Core::AddHeaders(const Exchange& exchange, MHD_Response* response) const {
+  static constexpr const char* POLICY = "Content-Security-Policy";
   const HttpAnswer& answer = exchange.answer;
   const auto add = [&](const char* name, const std::string& value) {
     MHD_add_response_header(response, name, value.c_str());
   };
-  bool isStored = answer.status == 200 || answer.status == 304;
+  bool hasPolicy = false;
   for (const auto& [name, value] : answer.headers) {
     add(name.c_str(), value);
-    if (strcasecmp(name.c_str(), MHD_HTTP_HEADER_CACHE_CONTROL) == 0) isStored = false;
+    hasPolicy |= name == POLICY;
   }
+  // Whatever a record's text says, what is no page runs and fetches nothing when it is opened by itself.
+  // A 304 leaves the policy as it was sent.
+  if (!hasPolicy && answer.status != 304) add(POLICY, "default-src 'none'; style-src 'unsafe-inline'");
   if (answer.status != 304) add(MHD_HTTP_HEADER_CONTENT_TYPE, answer.type);
-  if (isStored) {
+  if (answer.status == 200 || answer.status == 304) {
     add(MHD_HTTP_HEADER_ETAG, m_tag);
     add(MHD_HTTP_HEADER_CACHE_CONTROL, "no-cache");  // kept, but asked for whether it still holds
-  } else if (answer.status != 200) {
+  } else {
     add(MHD_HTTP_HEADER_CACHE_CONTROL, "no-store");
   }
   add("X-Content-Type-Options", "nosniff");

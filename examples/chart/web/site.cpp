@@ -6,6 +6,7 @@
 #include "web/tile_answers.h"
 #include "web/wms.h"
 
+#include <exception>
 #include <new>
 #include <string_view>
 
@@ -62,6 +63,9 @@ HttpAnswer Site::Answer(const HttpRequest& request, Desk& desk) {
     return endpoint->answer(request, desk);
   } catch (const std::bad_alloc&) {
     return Refuse(500, "out of memory");
+  } catch (const std::exception&) {
+    // One request's misfortune ends no other's.
+    return Refuse(500, "this cannot be answered");
   }
 }
 

@@ -25,5 +25,7 @@ std::string XmlText(std::string_view text) {
         out += isControl || (byte >= 0x80 && !isUtf8) ? '?' : c;
     }
   }
+  for (const std::string_view none : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"})
+    for (size_t at = 0; (at = out.find(none, at)) != std::string::npos;) out.replace(at, none.size(), 1, '?');
   return out;
 }
