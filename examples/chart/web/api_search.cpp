@@ -7,6 +7,7 @@
 #include "store/text_1252.h"
 #include "web/api_answer.h"
 #include "web/page_api.h"
+#include "web/query_value.h"
 #include "web/route_point.h"
 #include "web/view_request.h"
 
@@ -94,10 +95,8 @@ void FindAll(const std::string& text, Search& search) {
 
 std::string ReadText(const HttpRequest& request, std::string& text) {
   const std::string* const given = request.Find("q");
-  if (!given || given->find_first_not_of(' ') == std::string::npos)
-    return "'q' is an identifier, a name or a position";
-  text = given->substr(given->find_first_not_of(' '));
-  text.erase(text.find_last_not_of(' ') + 1);
+  text = given ? Trimmed(*given) : std::string();
+  if (text.empty()) return "'q' is an identifier, a name or a position";
   return text.size() <= LONGEST ? WhyNoTexts(request) : "nothing has so long a name";
 }
 

@@ -43,11 +43,10 @@ std::string ReadArea(const HttpRequest& request, K7ChartRect& area) {
   static const char* const FORM =
       "bbox is WEST,SOUTH,EAST,NORTH in degrees; west is greater than east across 180";
   const std::string* const text = request.Find("bbox");
-  const std::vector<std::string> parts = SplitList(text ? *text : std::string());
   double edges[4] = {};
-  if (parts.size() != std::size(edges)) return FORM;
-  for (size_t i = 0; i < parts.size(); ++i)
-    if (!ReadValue(parts[i], edges[i]) || !(std::fabs(edges[i]) <= (i % 2 == 0 ? 180 : 90))) return FORM;
+  if (!text || !ReadEdges(*text, edges)) return FORM;
+  for (size_t i = 0; i < std::size(edges); ++i)
+    if (std::fabs(edges[i]) > (i % 2 == 0 ? 180 : 90)) return FORM;
   if (edges[1] > edges[3]) return FORM;
   area = {edges[3], edges[1], edges[2], edges[0]};
   return {};

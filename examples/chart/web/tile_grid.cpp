@@ -16,13 +16,19 @@ TileBlock BlockOf(const TileId& tile) {
   return {tile.z, tile.x / count * count, tile.y / count * count, count, count};
 }
 
-// The inverse of J. P. Snyder, Map Projections - A Working Manual, 1987, equation 7-2 with 7-4.
+// J. P. Snyder, Map Projections - A Working Manual, 1987, equations 7-2 and 7-4.
 double LatOfRow(int z, double row) {
   const double north = std::numbers::pi * (1 - std::ldexp(row, 1 - z));
   return std::atan(std::sinh(north)) * K7_RAD_TO_DEG;
 }
 
 double LonOfColumn(int z, double column) { return std::ldexp(column * 360, -z) - 180; }
+
+double RowOfLat(int z, double lat) {
+  return std::ldexp(0.5 - std::asinh(std::tan(lat * K7_DEG_TO_RAD)) / (2 * std::numbers::pi), z);
+}
+
+double ColumnOfLon(int z, double lon) { return std::ldexp((lon + 180) / 360, z); }
 
 void TileBounds(const TileId& tile, double& west, double& south, double& east, double& north) {
   west = LonOfColumn(tile.z, tile.x);

@@ -23,6 +23,9 @@ TileBlock BlockOf(const TileId& tile);
 /// and broken numbers; one column beyond the world's edge goes on behind 180 degrees.
 double LatOfRow(int z, double row);
 double LonOfColumn(int z, double column);
+/// The other way round. Poles are infinitely far.
+double RowOfLat(int z, double lat);
+double ColumnOfLon(int z, double lon);
 void TileBounds(const TileId& tile, double& west, double& south, double& east, double& north);
 
 /// The scale by which all tiles of a level choose what they show, nautical miles a tile's pixel: neighbours

@@ -1,6 +1,6 @@
 #include "web/tile_path.h"
 
-#include <charconv>
+#include "web/query_value.h"
 
 namespace {
 
@@ -19,10 +19,9 @@ std::string_view TakeStep(std::string_view& path) {
 
 // Digits alone, without zeros in front.
 bool ReadIndex(std::string_view text, int& value) {
-  const char* const end = text.data() + text.size();
-  if (text.empty() || text[0] < '0' || text[0] > '9' || (text[0] == '0' && text.size() > 1)) return false;
-  const auto [read, failed] = std::from_chars(text.data(), end, value);
-  return failed == std::errc() && read == end;
+  const bool isOne =
+      !text.empty() && text[0] >= '0' && text[0] <= '9' && (text[0] != '0' || text.size() == 1);
+  return isOne && ReadValue(text, value);
 }
 
 }  // namespace

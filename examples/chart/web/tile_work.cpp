@@ -2,19 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace {
-
-// Where the map is as high as it is wide.
-const double MOST_LAT = std::atan(std::sinh(std::numbers::pi)) * 180 / std::numbers::pi;
-
-// From the north, the height of the map being 1.
-double Down(double lat) {
-  return 0.5 - std::asinh(std::tan(lat * std::numbers::pi / 180)) / (2 * std::numbers::pi);
-}
-
-double Across(double lon) { return (lon + 180) / 360; }
 
 // A place that is not on an edge of tiles by rounding alone.
 double Snapped(double place) {
@@ -27,14 +16,14 @@ double Snapped(double place) {
 TileWork::Level TileWork::LevelOf(const TileArea& area, int z) {
   const int tiles = 1 << z;
   const double degrees = area.east > area.west ? area.east - area.west : area.east - area.west + 360;
-  const double west = Across(area.west) * tiles;
+  const double west = ColumnOfLon(z, area.west);
   const double first = std::floor(Snapped(west));
   const double end = std::ceil(Snapped(west + degrees / 360 * tiles));
   const int width = static_cast<int>(std::min<double>(tiles, std::max(1.0, end - first)));
   const int x = width == tiles ? 0 : static_cast<int>(first) % tiles;
-  const int top = std::clamp(static_cast<int>(std::floor(Snapped(Down(area.north) * tiles))), 0, tiles - 1);
+  const int top = std::clamp(static_cast<int>(std::floor(Snapped(RowOfLat(z, area.north)))), 0, tiles - 1);
   const int bottom =
-      std::clamp(static_cast<int>(std::ceil(Snapped(Down(area.south) * tiles))), top + 1, tiles);
+      std::clamp(static_cast<int>(std::ceil(Snapped(RowOfLat(z, area.south)))), top + 1, tiles);
   return {z, x, width, top, bottom - top};
 }
 
@@ -58,8 +47,8 @@ void TileWork::FindBlocks(Level& level) {
 std::string TileWork::Plan(const TileArea& area, int minZoom, int maxZoom) {
   *this = TileWork();
   m_area = area;
-  m_area.south = std::max(area.south, -MOST_LAT);
-  m_area.north = std::min(area.north, MOST_LAT);
+  m_area.south = std::max(area.south, LatOfRow(0, 1));
+  m_area.north = std::min(area.north, LatOfRow(0, 0));
   if (!(m_area.south < m_area.north)) return "tiles end at 85.05 degrees of latitude";
   m_minZoom = minZoom;
   for (int z = minZoom; z <= maxZoom; ++z) {

@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr double FARTHEST =
-    1e12;  // of a box, in any unit: further on, sums lose the numbers that they are of
+// Of a box, in any unit: further on, sums lose the numbers that they are of.
+constexpr double FARTHEST = 1e12;
 
 bool Same(const std::string& a, const char* b) { return K7String::IComp(a.c_str(), b) == 0; }
 
@@ -45,12 +45,10 @@ MaybeWmsProblem ReadBox(const HttpRequest& request, MapBox& box) {
     return WmsProblem{old ? "InvalidSRS" : "InvalidCRS", "no map in '" + *crs + "'"};
   const std::string* const text = request.Find("BBOX");
   if (!text) return Missing("BBOX");
-  const std::vector<std::string> parts = SplitList(*text);
   double edges[4] = {};
-  if (parts.size() != std::size(edges)) return Invalid("BBOX", "four numbers with commas between");
-  for (size_t i = 0; i < parts.size(); ++i)
-    if (!ReadValue(parts[i], edges[i]) || !(std::fabs(edges[i]) <= FARTHEST))
-      return Invalid("BBOX", "four numbers with commas between");
+  if (!ReadEdges(*text, edges) ||
+      std::any_of(edges, std::end(edges), [](double edge) { return std::fabs(edge) > FARTHEST; }))
+    return Invalid("BBOX", "four numbers with commas between");
   box.crs = system->crs;
   const bool turned = system->latitudeFirst && !old;
   box.west = edges[turned ? 1 : 0];
