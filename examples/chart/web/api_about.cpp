@@ -8,7 +8,6 @@
 #include "web/page_api.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace {
 
@@ -37,16 +36,11 @@ void WriteThemes(JsonWriter& json, const MapData& data) {
   json.End(']');
 }
 
-std::string Capital(std::string name) {
-  if (!name.empty()) name[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(name[0])));
-  return name;
-}
-
 // From the ground up, as the usual theme has them.
 void WriteLayers(JsonWriter& json, const LayerList& layers) {
   json.Key("layers").Begin('[');
   for (const std::string& name : layers.Names()) {
-    json.Begin('{').Key("name").Text(name).Key("title").Text(Capital(name));
+    json.Begin('{').Key("name").Text(name).Key("title").Text(TitleOf(name));
     json.Key("visible").Bool(layers.IsVisible(name)).End('}');
   }
   json.End(']');

@@ -31,8 +31,9 @@ std::string Read(const HttpRequest& request, Desk& desk, ProfileRequest& wanted)
   if (std::string problem = ReadWithin(request, "altitude", 0, HIGHEST, feet); !problem.empty())
     return problem;
   const std::string* const theme = request.Find("theme");
-  wanted.theme = desk.Data().FindTheme(theme ? *theme : std::string());
-  if (!wanted.theme) return "there is no theme '" + *theme + "'";
+  const std::string name = theme ? *theme : std::string();
+  if (std::string problem = desk.Data().WhyNoTheme(name); !problem.empty()) return problem;
+  wanted.theme = desk.Data().FindTheme(name);
   Route route;
   if (std::string problem = ReadRoute(request, desk, route); !problem.empty()) return problem;
   if (route.legs.empty()) return "a profile needs two points or more";

@@ -30,6 +30,9 @@ struct NamedTheme {
   Theme theme;
 };
 
+/// How the name of a theme or a layer is written where there are headings: "Airports".
+std::string TitleOf(std::string name);
+
 /// Any thread may call any operation.
 class MapData {
  public:
@@ -46,6 +49,8 @@ class MapData {
 
   /// Of that name, without regard to case; empty: the usual one. Null for none.
   const Theme* FindTheme(const std::string& name) const;
+  /// Empty, or in one sentence that there is none of that name.
+  std::string WhyNoTheme(const std::string& name) const;
 
  protected:
   MapData() = default;

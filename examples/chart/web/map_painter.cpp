@@ -34,11 +34,10 @@ LayerSet* MapPainter::Open(const DataScale& scale, std::string& problem) {
 std::string MapPainter::Show(const MapRequest& request) {
   m_labels.reset();
   m_chart.reset();
-  const Theme* const theme = m_data.FindTheme(request.theme);
-  if (!theme) return "there is no theme '" + request.theme + "'";
-  m_theme = *theme;
+  std::string problem = m_data.WhyNoTheme(request.theme);
+  if (!problem.empty()) return problem;
+  m_theme = *m_data.FindTheme(request.theme);
   if (request.paper) m_theme[ThemeItem::Paper].fill = *request.paper;
-  std::string problem;
   LayerSet* const set = Open(request.data ? *request.data : DataScaleOf(request.chart), problem);
   if (!set) return problem;
   std::vector<Layer*> layers = set->Layers();

@@ -28,7 +28,7 @@ struct MapRequest {
 struct MapImageFree {
   void operator()(cairo_surface_t* image) const { cairo_surface_destroy(image); }
 };
-/// Pixels, of CAIRO_FORMAT_RGB24.
+/// Pixels: of CAIRO_FORMAT_RGB24 unless it is said.
 using MapImage = std::unique_ptr<cairo_surface_t, MapImageFree>;
 
 /// The charts of one thread: layers are read when they are first wanted and kept.

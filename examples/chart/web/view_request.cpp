@@ -1,10 +1,10 @@
 #include "web/view_request.h"
 
-#include "app_common/option_table.h"
 #include "layers/projection_names.h"
 #include "route/direct_route.h"
 #include "route/route_ends.h"
 #include "store/text_1252.h"
+#include "web/query_value.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,14 +18,9 @@ constexpr double MOST_RATIO = 3;
 constexpr size_t MOST_NAMES = 64, MOST_PARAMS = 16, MOST_POINTS = 200;
 
 std::vector<std::string> Split(const std::string& text, char separator) {
-  std::vector<std::string> parts;
-  for (size_t i = 0; i <= text.size();) {
-    const size_t end = std::min(text.find(separator, i), text.size());
-    const size_t first = std::min(text.find_first_not_of(' ', i), end);
-    const size_t last = text.find_last_not_of(' ', end == 0 ? 0 : end - 1);
-    if (first < end) parts.push_back(text.substr(first, last + 1 - first));
-    i = end + 1;
-  }
+  std::vector<std::string> parts = SplitList(text, separator);
+  for (std::string& part : parts) part = Trimmed(part);
+  std::erase(parts, "");
   return parts;
 }
 
@@ -63,7 +58,7 @@ std::string ReadPlace(const HttpRequest& request, ChartRequest& chart) {
 std::string AddParam(const std::string& text, ProjectionParams& params) {
   const size_t colon = text.rfind(':');
   double value = 0;
-  if (colon == std::string::npos || colon == 0 || !ReadNumber(text.c_str() + colon + 1, value))
+  if (colon == std::string::npos || colon == 0 || !ReadValue(std::string_view(text).substr(colon + 1), value))
     return "a parameter of a projection is NAME:NUMBER, not '" + text + "'";
   if (params.size() == MOST_PARAMS) return "no projection has so many parameters";
   params.emplace_back(text.substr(0, colon), value);
@@ -95,7 +90,7 @@ std::string ReadProjection(const HttpRequest& request, ChartRequest& chart) {
 
 std::string ReadLook(const HttpRequest& request, const MapData& data, MapRequest& map) {
   if (const std::string* const theme = request.Find("theme")) map.theme = *theme;
-  if (!data.FindTheme(map.theme)) return "there is no theme '" + map.theme + "'";
+  if (std::string problem = data.WhyNoTheme(map.theme); !problem.empty()) return problem;
   for (const auto& [name, names] : {std::pair{"show", &map.shown}, {"hide", &map.hidden}}) {
     const std::string* const text = request.Find(name);
     if (text) *names = Split(*text, ',');
@@ -123,7 +118,7 @@ std::string ReadWithin(const HttpRequest& request, const char* name, double leas
   const std::string* const text = request.Find(name);
   if (!text) return {};
   double number = 0;
-  if (!ReadNumber(*text, number) || number < least || number > most)
+  if (!ReadValue(*text, number) || number < least || number > most)
     return "'" + std::string(name) + "' is a number from " + Number(least) + " to " + Number(most);
   value = number;
   return {};

@@ -11,7 +11,6 @@
 
 namespace {
 
-using Image = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
 using Context = std::unique_ptr<cairo_t, decltype(&cairo_destroy)>;
 
 const WmsProblem NO_MEMORY = {"", "out of memory"};
@@ -27,10 +26,9 @@ HttpAnswer Report(const WmsProblem& problem) {
               code + ">" + XmlText(problem.text) + "</ServiceException>\n</ServiceExceptionReport>\n"};
 }
 
-Image NewImage(const WmsMap& map) {
-  return {cairo_image_surface_create(map.transparent ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24,
-                                     map.box.width, map.box.height),
-          cairo_surface_destroy};
+MapImage NewImage(const WmsMap& map) {
+  const cairo_format_t format = map.transparent ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24;
+  return MapImage(cairo_image_surface_create(format, map.box.width, map.box.height));
 }
 
 void Clear(cairo_t* cairo, const WmsMap& map) {
@@ -60,7 +58,7 @@ void Write(cairo_t* cairo, const std::string& text) {
 
 HttpAnswer ReportAsWanted(const WmsProblem& problem, const WmsMap& map) {
   if (map.onProblem == WmsOnProblem::Xml || map.box.width == 0 || map.box.height == 0) return Report(problem);
-  const Image image = NewImage(map);
+  const MapImage image = NewImage(map);
   const Context cairo(cairo_create(image.get()), cairo_destroy);
   Clear(cairo.get(), map);
   if (map.onProblem == WmsOnProblem::InImage) Write(cairo.get(), problem.text);
@@ -84,7 +82,7 @@ MaybeWmsProblem Draw(const WmsMap& map, Desk& desk, cairo_t* cairo) {
 HttpAnswer GetMap(const HttpRequest& request, Desk& desk) {
   WmsMap map;
   if (MaybeWmsProblem problem = ReadWmsMap(request, desk, map)) return ReportAsWanted(*problem, map);
-  const Image image = NewImage(map);
+  const MapImage image = NewImage(map);
   const Context cairo(cairo_create(image.get()), cairo_destroy);
   if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS) return Report(NO_MEMORY);
   Clear(cairo.get(), map);

@@ -4,8 +4,6 @@
 #include "web/wms_request.h"
 #include "web/xml_text.h"
 
-#include <cctype>
-
 namespace {
 
 std::string Element(const char* name, const std::string& text) {
@@ -25,16 +23,11 @@ std::string Operation(const char* name, std::initializer_list<const char*> forma
          ">\n";
 }
 
-std::string Titled(std::string name) {
-  if (!name.empty()) name[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(name[0])));
-  return name;
-}
-
 // Those of a layer hold for the layers within it too.
 std::string Styles(const Desk& desk) {
   std::string text;
   for (const NamedTheme& theme : desk.Data().Themes())
-    text += "<Style>\n" + Element("Name", theme.name) + Element("Title", Titled(theme.name)) + "</Style>\n";
+    text += "<Style>\n" + Element("Name", theme.name) + Element("Title", TitleOf(theme.name)) + "</Style>\n";
   return text;
 }
 
@@ -82,7 +75,7 @@ std::string WmsCapabilities(const HttpRequest& request, Desk& desk, std::string&
   text += "</Exception>\n<Layer queryable=\"1\">\n" + Element("Name", WMS_CHART) + Element("Title", TITLE);
   text += WORLD + Source(desk) + Styles(desk);
   for (const std::string& layer : layers)
-    text +=
-        "<Layer queryable=\"1\">\n" + Element("Name", layer) + Element("Title", Titled(layer)) + "</Layer>\n";
+    text += "<Layer queryable=\"1\">\n" + Element("Name", layer) + Element("Title", TitleOf(layer)) +
+            "</Layer>\n";
   return text + "</Layer>\n</Capability>\n</WMS_Capabilities>\n";
 }
