@@ -1,11 +1,7 @@
 // What the page is answered, about the sample: beside great circles worked out here, and the lines of text
 // that its navigation data were imported from.
 
-#include "app/chart_data.h"
-#include "web/desk.h"
-#include "web/http.h"
-
-#include <gtest/gtest.h>
+#include "web_desk.h"
 
 #include <cmath>
 #include <fstream>
@@ -17,33 +13,12 @@ namespace {
 constexpr double RADIAN = std::numbers::pi / 180, EARTH_NM = 3437.74677;
 const std::string NAVDATA = K7_SAMPLE_DATA "/navdata/";
 
-class ApiTest : public testing::Test {
- protected:
-  static void SetUpTestSuite() {
-    data = new ChartData;
-    ASSERT_EQ(data->Open({}), "");
-    desk = new Desk(*data);
-  }
-  static void TearDownTestSuite() {
-    delete desk;
-    delete data;
-  }
-
-  // A query as it stands when it has been decoded.
-  static HttpAnswer Ask(const std::string& path, const std::string& query) {
-    HttpRequest request;
-    request.path = "/api/" + path;
-    std::istringstream pairs(query);
-    for (std::string pair; std::getline(pairs, pair, '&');)
-      request.query.emplace_back(pair.substr(0, pair.find('=')), pair.substr(pair.find('=') + 1));
-    for (const Endpoint& endpoint : Endpoints())
-      if (endpoint.path == request.path) return endpoint.answer(request, *desk);
-    return {.status = 404};
-  }
-
-  inline static ChartData* data;
-  inline static Desk* desk;
-};
+HttpAnswer Ask(const std::string& path, const std::string& query) {
+  const HttpRequest request = RequestOf("/api/" + path, query);
+  for (const Endpoint& endpoint : Endpoints())
+    if (endpoint.path == request.path) return endpoint.answer(request, SampleDesk());
+  return {.status = 404};
+}
 
 // The number behind the first member of that name.
 double Number(const std::string& json, const std::string& name) {
@@ -99,7 +74,7 @@ std::vector<Navaid> RawNavaids() {
 }  // namespace
 
 // Through a gnomonic chart r miles from the middle lies what is atan(r / R) away.
-TEST_F(ApiTest, PlacesUnderPixelsLieWhereTheProjectionHasThem) {
+TEST(Api, PlacesUnderPixelsLieWhereTheProjectionHasThem) {
   const Place middle = {47.6, -122.3};
   const std::string view = "projection=gnomonic&lat=47.6&lon=-122.3&range=600&turn=30&width=800&height=600";
   struct {
@@ -116,7 +91,7 @@ TEST_F(ApiTest, PlacesUnderPixelsLieWhereTheProjectionHasThem) {
   EXPECT_EQ(Ask("at.json", "projection=orthographic&x=0&y=0").body, R"({"off":true})");
 }
 
-TEST_F(ApiTest, AViewSaysWhatItsPictureShows) {
+TEST(Api, AViewSaysWhatItsPictureShows) {
   const std::string query =
       "projection=stereographic&lat=48.5&lon=-123&range=60&turn=-20&width=400&height=240&ratio=2&theme=night";
   const HttpAnswer png = Ask("view.png", query), json = Ask("view.json", query);
@@ -136,7 +111,7 @@ TEST_F(ApiTest, AViewSaysWhatItsPictureShows) {
   EXPECT_TRUE(Has(Ask("about.json", ""), R"({"name":"airports","title":"Airports","visible":true})"));
 }
 
-TEST_F(ApiTest, EveryNavaidIsFoundByIdentifierAndNameAndPickedWhereItLies) {
+TEST(Api, EveryNavaidIsFoundByIdentifierAndNameAndPickedWhereItLies) {
   const std::vector<Navaid> navaids = RawNavaids();
   ASSERT_EQ(navaids.size(), 25u);
   for (const Navaid& navaid : navaids) {
@@ -157,7 +132,7 @@ TEST_F(ApiTest, EveryNavaidIsFoundByIdentifierAndNameAndPickedWhereItLies) {
   EXPECT_TRUE(Has(Ask("search.json", "q=KSAE"), "KSEA"));
 }
 
-TEST_F(ApiTest, ARouteHasGreatCirclesAndItsTextIsTheSameRoute) {
+TEST(Api, ARouteHasGreatCirclesAndItsTextIsTheSameRoute) {
   const Place sea = {47.4354, -122.3096}, huh = {48.9453, -122.5793}, end = {49.5, -120.25};
   const HttpAnswer route = Ask("route.json", "route=SEA; HUH;49.5,-120.25&speed=90");
   const double first = DistanceNM(sea, huh), second = DistanceNM(huh, end);
@@ -180,7 +155,7 @@ TEST_F(ApiTest, ARouteHasGreatCirclesAndItsTextIsTheSameRoute) {
       << profile.body.substr(0, 200);
 }
 
-TEST_F(ApiTest, AFoundWayGoesAlongAirwaysOfTheRawData) {
+TEST(Api, AFoundWayGoesAlongAirwaysOfTheRawData) {
   std::vector<std::string> lines;
   std::ifstream file(NAVDATA + "awy.dat");
   for (std::string line; std::getline(file, line);) lines.push_back(" " + line + " ");
@@ -207,52 +182,29 @@ TEST_F(ApiTest, AFoundWayGoesAlongAirwaysOfTheRawData) {
   EXPECT_EQ(Ask("route.json", "route=" + text("route", 0)).status, 200);
 }
 
-TEST_F(ApiTest, WhatMeansHarmGetsOneSentence) {
+TEST(Api, WhatMeansHarmGetsOneSentence) {
   const std::string many(20000, ';'), long1(5000, 'A');
-  const std::pair<const char*, std::string> CASES[] = {{"view.png", "lat=nan"},
-                                                       {"view.png", "lon=inf"},
-                                                       {"view.png", "range=1e308"},
-                                                       {"view.png", "range=-1"},
-                                                       {"view.png", "turn=361"},
-                                                       {"view.png", "width=1e9"},
-                                                       {"view.png", "width=0x100"},
-                                                       {"view.png", "width=4096&height=4096&ratio=3"},
-                                                       {"view.png", "theme=none"},
-                                                       {"view.png", "show=" + long1},
-                                                       {"view.png", "projection=globe"},
-                                                       {"view.png", "p=Pitch"},
-                                                       {"view.png", "p=Pitch:nan"},
-                                                       {"view.png", "PROJECTION=mercator\x01"},
-                                                       {"view.png", "theme=\xC3"},
-                                                       {"view.png", "dim=101"},
-                                                       {"at.json", "x=1"},
-                                                       {"at.json", "x=1e308&y=1"},
-                                                       {"pick.json", "x=-1&y=1"},
-                                                       {"pick.json", "x=5&y=99999"},
-                                                       {"search.json", ""},
-                                                       {"search.json", "q=  "},
-                                                       {"search.json", "q=" + long1},
-                                                       {"search.json", "q=\xFF"},
-                                                       {"search.json", "q=a&lat=91&lon=0"},
-                                                       {"route.json", "route=" + many},
-                                                       {"route.json", "route=" + long1},
-                                                       {"route.json", "route=SEA@"},
-                                                       {"route.json", "route=@1,2"},
-                                                       {"route.json", "route=SEA;SEA"},
-                                                       {"route.json", "route=nan,nan"},
-                                                       {"route.json", "route=SEA;HUH&speed=0"},
-                                                       {"profile.svg", "route=SEA"},
-                                                       {"profile.svg", "route=SEA;HUH&height=1e9"},
-                                                       {"profile.svg", "route=0,0;0,179"},
-                                                       {"profile.svg", "route=SEA;HUH&altitude=-5"},
-                                                       {"find.json", "from=SEA"},
-                                                       {"find.json", "from=SEA&to=" + long1}};
-  for (const auto& [path, query] : CASES) {
-    const HttpAnswer answer = Ask(path, query);
-    EXPECT_EQ(answer.status, 400) << path << "?" << query.substr(0, 60);
-    EXPECT_EQ(answer.body.find("{\"problem\":\""), 0u);
-    EXPECT_EQ(answer.body.find('\n'), std::string::npos);
-  }
+  const std::pair<const char*, std::vector<std::string>> CASES[] = {
+      {"view.png",
+       {"lat=nan", "lon=inf", "range=1e308", "range=-1", "turn=361", "width=1e9", "width=0x100",
+        "width=4096&height=4096&ratio=3", "theme=none", "show=" + long1, "projection=globe", "p=Pitch",
+        "p=Pitch:nan", "PROJECTION=mercator\x01", "theme=\xC3", "dim=101"}},
+      {"at.json", {"x=1", "x=1e308&y=1"}},
+      {"pick.json", {"x=-1&y=1", "x=5&y=99999"}},
+      {"search.json", {"", "q=  ", "q=" + long1, "q=\xFF", "q=a&lat=91&lon=0"}},
+      {"route.json",
+       {"route=" + many, "route=" + long1, "route=SEA@", "route=@1,2", "route=SEA;SEA", "route=nan,nan",
+        "route=SEA;HUH&speed=0"}},
+      {"profile.svg",
+       {"route=SEA", "route=SEA;HUH&height=1e9", "route=0,0;0,179", "route=SEA;HUH&altitude=-5"}},
+      {"find.json", {"from=SEA", "from=SEA&to=" + long1}}};
+  for (const auto& [path, queries] : CASES)
+    for (const std::string& query : queries) {
+      const HttpAnswer answer = Ask(path, query);
+      EXPECT_EQ(answer.status, 400) << path << "?" << query.substr(0, 60);
+      EXPECT_EQ(answer.body.find("{\"problem\":\""), 0u);
+      EXPECT_EQ(answer.body.find('\n'), std::string::npos);
+    }
   std::string points;
   for (int i = 0; i < 10000; ++i) points += std::to_string(i % 80) + "," + std::to_string(i % 170) + ";";
   EXPECT_TRUE(Has(Ask("route.json", "route=" + points), "at most 200 points"));

@@ -1,8 +1,6 @@
 // Tiles of web maps: where their pixels lie, and that blocks drawn by different calls agree where they meet.
-#include "app/chart_data.h"
 #include "web/tile_painter.h"
-
-#include <gtest/gtest.h>
+#include "web_desk.h"
 
 #include <cmath>
 #include <cstring>
@@ -102,9 +100,7 @@ int Differences(const Drawn& first, const Drawn& second, bool across) {
 }
 
 TEST(TileTest, BlocksAgreeWhereTheyMeet) {
-  ChartData data;
-  ASSERT_EQ(data.Open(LayerOptions()), "");
-  MapPainter painter(data);
+  MapPainter painter(SampleDesk().Data());
   for (const char* const theme : {"day", "night"})
     for (const int z : {6, 8, 9, 10, 12})
       for (const double lon : {-123.2, -122.6}) {
