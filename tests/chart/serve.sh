@@ -72,13 +72,13 @@ is 200 -H "Origin: http://evil.example" "$tile.png" && hasNot access-control-all
 is 200 -H "Origin: http://localhost:3000" "${at}robots.txt" && hasNot access-control-allow-origin && has "content-security-policy: default-src 'none';.*"
 is 403 -H "Sec-Fetch-Site: cross-site" -H "Sec-Fetch-Mode: no-cors" "${at}robots.txt"
 
-# What no browser sends. A body that nobody reads may cost the client its answer.
+# What no browser sends. Bytes that nobody reads may cost the client its answer.
 rawIs 400 'GET / HTTP/1.1\r\n\r\n'
 rawIs 400 'GET / HTTP/1.1\r\nHost: localhost\r\nHost: localhost\r\n\r\n'
 rawIs 400 'GET http://localhost/ HTTP/1.1\r\nHost: localhost\r\n\r\n'
 rawIs '400|' 'GET /robots.txt HTTP/1.1\r\nHost: localhost\r\nContent-Length: 5\r\n\r\nabcde'
 rawIs '400|' 'GET /robots.txt HTTP/1.1\r\nHost: localhost\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n'
-rawIs '431|413' "GET / HTTP/1.1\r\nHost: localhost\r\nX: $(printf 'a%.0s' {1..40000})\r\n\r\n"
+rawIs '431|413|' "GET / HTTP/1.1\r\nHost: localhost\r\nX: $(printf 'a%.0s' {1..40000})\r\n\r\n"
 rawIs '4..|505|' '\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03\r\n\r\n'
 rawIs '4..|505|' 'GET\r\n\r\n'
 rawIs '4..|505|' 'GET / HTTP/9.9\r\nHost: localhost\r\n\r\n'
