@@ -126,6 +126,7 @@ TEST(Api, EveryNavaidIsFoundByIdentifierAndNameAndPickedWhereItLies) {
          << "&lon=" << navaid.place.lon;
     const HttpAnswer pick = Ask("pick.json", view.str());
     EXPECT_TRUE(Has(pick, "[\"Ident\",\"" + navaid.ident + "\"]")) << pick.body;
+    EXPECT_TRUE(Has(pick, "[\"Magnetic Variation\",\"")) << pick.body;
     EXPECT_TRUE(Has(pick, "\"point\":\"" + navaid.ident + "@")) << pick.body;
   }
   EXPECT_TRUE(Has(Ask("search.json", "q=N47 30.0 W122 18.5"), "\"lat\":47.5,\"lon\":-122.308333"));

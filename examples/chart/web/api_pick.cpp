@@ -1,41 +1,20 @@
 // What lies under a pixel, as a card to read.
 
 #include "sheet/pixel_answer.h"
-#include "store/text_1252.h"
 #include "web/api_answer.h"
 #include "web/page_api.h"
+#include "web/record_rows.h"
 #include "web/route_point.h"
 #include "web/view_request.h"
 
-#include <k7/io/xml_elem.h>
-
 namespace {
-
-std::string Utf8(const K7String& text) { return Utf8Of1252(static_cast<const char*>(text)); }
-
-// What an element is, and its children without children of their own, as rows. Records within it, as an
-// airport's runways, are cards of their own and wait behind the others.
-void WriteCard(JsonWriter& json, const K7XmlElem& element, std::vector<const K7XmlElem*>& waiting) {
-  const K7XmlElem* const type = element.Child("Type");
-  json.Begin('{').Key("type").Text(Utf8(type ? type->Text() : element.Name())).Key("rows").Begin('[');
-  for (const K7XmlElem* child = element.FirstChild(); child; child = child->NextSibling()) {
-    if (child->FirstChild())
-      waiting.push_back(child);
-    else if (child != type && !child->Text().IsEmpty())
-      json.Begin('[').Text(Utf8(child->Name())).Text(Utf8(child->Text())).End(']');
-  }
-  json.End(']').End('}');
-}
 
 void WriteRecords(JsonWriter& json, const Picked& thing) {
   json.Key("records").Begin('[');
-  const std::vector<std::string> documents =
-      thing.records ? thing.records(K7XML_DISPLAY) : std::vector<std::string>();
-  for (const std::string& document : documents) {
-    K7XmlElem read;
-    if (!read.Parse(document.c_str())) continue;
-    std::vector<const K7XmlElem*> waiting = {&read};
-    for (size_t i = 0; i < waiting.size(); ++i) WriteCard(json, *waiting[i], waiting);
+  for (const RecordCard& card : CardsOf(thing)) {
+    json.Begin('{').Key("type").Text(card.type).Key("rows").Begin('[');
+    for (const auto& [name, value] : card.rows) json.Begin('[').Text(name).Text(value).End(']');
+    json.End(']').End('}');
   }
   json.End(']');
 }

@@ -10,9 +10,16 @@
 /// UTF-8, in the order of the record; of an element within another, the names of both with '/' between.
 using RecordRows = std::vector<std::pair<std::string, std::string>>;
 
-/// What a document of the library says; empty for one that cannot be read.
-RecordRows RowsOf(const std::string& document);
 /// Of each record that the thing stands for, as a person reads it.
 std::vector<RecordRows> RowsOf(const Picked& thing);
+
+/// A record alone, what it is and the rows of its own.
+struct RecordCard {
+  std::string type;
+  RecordRows rows;
+};
+/// Those of a thing; what a record has within it, as an airport its runways, are cards behind its own.
+std::vector<RecordCard> CardsOf(const Picked& thing);
+
 /// The name of the chart's layer that a thing is of, whatever scale its data have.
 std::string ChartLayerOf(const Picked& thing);

@@ -9,10 +9,8 @@ let control = new AbortController();
 
 const isGround = ({ layer }) => /(^|_)(land|lakes|sea|terrain)$/.test(layer);
 
-const words = (name) => name.replace(/([a-z])([A-Z])/g, "$1 $2");
-
 function table(record) {
-  const rows = record.rows.map(([name, value]) => make("tr", {}, make("th", { scope: "row" }, words(name)), make("td", {}, value)));
+  const rows = record.rows.map(([name, value]) => make("tr", {}, make("th", { scope: "row" }, name), make("td", {}, value)));
   return make("table", { className: "record" }, make("caption", {}, record.type), make("tbody", {}, ...rows));
 }
 
