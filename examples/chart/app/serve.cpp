@@ -17,7 +17,7 @@ namespace {
 
 struct ServeOptions {
   ServerOptions server;
-  double cacheMB = 64;
+  int cacheMB = 64;
   std::string log;
 };
 
@@ -58,10 +58,7 @@ constexpr OptionRow<ServeOptions> SERVE_OPTIONS[] = {
      }},
     {"--cache", "MB", "keeps that many megabytes of tiles, 0 to 65536 (default 64)",
      [](const char* text, ServeOptions& options) {
-       int megabytes = 0;
-       std::string problem = SetWhole(text, "the cache", 0, 65536, megabytes);
-       options.cacheMB = megabytes;
-       return problem;
+       return SetWhole(text, "the cache", 0, 65536, options.cacheMB);
      }},
     {"--log", "FILE", "appends a line for each request: time, method, address, status, bytes, milliseconds",
      [](const char* text, ServeOptions& options) {

@@ -80,12 +80,15 @@ HttpAnswer AnswerAt(const HttpRequest& request, Desk& desk) {
   double x = 0, y = 0, lat = 0, lon = 0;
   std::string problem = ReadView(request, desk, view);
   if (problem.empty()) problem = ReadPixel(request, view, x, y);
-  BareChart chart;
-  if (problem.empty()) problem = chart.Show(view.map);
+  // Without layers: only where things fall matters.
+  NoProgress progress;
+  const Theme theme;
+  Chart chart({}, theme, progress);
+  if (problem.empty()) problem = chart.Show(view.map.chart, view.map.width, view.map.height, 1);
   if (!problem.empty()) return Problem(400, problem);
   JsonWriter json;
   json.Begin('{');
-  if (chart.View().FromDevice(x, y, lat, lon))
+  if (chart.View()->FromDevice(x, y, lat, lon))
     WritePlace(json, {lat, lon});
   else
     json.Key("off").Bool(true);

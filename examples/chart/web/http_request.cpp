@@ -16,6 +16,25 @@ int DigitOf(char c) {
 
 bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
 
+// Decodes "%41"; `plus` makes "+" a blank, as forms send it. False for half a code, and for control
+// characters, which no name or value here has.
+bool DecodePercent(std::string_view text, bool plus, std::string& decoded) {
+  decoded.clear();
+  for (size_t i = 0; i < text.size(); ++i) {
+    char c = plus && text[i] == '+' ? ' ' : text[i];
+    if (c == '%') {
+      if (text.size() - i < 3) return false;
+      const int high = DigitOf(text[i + 1]), low = DigitOf(text[i + 2]);
+      if (high < 0 || low < 0) return false;
+      c = static_cast<char>(high * 16 + low);
+      i += 2;
+    }
+    if (IsControl(c)) return false;
+    decoded += c;
+  }
+  return true;
+}
+
 bool Climbs(std::string_view path) {
   while (!path.empty()) {
     const size_t slash = std::min(path.find('/'), path.size());
@@ -58,23 +77,6 @@ bool SplitPort(std::string_view host, std::string_view& name) {
 }
 
 }  // namespace
-
-bool DecodePercent(std::string_view text, bool plus, std::string& decoded) {
-  decoded.clear();
-  for (size_t i = 0; i < text.size(); ++i) {
-    char c = plus && text[i] == '+' ? ' ' : text[i];
-    if (c == '%') {
-      if (text.size() - i < 3) return false;
-      const int high = DigitOf(text[i + 1]), low = DigitOf(text[i + 2]);
-      if (high < 0 || low < 0) return false;
-      c = static_cast<char>(high * 16 + low);
-      i += 2;
-    }
-    if (IsControl(c)) return false;
-    decoded += c;
-  }
-  return true;
-}
 
 int ReadTarget(std::string_view target, HttpRequest& request) {
   request = {};

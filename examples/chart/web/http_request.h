@@ -11,10 +11,6 @@
 /// character, climbs with "..", or has too many parameters.
 int ReadTarget(std::string_view target, HttpRequest& request);
 
-/// Decodes "%41"; `plus` makes "+" a blank, as forms send it. False for half a code, and for control
-/// characters, which no name or value here has.
-bool DecodePercent(std::string_view text, bool plus, std::string& decoded);
-
 /// A header "Host" that names one of `names`, without regard to case, with any port or none. Names of the
 /// internet that a foreign page has pointed at this machine are none of them.
 bool IsHost(std::string_view host, std::span<const std::string> names);

@@ -104,9 +104,3 @@ JsonWriter& JsonWriter::Null() {
   m_text += "null";
   return *this;
 }
-
-JsonWriter& JsonWriter::Document(std::string_view json) {
-  Separate();
-  m_text += json;
-  return *this;
-}

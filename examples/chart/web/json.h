@@ -18,8 +18,6 @@ class JsonWriter {
   JsonWriter& Integer(long long value);
   JsonWriter& Bool(bool value);
   JsonWriter& Null();
-  /// A document, or a part of one, that another writer made.
-  JsonWriter& Document(std::string_view json);
 
   const std::string& Written() const { return m_text; }
   std::string Take() { return std::move(m_text); }

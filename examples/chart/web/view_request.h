@@ -28,16 +28,3 @@ std::string WhyNoTexts(const HttpRequest& request);
 std::string ReadWithin(const HttpRequest& request, const char* name, double least, double most,
                        double& value);
 /// @}
-
-/// A chart without layers: where things fall.
-class BareChart {
- public:
-  /// Empty, or why there is no such chart.
-  std::string Show(const MapRequest& map) { return m_chart.Show(map.chart, map.width, map.height, 1); }
-  const K7MapView& View() const { return *m_chart.View(); }
-
- private:
-  NoProgress m_progress;
-  Theme m_theme;
-  Chart m_chart{{}, m_theme, m_progress};
-};
