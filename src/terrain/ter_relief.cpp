@@ -24,9 +24,9 @@ struct K7TerReliefStore {
     const int first = std::min(static_cast<int>(held), posts - 2);
     return {first, static_cast<float>(held - first)};
   }
-  Place RowOf(double lat) const { return Split(grid.RowAt(lat), grid.rows); }
+  Place RowOf(double lat) const { return Split((lat - grid.south) * rowsPerDegree - 0.5, grid.rows); }
   // Of a place by its degrees from the tile's western edge.
-  Place ColOf(double east) const { return Split(east / grid.ColStep() + RIM - 0.5, grid.cols); }
+  Place ColOf(double east) const { return Split(east * colsPerDegree + RIM - 0.5, grid.cols); }
   Slope At(double lat, double east) const { return At(RowOf(lat), ColOf(east)); }
 
   Slope At(const Place& row, const Place& col) const {
@@ -60,6 +60,7 @@ struct K7TerReliefStore {
   }
 
   PostGrid tile{}, grid{};  // without the posts; the grid has a rim
+  double rowsPerDegree = 0, colsPerDegree = 0;
   std::unique_ptr<Slope[]> slopes;
   Tints tints;
 };
@@ -120,32 +121,49 @@ class Square {
     m_isFlat = m_isFlat && FitsAt(SIZE / 2, SIZE / 2) && FitsAt(SIZE / 2, 0) && FitsAt(0, SIZE / 2);
   }
 
+  // Whether positions between the corners lie where even steps have them.
+  bool IsFlat() const { return m_isFlat; }
+
   // The position of the middle of a pixel; false off the map.
   bool At(int dx, int dy, double& lat, double& lon) const {
-    if (!m_isFlat) return Exact(dx, dy, lat, lon);
-    Between(dx, dy, lat, lon);
+    return m_view.FromDevice(m_x + dx + 0.5, m_y + dy + 0.5, lat, lon);
+  }
+
+  // Where a row of a flat square begins, and its even steps from pixel to pixel.
+  struct Row {
+    double lat, lon, latStep, lonStep;
+  };
+  Row RowAt(int dy) const {
+    const double v = static_cast<double>(dy) / SIZE;
+    const double lat = (1 - v) * m_lat[0] + v * m_lat[2], lon = (1 - v) * m_lon[0] + v * m_lon[2];
+    return {lat, lon, ((1 - v) * m_lat[1] + v * m_lat[3] - lat) / SIZE,
+            ((1 - v) * m_lon[1] + v * m_lon[3] - lon) / SIZE};
+  }
+
+  // The longitude that all of a flat square is east of by what `EastOf` gives: false when that turns over in
+  // it.
+  bool WestOf(const PostGrid& tile, double& west) const {
+    for (int i = 0; i < 4; ++i) {
+      const double turns = std::round((m_lon[i] - tile.west - tile.EastOf(m_lon[i])) / 360);
+      const double here = tile.west + 360 * turns;
+      if (i > 0 && here != west) return false;
+      west = here;
+    }
     return true;
   }
 
  private:
-  bool Exact(int dx, int dy, double& lat, double& lon) const {
-    return m_view.FromDevice(m_x + dx + 0.5, m_y + dy + 0.5, lat, lon);
-  }
   bool Corner(int dx, int dy, double& lat, double& lon) const {
-    if (!Exact(dx, dy, lat, lon) || std::abs(lat) > 89) return false;
+    if (!At(dx, dy, lat, lon) || std::abs(lat) > 89) return false;
     if (dx || dy) lon = m_lon[0] + std::remainder(lon - m_lon[0], 360);
     return true;
   }
-  void Between(int dx, int dy, double& lat, double& lon) const {
-    const double u = static_cast<double>(dx) / SIZE, v = static_cast<double>(dy) / SIZE;
-    lat = (1 - v) * ((1 - u) * m_lat[0] + u * m_lat[1]) + v * ((1 - u) * m_lat[2] + u * m_lat[3]);
-    lon = (1 - v) * ((1 - u) * m_lon[0] + u * m_lon[1]) + v * ((1 - u) * m_lon[2] + u * m_lon[3]);
-  }
   // Whether what lies between the corners is off by less than a twentieth of a pixel.
   bool FitsAt(int dx, int dy) const {
-    double lat = 0, lon = 0, lat2 = 0, lon2 = 0;
+    double lat = 0, lon = 0;
     if (!Corner(dx, dy, lat, lon)) return false;
-    Between(dx, dy, lat2, lon2);
+    const Row row = RowAt(dy);
+    const double lat2 = row.lat + dx * row.latStep, lon2 = row.lon + dx * row.lonStep;
     const double dLat = std::abs(m_lat[3] - m_lat[0]) + std::abs(m_lat[2] - m_lat[1]);
     const double dLon = std::abs(m_lon[3] - m_lon[0]) + std::abs(m_lon[2] - m_lon[1]);
     static constexpr double SHARE = 0.05 / (2 * SIZE);
@@ -158,24 +176,39 @@ class Square {
   double m_lat[4], m_lon[4];
 };
 
-uint32_t PixelAt(const Store& store, double lat, double lon, double metres) {
-  const PostGrid& tile = store.tile;
-  if (!(lat >= tile.south && (lat < tile.north || lat == 90))) return 0;
-  const double east = tile.EastOf(lon);
-  if (!(east >= 0 && (east < tile.width || tile.width >= 360))) return 0;
-  return store.tints.Pixel(store.At(lat, east), metres);
+// What a picture of a tile is drawn from.
+struct Drawing {
+  const Store& store;
+  const K7MapView& view;
+  double metres;  // a pixel
+};
+
+uint32_t PixelAt(const Drawing& drawing, double lat, double east) {
+  const PostGrid& tile = drawing.store.tile;
+  const bool isInside = lat >= tile.south && (lat < tile.north || lat == 90) && east >= 0 &&
+                        (east < tile.width || tile.width >= 360);
+  return isInside ? drawing.store.tints.Pixel(drawing.store.At(lat, east), drawing.metres) : 0;
 }
 
 // The part of a square within the box; `out` is the box's pixels.
-void RenderSquare(const Store& store, const K7MapView& view, const Box& box, int left, int top,
-                  uint32_t* out) {
-  const Square square(view, left, top);
-  const double metres = view.NMPerPixel() * METRES_PER_NM;
+void RenderSquare(const Drawing& drawing, const Box& box, int left, int top, uint32_t* out) {
+  const Square square(drawing.view, left, top);
+  const PostGrid& tile = drawing.store.tile;
+  double west = 0;
+  const bool isEven = square.IsFlat() && square.WestOf(tile, west);
+  const int first = std::max(left, box.left), end = std::min(left + Square::SIZE, box.right);
   for (int y = std::max(top, box.top); y < std::min(top + Square::SIZE, box.bottom); ++y) {
     uint32_t* const row = out + static_cast<ptrdiff_t>(y - box.top) * (box.right - box.left);
-    for (int x = std::max(left, box.left); x < std::min(left + Square::SIZE, box.right); ++x) {
-      double lat = 0, lon = 0;
-      row[x - box.left] = square.At(x - left, y - top, lat, lon) ? PixelAt(store, lat, lon, metres) : 0;
+    if (isEven) {
+      const Square::Row at = square.RowAt(y - top);
+      for (int x = first; x < end; ++x)
+        row[x - box.left] =
+            PixelAt(drawing, at.lat + (x - left) * at.latStep, at.lon + (x - left) * at.lonStep - west);
+    } else {
+      for (int x = first; x < end; ++x) {
+        double lat = 0, lon = 0;
+        row[x - box.left] = square.At(x - left, y - top, lat, lon) ? PixelAt(drawing, lat, tile.EastOf(lon)) : 0;
+      }
     }
   }
 }
@@ -194,6 +227,8 @@ int K7TerRelief::Init(const K7TerTile& tile, const K7TerParams& params) {
   store->tile = posts.Tile();
   store->grid = posts.Grid();
   store->grid.posts = nullptr;
+  store->rowsPerDegree = 1 / store->grid.RowStep();
+  store->colsPerDegree = 1 / store->grid.ColStep();
   store->slopes = FindSlopes(posts.Grid());
   if (!store->slopes) return K7_ERR_MEMORY;
   store->FillRim();
@@ -247,9 +282,10 @@ int K7TerRelief::Render(K7Grfx* g, const K7MapView& view) const {
   const std::unique_ptr<uint32_t[]> pixels(
       new (std::nothrow) uint32_t[static_cast<size_t>(width) * static_cast<size_t>(height)]);
   if (!pixels) return K7_ERR_MEMORY;
+  const Drawing drawing{*m_store, view, view.NMPerPixel() * METRES_PER_NM};
   for (int y = box.top - box.top % Square::SIZE; y < box.bottom; y += Square::SIZE) {
     for (int x = box.left - box.left % Square::SIZE; x < box.right; x += Square::SIZE)
-      RenderSquare(*m_store, view, box, x, y, pixels.get());
+      RenderSquare(drawing, box, x, y, pixels.get());
   }
   g->Image(pixels.get(), width, height, box.left, box.top, box.right, box.bottom);
   return 0;

@@ -61,10 +61,11 @@ Tints::Paint Tints::Mix(float low, float high) const {
   const int first = BandAt(low, 0), last = BandAt(high, first);
   if (first == last) return m_paints[first];
   Paint mixed{0, 0, 0, 0};
+  const float perMetre = 1 / (high - low);
   for (int i = first; i <= last; ++i) {
     const float from = i == first ? low : m_limits[i];
     const float to = i == last ? high : m_limits[i + 1];
-    const float share = std::max(0.0F, to - from) / (high - low);
+    const float share = std::max(0.0F, to - from) * perMetre;
     mixed.red += share * m_paints[i].red;
     mixed.green += share * m_paints[i].green;
     mixed.blue += share * m_paints[i].blue;
@@ -87,8 +88,9 @@ float Tints::LandLight(const Slope& ground) const {
 
 uint32_t Tints::Pixel(const Slope& ground, double metres) const {
   if (m_count == 0 || !(ground.weight > 0.5F)) return 0;
-  const float elevation = ground.elevation / ground.weight;
-  const Slope slope{elevation, ground.east / ground.weight, ground.north / ground.weight, 1};
+  const float perWeight = 1 / ground.weight;
+  const float elevation = ground.elevation * perWeight;
+  const Slope slope{elevation, ground.east * perWeight, ground.north * perWeight, 1};
   const float range =
       std::min(static_cast<float>(metres) * (std::abs(slope.east) + std::abs(slope.north)), 20000.0F);
   const float low = elevation - range / 2, high = elevation + range / 2;

@@ -1,5 +1,6 @@
 #include "ink/cairo_grfx.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -12,6 +13,7 @@ constexpr double ROUND_FROM = 1.5;
 // Straight alpha to Cairo's, which is multiplied in.
 uint32_t Premultiplied(uint32_t pixel) {
   const uint32_t alpha = pixel >> 24;
+  if (alpha == 255) return pixel;
   uint32_t out = alpha << 24;
   for (int shift = 0; shift < 24; shift += 8) out |= ((pixel >> shift & 0xFF) * alpha + 127) / 255 << shift;
   return out;
@@ -72,8 +74,8 @@ void CairoGrfx::Triangles(const double* points, int count) {
 
 void CairoGrfx::Image(const uint32_t* pixels, int width, int height, double left, double top, double right,
                       double bottom) {
-  std::vector<uint32_t> rows(pixels, pixels + static_cast<size_t>(width) * static_cast<size_t>(height));
-  for (uint32_t& pixel : rows) pixel = Premultiplied(pixel);
+  std::vector<uint32_t> rows(static_cast<size_t>(width) * static_cast<size_t>(height));
+  std::transform(pixels, pixels + rows.size(), rows.begin(), Premultiplied);
   cairo_surface_t* const image = cairo_image_surface_create_for_data(
       reinterpret_cast<unsigned char*>(rows.data()), CAIRO_FORMAT_ARGB32, width, height, width * 4);
   cairo_save(m_cairo);

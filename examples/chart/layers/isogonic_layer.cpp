@@ -4,11 +4,14 @@
 
 #include <k7/geodesy/magvar.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr double CELL = 12;          // pixels
+// Samples stand so far apart, in pixels and where those are small, in miles: the field is smooth, and asking for
+// it is what the layer costs.
+constexpr double LEAST_CELL = 12, MOST_CELL = 48, CELL_NM = 6;
 constexpr double TOLERANCE = 0.02;   // degrees
 constexpr double LEAP = 90;          // degrees, where the angle comes around
 constexpr double PICK_REACH = 4;     // pixels
@@ -39,12 +42,14 @@ void IsogonicLayer::Prepare(const LayerContext& context) {
   const K7MapView& view = context.view;
   const Tarsvald::MagVar* const model = K7MagVar::GetMagVar();
   if (!model || !context.theme[Item()].ShowsAt(view.NMPerPixel())) return;
+  const double cell =
+      view.IsTilted() ? LEAST_CELL : std::clamp(CELL_NM / view.NMPerPixel(), LEAST_CELL, MOST_CELL);
   const Contours contours(
       [&](double dx, double dy) {
         double lat, lon;
         return view.FromDevice(dx, dy, lat, lon) ? model->Position(lat, lon, 0, 0, NAN) : NAN;
       },
-      view.Width(), view.Height(), CELL, LEAP);
+      view.Width(), view.Height(), cell, LEAP);
   const int step = IsogonicStep(view.NMPerPixel(), contours.Most() - contours.Least());
   for (double value = std::ceil(contours.Least() / step) * step; value <= contours.Most(); value += step)
     for (DeviceLine& line : contours.At(value, TOLERANCE)) m_lines.push_back({value, std::move(line)});

@@ -3,6 +3,7 @@
 #include <k7/projection/grfx.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -27,61 +28,89 @@ class Picture : public K7GrfxK7 {
 
 // Distances of pixels from the nearest place that is on the map and has no data, by steps of 3 to a neighbour
 // and 4 to one across a corner (G. Borgefors, "Distance transformations in digital images", Computer Vision,
-// Graphics, and Image Processing 34, 1986), in thirds of a pixel.
+// Graphics, and Image Processing 34, 1986), in thirds of a pixel. A border of one pixel on every side is as
+// far away as can be told.
 class EdgeDistances {
  public:
   EdgeDistances(const Picture& picture, const K7MapView& view)
-      : m_picture(picture), m_distances(picture.pixels.size(), FAR) {
-    bool any = false;
-    for (int y = 0; y < picture.height; ++y)
-      for (int x = 0; x < picture.width; ++x)
-        if (IsRim(x, y) && IsOnMap(view, x, y)) {
-          m_distances[At(x, y)] = 0;
-          any = true;
-        }
-    if (!any) return;
-    for (int y = 0; y < picture.height; ++y)
-      for (int x = 0; x < picture.width; ++x) Take(x, y, -1);
-    for (int y = picture.height; y-- > 0;)
-      for (int x = picture.width; x-- > 0;) Take(x, y, 1);
+      : m_picture(picture), m_stride(static_cast<size_t>(picture.width) + 2) {
+    for (int y = 0; y < picture.height; ++y) FindRims(y, view);
+    if (m_distances.empty()) return;
+    for (int y = 0; y < picture.height; ++y) Spread(y, -1);
+    for (int y = picture.height; y-- > 0;) Spread(y, 1);
   }
 
-  double Of(size_t pixel) const { return m_distances[pixel] / 3.0; }
+  /// Whether all data go on to the picture's sides and the map's own.
+  bool AreFar() const { return m_distances.empty(); }
+  const uint16_t* Row(int y) const { return &m_distances[At(0, y)]; }
 
  private:
-  static constexpr int FAR = 1 << 20;
+  static constexpr uint16_t FAR = 1 << 15;  // a step more is one still
 
-  size_t At(int x, int y) const {
-    return static_cast<size_t>(y) * static_cast<size_t>(m_picture.width) + static_cast<size_t>(x);
+  size_t At(int x, int y) const { return static_cast<size_t>(y + 1) * m_stride + static_cast<size_t>(x + 1); }
+  bool HasData(int x, int y) const {
+    if (x < 0 || y < 0 || x >= m_picture.width || y >= m_picture.height) return false;
+    return m_picture.pixels[static_cast<size_t>(y) * static_cast<size_t>(m_picture.width) +
+                            static_cast<size_t>(x)] >>
+               24 !=
+           0;
   }
-  bool IsInside(int x, int y) const {
-    return x >= 0 && y >= 0 && x < m_picture.width && y < m_picture.height;
+  // Places without data beside one that has some.
+  void FindRims(int y, const K7MapView& view) {
+    for (int x = 0; x < m_picture.width; ++x) {
+      if (HasData(x, y)) continue;
+      if (!HasData(x - 1, y) && !HasData(x + 1, y) && !HasData(x, y - 1) && !HasData(x, y + 1)) continue;
+      double lat, lon;
+      if (!view.FromDevice(m_picture.left + x + 0.5, m_picture.top + y + 0.5, lat, lon)) continue;
+      if (m_distances.empty())
+        m_distances.assign(m_stride * (static_cast<size_t>(m_picture.height) + 2), FAR);
+      m_distances[At(x, y)] = 0;
+    }
   }
-  bool HasData(int x, int y) const { return IsInside(x, y) && m_picture.pixels[At(x, y)] >> 24 != 0; }
-  // Without data beside one that has some.
-  bool IsRim(int x, int y) const {
-    return !HasData(x, y) &&
-           (HasData(x - 1, y) || HasData(x + 1, y) || HasData(x, y - 1) || HasData(x, y + 1));
-  }
-  bool IsOnMap(const K7MapView& view, int x, int y) const {
-    double lat, lon;
-    return view.FromDevice(m_picture.left + x + 0.5, m_picture.top + y + 0.5, lat, lon);
-  }
-  // What the neighbours that come before (-1) or behind (1) in reading order make it.
-  void Take(int x, int y, int side) {
-    int& here = m_distances[At(x, y)];
-    const auto from = [&](int dx, int dy, int step) {
-      if (IsInside(x + dx, y + dy)) here = std::min(here, m_distances[At(x + dx, y + dy)] + step);
-    };
-    from(side, 0, 3);
-    from(0, side, 3);
-    from(-1, side, 4);
-    from(1, side, 4);
+  // What the neighbours that come before (-1) or behind (1) in reading order make a row: those of the row
+  // beside it at once, then those within it one after another.
+  void Spread(int y, int side) {
+    uint16_t* const row = &m_distances[At(0, y)];
+    const uint16_t* const beside = &m_distances[At(0, y + side)];
+    const int width = m_picture.width;
+    for (int x = 0; x < width; ++x) {
+      const int across = std::min(beside[x - 1], beside[x + 1]) + 4;
+      row[x] = static_cast<uint16_t>(std::min({int{row[x]}, beside[x] + 3, across}));
+    }
+    int last = FAR;
+    for (int i = 0; i < width; ++i) {
+      uint16_t& here = row[side < 0 ? i : width - 1 - i];
+      last = std::min(int{here}, last + 3);
+      here = static_cast<uint16_t>(last);
+    }
   }
 
   const Picture& m_picture;
-  std::vector<int> m_distances;
+  size_t m_stride;
+  std::vector<uint16_t> m_distances;  // none without a rim
 };
+
+// Makes a picture fade over so many pixels towards its rims. False when nothing is left to be seen in full.
+bool Fade(Picture& picture, const K7MapView& view, double pixels) {
+  const EdgeDistances distances(picture, view);
+  if (distances.AreFar())
+    return std::any_of(picture.pixels.begin(), picture.pixels.end(), [](uint32_t pixel) { return pixel != 0; });
+  const auto full = static_cast<int>(std::ceil(3 * pixels));
+  bool isSeen = false;
+  for (int y = 0; y < picture.height; ++y) {
+    const uint16_t* const row = distances.Row(y);
+    uint32_t* const out = picture.pixels.data() + static_cast<size_t>(y) * static_cast<size_t>(picture.width);
+    for (int x = 0; x < picture.width; ++x) {
+      if (out[x] == 0) continue;
+      isSeen = isSeen || row[x] >= full;
+      if (row[x] >= full) continue;
+      // Smooth at both ends.
+      const double share = row[x] / 3.0 / pixels, opacity = share * share * (3 - 2 * share);
+      out[x] = static_cast<uint32_t>((out[x] >> 24) * opacity) << 24 | (out[x] & 0xFFFFFF);
+    }
+  }
+  return isSeen;
+}
 
 }  // namespace
 
@@ -89,18 +118,7 @@ bool DrawFadingRelief(const K7TerTileEX& tile, const K7MapView& view, const K7Te
                       K7Grfx& g) {
   Picture picture(view.Width(), view.Height());
   if (tile.Render(&picture, view, params) != 0 || picture.pixels.empty()) return false;
-  const EdgeDistances distances(picture, view);
-  bool isSeen = false;
-  for (size_t i = 0; i < picture.pixels.size(); ++i) {
-    uint32_t& pixel = picture.pixels[i];
-    if (pixel == 0) continue;
-    const double share = distances.Of(i) / fade;
-    isSeen = isSeen || share >= 1;
-    if (share >= 1) continue;
-    // Smooth at both ends.
-    const double opacity = share * share * (3 - 2 * share);
-    pixel = static_cast<uint32_t>((pixel >> 24) * opacity) << 24 | (pixel & 0xFFFFFF);
-  }
+  const bool isSeen = Fade(picture, view, fade);
   g.Image(picture.pixels.data(), picture.width, picture.height, picture.left, picture.top,
           picture.left + picture.width, picture.top + picture.height);
   return isSeen;

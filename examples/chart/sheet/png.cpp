@@ -1,6 +1,7 @@
 #include "sheet/png.h"
 
 #include <png.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <csetjmp>
@@ -42,14 +43,18 @@ void Straighten(png_structp, png_row_infop row, png_bytep pixel) {
 }
 
 // Comes back early, by a jump to the caller, when libpng fails: nothing here has a destructor.
-void Write(png_structp png, png_infop info, cairo_surface_t* image, Progress& progress) {
+void Write(png_structp png, png_infop info, cairo_surface_t* image, Progress& progress, PngUse use) {
   const int height = cairo_image_surface_get_height(image);
   const bool hasAlpha = cairo_image_surface_get_format(image) == CAIRO_FORMAT_ARGB32;
   png_set_IHDR(png, info, static_cast<png_uint_32>(cairo_image_surface_get_width(image)),
                static_cast<png_uint_32>(height), 8, hasAlpha ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB,
                PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   png_set_pHYs(png, info, PIXELS_PER_METRE, PIXELS_PER_METRE, PNG_RESOLUTION_METER);
-  png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
+  // Differences from the row above and runs of them alone: where ground is shaded three quarters of the time
+  // for as many bytes, elsewhere no longer and up to a fifth larger.
+  const bool isShown = use == PngUse::Shown;
+  png_set_filter(png, PNG_FILTER_TYPE_BASE, isShown ? PNG_FILTER_UP : PNG_FILTER_NONE);
+  if (isShown) png_set_compression_strategy(png, Z_RLE);
   png_set_compression_level(png, LEVEL);
   png_write_info(png, info);
   // Cairo's pixels are blue, green, red and an alpha that only some images use.
@@ -69,7 +74,7 @@ void Write(png_structp png, png_infop info, cairo_surface_t* image, Progress& pr
 
 }  // namespace
 
-bool EncodePng(cairo_surface_t* image, std::vector<unsigned char>& bytes, Progress& progress) {
+bool EncodePng(cairo_surface_t* image, std::vector<unsigned char>& bytes, Progress& progress, PngUse use) {
   cairo_surface_flush(image);
   png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, Fail, Warn);
   png_infop info = png ? png_create_info_struct(png) : nullptr;
@@ -79,7 +84,7 @@ bool EncodePng(cairo_surface_t* image, std::vector<unsigned char>& bytes, Progre
   }
   png_set_write_fn(png, &bytes, Append, Flush);
   const bool written = setjmp(png_jmpbuf(png)) == 0;
-  if (written) Write(png, info, image, progress);
+  if (written) Write(png, info, image, progress, use);
   png_destroy_write_struct(&png, &info);
   return written;
 }

@@ -86,5 +86,5 @@ std::string MapPainter::DrawImage(const MapRequest& request, MapImage& image) {
 std::string MapPainter::DrawPng(const MapRequest& request, std::vector<unsigned char>& png) {
   MapImage image;
   if (std::string problem = DrawImage(request, image); !problem.empty()) return problem;
-  return EncodePng(image.get(), png, m_progress) ? std::string() : "out of memory";
+  return EncodePng(image.get(), png, m_progress, PngUse::Shown) ? std::string() : "out of memory";
 }

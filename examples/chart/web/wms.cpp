@@ -40,7 +40,7 @@ void Clear(cairo_t* cairo, const WmsMap& map) {
 std::optional<HttpAnswer> Encode(cairo_surface_t* image) {
   NoProgress progress;
   std::vector<unsigned char> png;
-  if (!EncodePng(image, png, progress)) return {};
+  if (!EncodePng(image, png, progress, PngUse::Shown)) return {};
   return HttpAnswer{.type = "image/png", .body = {png.begin(), png.end()}};
 }
 
