@@ -207,7 +207,8 @@ void RenderSquare(const Drawing& drawing, const Box& box, int left, int top, uin
     } else {
       for (int x = first; x < end; ++x) {
         double lat = 0, lon = 0;
-        row[x - box.left] = square.At(x - left, y - top, lat, lon) ? PixelAt(drawing, lat, tile.EastOf(lon)) : 0;
+        row[x - box.left] =
+            square.At(x - left, y - top, lat, lon) ? PixelAt(drawing, lat, tile.EastOf(lon)) : 0;
       }
     }
   }

@@ -12,6 +12,9 @@
 #include <cstdio>
 
 #include <pthread.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -81,6 +84,16 @@ sigset_t HoldSignals() {
   return ends;
 }
 
+// Each map takes and gives back tens of megabytes. What goes back to the system comes anew page by page, which
+// takes a tenth of the map's time: so each thread keeps what a map takes.
+void KeepMemory() {
+#ifdef __GLIBC__
+  static const int MOST_KEPT = 64 << 20, MOST_ONE = 32 << 20;
+  mallopt(M_TRIM_THRESHOLD, MOST_KEPT);
+  mallopt(M_MMAP_THRESHOLD, MOST_ONE);
+#endif
+}
+
 class Serve : public Verb {
  public:
   void AddOptions(OptionTable& table) override {
@@ -96,6 +109,7 @@ class Serve : public Verb {
     if (!m_options.log.empty() &&
         (!K7Log::CreateLogFile(m_options.log.c_str(), nullptr) || !K7Log::LogMessage(K7_LOG_INFO, "serving")))
       return "cannot write the log " + Quoted(m_options.log);
+    KeepMemory();
     const sigset_t ends = HoldSignals();
     HttpServer server(site);
     if (std::string problem = server.Start(m_options.server); !problem.empty()) return problem;

@@ -9,8 +9,8 @@
 
 namespace {
 
-// Samples stand so far apart, in pixels and where those are small, in miles: the field is smooth, and asking for
-// it is what the layer costs.
+// Samples stand so far apart, in pixels and where those are small, in miles: the field is smooth, and asking
+// for it is what the layer costs.
 constexpr double LEAST_CELL = 12, MOST_CELL = 48, CELL_NM = 6;
 constexpr double TOLERANCE = 0.02;   // degrees
 constexpr double LEAP = 90;          // degrees, where the angle comes around

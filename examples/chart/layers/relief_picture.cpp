@@ -42,10 +42,10 @@ class EdgeDistances {
 
   /// Whether all data go on to the picture's sides and the map's own.
   bool AreFar() const { return m_distances.empty(); }
-  const uint16_t* Row(int y) const { return &m_distances[At(0, y)]; }
+  const int16_t* Row(int y) const { return &m_distances[At(0, y)]; }
 
  private:
-  static constexpr uint16_t FAR = 1 << 15;  // a step more is one still
+  static constexpr int16_t FAR = 1 << 14;  // a step more is one still
 
   size_t At(int x, int y) const { return static_cast<size_t>(y + 1) * m_stride + static_cast<size_t>(x + 1); }
   bool HasData(int x, int y) const {
@@ -70,35 +70,37 @@ class EdgeDistances {
   // What the neighbours that come before (-1) or behind (1) in reading order make a row: those of the row
   // beside it at once, then those within it one after another.
   void Spread(int y, int side) {
-    uint16_t* const row = &m_distances[At(0, y)];
-    const uint16_t* const beside = &m_distances[At(0, y + side)];
+    int16_t* const row = &m_distances[At(0, y)];
+    const int16_t* const beside = &m_distances[At(0, y + side)];
     const int width = m_picture.width;
     for (int x = 0; x < width; ++x) {
-      const int across = std::min(beside[x - 1], beside[x + 1]) + 4;
-      row[x] = static_cast<uint16_t>(std::min({int{row[x]}, beside[x] + 3, across}));
+      const auto across = static_cast<int16_t>(std::min(beside[x - 1], beside[x + 1]) + 4);
+      const auto straight = static_cast<int16_t>(beside[x] + 3);
+      row[x] = std::min(row[x], std::min(across, straight));
     }
     int last = FAR;
     for (int i = 0; i < width; ++i) {
-      uint16_t& here = row[side < 0 ? i : width - 1 - i];
+      int16_t& here = row[side < 0 ? i : width - 1 - i];
       last = std::min(int{here}, last + 3);
-      here = static_cast<uint16_t>(last);
+      here = static_cast<int16_t>(last);
     }
   }
 
   const Picture& m_picture;
   size_t m_stride;
-  std::vector<uint16_t> m_distances;  // none without a rim
+  std::vector<int16_t> m_distances;  // none without a rim
 };
 
 // Makes a picture fade over so many pixels towards its rims. False when nothing is left to be seen in full.
 bool Fade(Picture& picture, const K7MapView& view, double pixels) {
   const EdgeDistances distances(picture, view);
   if (distances.AreFar())
-    return std::any_of(picture.pixels.begin(), picture.pixels.end(), [](uint32_t pixel) { return pixel != 0; });
+    return std::any_of(picture.pixels.begin(), picture.pixels.end(),
+                       [](uint32_t pixel) { return pixel != 0; });
   const auto full = static_cast<int>(std::ceil(3 * pixels));
   bool isSeen = false;
   for (int y = 0; y < picture.height; ++y) {
-    const uint16_t* const row = distances.Row(y);
+    const int16_t* const row = distances.Row(y);
     uint32_t* const out = picture.pixels.data() + static_cast<size_t>(y) * static_cast<size_t>(picture.width);
     for (int x = 0; x < picture.width; ++x) {
       if (out[x] == 0) continue;
