@@ -84,8 +84,8 @@ sigset_t HoldSignals() {
   return ends;
 }
 
-// Each map takes and gives back tens of megabytes. What goes back to the system comes anew page by page, which
-// takes a tenth of the map's time: so each thread keeps what a map takes.
+// Each map takes and gives back tens of megabytes. What goes back to the system comes anew page by page,
+// which takes a tenth of the map's time: so each thread keeps what a map takes.
 void KeepMemory() {
 #ifdef __GLIBC__
   static const int MOST_KEPT = 64 << 20, MOST_ONE = 32 << 20;

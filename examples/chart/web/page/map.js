@@ -5,7 +5,7 @@ import { change, drawn, isNight, onChange, themeName, view } from "./view.js";
 import { endPoint, isTilted, lookAt, moveEye, wayBetween, wrap } from "./eye.js";
 import { during, say } from "./status.js";
 
-const MARGIN = 0.125;        // of the window, on each side: what a small shift shows at once
+const MARGIN = 0.0625;       // of the window, on each side: what a small shift shows at once; all of it is waited for
 const MOST_PIXELS = 9e6;     // of a picture
 const MOST_SIDE = 4096;      // that the server draws, before the screen's ratio
 const WORLD_NM = 7000;       // ranges beyond show the whole world
