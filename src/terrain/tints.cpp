@@ -109,7 +109,8 @@ uint32_t Tints::Pixel(const Slope& ground, double metres) const {
   // A half more than what is to be rounded down: nothing here is negative. Held to a byte as a whole number,
   // which takes no jump: light ground goes over it here and there.
   const auto byte = [](float value) {
-    return static_cast<uint32_t>(std::min(static_cast<int32_t>(value + 0.5F), 255));
+    const float up = value + 0.5F;
+    return static_cast<uint32_t>(std::min(static_cast<int32_t>(up), 255));
   };
   return byte(paint.alpha) << 24 | byte(paint.red * scale) << 16 | byte(paint.green * scale) << 8 |
          byte(paint.blue * scale);
