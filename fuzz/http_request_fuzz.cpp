@@ -3,6 +3,7 @@
 #include "input.h"
 #include "web/http_request.h"
 #include "web/limits.h"
+#include "web/query_value.h"
 #include "web/tile_path.h"
 
 #include <string>
@@ -27,6 +28,19 @@ void LookAtTile(const std::string& path) {
   Require(path == Written(*tile) && IsTile(tile->id));
 }
 
+// Lists and numbers, as boxes of WMS and GeoJSON have them.
+void LookAtValue(const std::string& value) {
+  std::string joined;
+  for (const std::string& part : SplitList(value)) {
+    Require(part.find(',') == std::string::npos);
+    joined += "," + part;
+    double number = 0;
+    int whole = 0;
+    if (ReadValue(part, whole)) Require(ReadValue(part, number) && number == whole);
+  }
+  Require(joined == "," + value);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -43,6 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Require(("/" + request.path + "/").find("/../") == std::string::npos);
   for (const auto& [name, value] : request.query) {
     Require(!name.empty() && IsClean(name) && IsClean(value));
+    LookAtValue(value);
     Require(request.Find(name.c_str()) != nullptr);
   }
   LookAtTile(request.path.substr(1));

@@ -19,6 +19,12 @@ bool OptionTable::Has(const std::string& name) const {
                      [&](const Option& option) { return option.name == NameOf(name); });
 }
 
+std::string OptionTable::FirstGiven() const {
+  const auto given =
+      std::find_if(m_options.begin(), m_options.end(), [](const Option& option) { return option.given; });
+  return given == m_options.end() ? std::string() : given->name;
+}
+
 std::string OptionTable::Take(const std::vector<std::string>& arguments, size_t& i) {
   const std::string name = NameOf(arguments[i]);
   const bool valueInside = name != arguments[i];

@@ -33,6 +33,8 @@ class OptionTable {
   }
 
   bool Has(const std::string& name) const;
+  /// The first of them that was set; empty for none.
+  std::string FirstGiven() const;
   /// Sets the option at `arguments[i]`, its value behind "=" or in the next argument, to which `i` moves
   /// then. Empty, or what is wrong.
   std::string Take(const std::vector<std::string>& arguments, size_t& i);

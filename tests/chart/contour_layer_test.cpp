@@ -72,6 +72,16 @@ class ContoursTest : public testing::Test {
   Theme theme;
 };
 
+// The sanitizers would tell of a height that is counted from nothing.
+TEST_F(ContoursTest, AreNotSoughtBesideTheData) {
+  ContourLayer layer(files);
+  Chart chart({&layer}, theme, progress);
+  for (const double lon : {-121.996, -121.9, -120.6}) {
+    ASSERT_EQ(chart.Show({K7_PROJ_RECTANGULAR, {48.5, lon}, 0.05, {}}, 300, 300, 1), "");
+    EXPECT_TRUE(layer.Lines({*chart.View(), theme, 1, progress}).empty()) << lon;
+  }
+}
+
 TEST_F(ContoursTest, RunBetweenLowerAndHigherPosts) {
   ContourLayer layer(files);
   Chart chart({&layer}, theme, progress);

@@ -49,7 +49,8 @@ cp body first
 is 200 "$tile.png" && cmp body first || fail "a kept tile is another"
 is 200 "$tile@2x.png" && [ "$(size)" = 512x512 ] || fail "a fine tile of $(size)"
 is 200 "${at}tiles/night/8/40/88.png" && ! cmp -s body first || fail "a theme"
-is 200 "${at}tiles/day.json" && grep -q "\"${at}tiles/day/{z}/{x}/{y}.png\"" body || fail "TileJSON: $(cat body)"
+is 200 "${at}tiles/day.json" && grep -q "\"${at}tiles/day/{z}/{x}/{y}.png\"" body &&
+  grep -qE '"center":\[-12[0-9.]+,4[0-9.]+,[5-9]\],"attribution":"[^"]' body || fail "TileJSON: $(cat body)"
 for path in nothing tiles tiles/ tiles/day tiles/none.json tiles/none/8/40/88.png tiles/day/8/256/0.png tiles/day/8/40/88.jpg page/none; do
   is 404 "$at$path"
 done

@@ -69,6 +69,7 @@ part = sqlite3.connect(sys.argv[1])
 part.execute("DELETE FROM map WHERE zoom_level = (SELECT max(zoom_level) FROM map)")
 part.commit()
 END
+refuses "takes no --hide" merge again.mbtiles part1.mbtiles part2.mbtiles part3.mbtiles --hide airways
 refuses "the parts have" merge again.mbtiles part1.mbtiles part2.mbtiles part3.mbtiles
 ls | grep -v mbtiles$ | grep -e journal -e 'merged.*part' && fail "remains beside the files"
 

@@ -75,6 +75,30 @@ TEST(MapView, CentreRangeAndZoomAreThoseAskedFor) {
   }
 }
 
+// Mercator is true at the equator, where a mile is a minute, and larger by the secant of the latitude
+// elsewhere; at zoom 1 the window is two radii wide. Stated, it is what was stated, and the picture as
+// before.
+TEST(MapView, AStatedScaleHoldsUntilTheNextLook) {
+  const Owned projection = Make(K7_PROJ_MERCATOR, 60, 10, 0);
+  const double zoom = 64,
+               miles = 2 * 10800 / std::acos(-1.0) * std::cos(60 * std::acos(-1.0) / 180) / (400 * zoom);
+  K7MapView view(projection.get(), 400, 300);
+  view.SetNMPerPixel(7);
+  EXPECT_NE(view.NMPerPixel(), 7);
+  for (int look = 0; look < 2; ++look) {
+    ASSERT_EQ(view.LookAtZoom(60, 10, zoom), 0);
+    EXPECT_NEAR(view.NMPerPixel() / miles, 1, 1e-6) << look;
+    const K7ChartRect extent = view.GetExtent();
+    for (const double stated : {0.25, 0.0, -1.0, double{NAN}, double{INFINITY}}) view.SetNMPerPixel(stated);
+    double north = 0, east = 0;
+    EXPECT_EQ(view.NMPerPixel(), 0.25);
+    EXPECT_TRUE(view.Scale(60, 10, north, east));
+    EXPECT_NEAR(north / miles, 1, 1e-6);
+    EXPECT_EQ(view.GetExtent().North(), extent.North());
+    EXPECT_EQ(view.Zoom(), zoom);
+  }
+}
+
 // In the middle: also of an eye so low that the range lies far behind its horizon.
 TEST(MapView, APixelSpansItsMiles) {
   for (const double feet : {10.0, 1e3, 1e5, 1e8}) {

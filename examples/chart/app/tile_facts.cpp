@@ -63,6 +63,11 @@ uint64_t AddFolder(const std::string& path, uint64_t key) {
 std::string DataText(const TileOptions& options) {
   const LayerOptions& layers = options.layers;
   uint64_t key = AddFile(ThemeFile(options.look.theme), ContentKey({}));
+  Theme theme;
+  if (ReadTheme(options.look.theme, theme).empty())
+    for (int kind = 0; kind < SYMBOL_KINDS; ++kind)
+      if (const std::string& image = theme.Symbols().PathOf(static_cast<SymbolKind>(kind)); !image.empty())
+        key = AddFile(image, key);
   for (const std::string& file : {layers.nav, layers.magnetic, layers.underlay})
     if (!file.empty()) key = AddFile(file, key);
   for (const std::string& folder : {layers.folder, TerrainFolder(layers)})

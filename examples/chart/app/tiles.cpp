@@ -139,6 +139,7 @@ class Tiles : public Verb {
     table.Add(TILES_OPTIONS, m_options);
     AddLayerOptions(table, m_options.tiles.layers);
     AddDataOptions(table, m_options.tiles.layers);
+    m_table = &table;
   }
 
   std::string TakeArgument(const std::string& argument) override {
@@ -168,8 +169,8 @@ class Tiles : public Verb {
 
  private:
   std::string RunMerge() const {
-    if (!m_options.output.empty() || m_options.minZoom >= 0 || m_options.isShard)
-      return "tiles merge takes no options: OUTPUT.mbtiles PART...";
+    if (const std::string given = m_table->FirstGiven(); !given.empty())
+      return "tiles merge takes no " + given + ": OUTPUT.mbtiles PART...";
     if (m_files.size() < 2) return "tiles merge needs OUTPUT.mbtiles PART...";
     TilesOptions checked;
     if (std::string problem = SetOutput(m_files.front().c_str(), checked); !problem.empty()) return problem;
@@ -200,6 +201,7 @@ class Tiles : public Verb {
   }
 
   TilesOptions m_options;
+  const OptionTable* m_table = nullptr;
   bool m_merge = false;
   std::vector<std::string> m_files;
 };

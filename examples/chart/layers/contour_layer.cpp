@@ -109,6 +109,8 @@ void ContourLayer::Find(const LayerContext& context) {
   if (!posts) return;
   const PostHeights heights(*posts);
   const Contours contours(FeetOf(heights, view), view.Width(), view.Height(), cell);
+  // Posts reach beyond the window, in which there need be none.
+  if (!(contours.Least() <= contours.Most())) return;
   const double lowest = std::max(contours.Least(), 0.0);
   m_step = ContourStep(view.NMPerPixel() * context.scale, contours.Most() - lowest);
   for (int feet = m_step * (1 + static_cast<int>(lowest / m_step)); feet <= contours.Most(); feet += m_step)

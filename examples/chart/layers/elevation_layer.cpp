@@ -75,6 +75,8 @@ void ElevationLayer::OfferFirst(const LayerContext& context, double size, LabelP
     // A cell without room for any figure, as towards a horizon, is not looked into.
     Label label = {"88\u2078", 0, 0, FigureLettering(size * LETTERS)};
     if (!PlaceIn(cell, context, plan, label)) continue;
+    // Water, or ground that ends within the cell, if only by the outermost half post: about the edge of the
+    // data cells stay without a figure, and at small scales these may be all.
     const std::optional<int> feet = m_heights.Figure(cell);
     if (!feet) continue;
     label.text = FigureText(*feet);

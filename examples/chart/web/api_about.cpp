@@ -2,12 +2,10 @@
 
 #include "layers/projection_names.h"
 #include "layers/projection_params.h"
-#include "store/text_1252.h"
 #include "web/api_answer.h"
 #include "web/desk.h"
+#include "web/home.h"
 #include "web/page_api.h"
-
-#include <algorithm>
 
 namespace {
 
@@ -46,19 +44,9 @@ void WriteLayers(JsonWriter& json, const LayerList& layers) {
   json.End(']');
 }
 
-// Where there are navigation data, or else where charts lie unless they are told otherwise.
-void WriteHome(JsonWriter& json, NavStore* store) {
-  static const double SEEN = 0.6;  // of the data, from their middle to an edge
-  ChartRequest chart;
-  chart.rangeNM = 120;
-  double lat = chart.center.Lat(), lon = chart.center.Lon();
-  if (const K7ChartRect extent = store ? store->GetExtent() : K7ChartRect(); !extent.IsEmpty()) {
-    extent.Center(lat, lon);
-    const double tall = (extent.North() - extent.South()) * 60;
-    chart.rangeNM = std::clamp(tall * SEEN, 20.0, MOST_RANGE_NM);
-  }
-  json.Key("home").Begin('{').Key("lat").Number(lat, 4).Key("lon").Number(lon, 4);
-  json.Key("range").Number(chart.rangeNM, 0).End('}');
+void WriteHome(JsonWriter& json, const Home& home) {
+  json.Key("home").Begin('{').Key("lat").Number(home.lat, 4).Key("lon").Number(home.lon, 4);
+  json.Key("range").Number(home.rangeNM, 0).End('}');
 }
 
 }  // namespace
@@ -74,10 +62,7 @@ HttpAnswer AnswerAbout(const HttpRequest&, Desk& desk) {
   WriteProjections(json);
   WriteThemes(json, desk.Data());
   WriteLayers(json, desk.Painter().Shown().Layers());
-  WriteHome(json, store);
-  K7String source;
-  const bool hasSource = store && store->GetSource(source) == 0;
-  json.Key("attribution").Text(hasSource ? Utf8Of1252(static_cast<const char*>(source)) : std::string());
-  json.End('}');
+  WriteHome(json, HomeOf(store));
+  json.Key("attribution").Text(AttributionOf(store)).End('}');
   return JsonAnswer(std::move(json));
 }

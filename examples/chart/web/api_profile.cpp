@@ -6,6 +6,7 @@
 #include "sheet/trip.h"
 #include "sheet/way_ground.h"
 #include "web/api_answer.h"
+#include "web/limits.h"
 #include "web/page_api.h"
 #include "web/view_request.h"
 
@@ -22,7 +23,7 @@ struct ProfileRequest {
 };
 
 std::string Read(const HttpRequest& request, Desk& desk, ProfileRequest& wanted) {
-  static const double SMALLEST = 100, LARGEST = 4096, HIGHEST = 100000;
+  static const double SMALLEST = 100, LARGEST = MAX_SQUARE_SIDE, HIGHEST = 100000;
   if (std::string problem = ReadWithin(request, "width", SMALLEST, LARGEST, wanted.width); !problem.empty())
     return problem;
   if (std::string problem = ReadWithin(request, "height", SMALLEST, LARGEST, wanted.height); !problem.empty())

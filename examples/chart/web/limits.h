@@ -14,5 +14,8 @@ inline constexpr size_t MAX_QUEUE = 256;        // requests that wait for a thre
 inline constexpr double MAX_WAIT_SECONDS = 20;  // no one waits longer for a map to be begun
 inline constexpr int RETRY_SECONDS = 2;
 
+// Of a picture, in pixels of the screen. Those who name a greatest width and height by themselves, whatever
+// the other is, have the side of the largest square.
 inline constexpr int MAX_PICTURE_SIDE = 8192;
-inline constexpr int MAX_PICTURE_PIXELS = 16'000'000;
+inline constexpr int MAX_SQUARE_SIDE = 4096;
+inline constexpr int MAX_PICTURE_PIXELS = MAX_SQUARE_SIDE * MAX_SQUARE_SIDE;

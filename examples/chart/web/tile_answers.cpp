@@ -1,9 +1,14 @@
 #include "web/tile_answers.h"
 
 #include "web/desk.h"
+#include "web/home.h"
 #include "web/json.h"
 #include "web/tile_painter.h"
 #include "web/tile_path.h"
+#include "web/xml_text.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -27,14 +32,27 @@ std::string KeyOf(const TilePath& tile) {
 
 HttpAnswer TileAnswer(const std::string& file) { return {.type = "image/png", .body = file}; }
 
-HttpAnswer TileJson(const std::string& theme, const HttpRequest& request) {
+// The level at which a screen shows the home's surroundings and not much more.
+int LevelOf(const Home& home) {
+  static const double HALF_SCREEN = 400;  // pixels
+  const double level = std::log2(LevelNMPerPixel(0) * HALF_SCREEN / home.rangeNM);
+  return static_cast<int>(std::clamp(std::round(level), 0.0, 1.0 * MOST_ZOOM));
+}
+
+HttpAnswer TileJson(const std::string& theme, const HttpRequest& request, Desk& desk) {
+  std::string problem;
+  NavStore* const store = desk.Store(problem);
+  if (!problem.empty()) return Refuse(500, problem);
+  const Home home = HomeOf(store);
   JsonWriter json;
   json.Begin('{').Key("tilejson").Text("3.0.0").Key("name").Text(theme).Key("scheme").Text("xyz");
   json.Key("tiles").Begin('[').Text(request.origin + "/tiles/" + theme + "/{z}/{x}/{y}.png").End(']');
   json.Key("minzoom").Integer(0).Key("maxzoom").Integer(MOST_ZOOM);
   // As far as a square map of the world reaches.
   json.Key("bounds").Begin('[').Number(-180, 0).Number(-85.05112878, 8).Number(180, 0).Number(85.05112878, 8);
-  json.End(']').End('}');
+  json.End(']').Key("center").Begin('[').Number(home.lon, 4).Number(home.lat, 4).Integer(LevelOf(home));
+  // Which clients write into their pages as HTML.
+  json.End(']').Key("attribution").Text(XmlText(AttributionOf(store))).End('}');
   return {.type = "application/json", .body = json.Take()};
 }
 
@@ -62,7 +80,7 @@ std::optional<HttpAnswer> TileAtOnce(const HttpRequest& request, const MapData& 
   if (!tile && !described) return Refuse(404, "a tile is /tiles/THEME/Z/X/Y.png or Y@2x.png, Z up to 20");
   const std::string& theme = tile ? tile->theme : *described;
   if (theme.empty() || !data.FindTheme(theme)) return Refuse(404, "there is no such theme");
-  if (described) return TileJson(theme, request);
+  if (described) return std::nullopt;
   const std::shared_ptr<const std::string> kept = tiles ? tiles->Find(KeyOf(*tile)) : nullptr;
   return kept ? std::optional(TileAnswer(*kept)) : std::nullopt;
 }
@@ -76,6 +94,7 @@ std::string TileWork(const HttpRequest& request) {
 
 HttpAnswer AnswerTile(const HttpRequest& request, Desk& desk) {
   if (std::optional<HttpAnswer> known = TileAtOnce(request, desk.Data(), desk.Tiles())) return *known;
+  if (const std::optional<std::string> theme = ThemeOfJson(request)) return TileJson(*theme, request, desk);
   HttpAnswer answer;
   const std::string problem = DrawTile(*ReadTilePath(BelowFolder(request)), desk, answer);
   return problem.empty() ? answer : Refuse(500, problem);

@@ -12,8 +12,10 @@ bool IsTile(const TileId& tile) {
 }
 
 TileBlock BlockOf(const TileId& tile) {
-  const int count = std::min(BLOCK_TILES, 1 << tile.z);
-  return {tile.z, tile.x / count * count, tile.y / count * count, count, count};
+  const int rows = std::min(BLOCK_TILES, 1 << tile.z);
+  // At most half way round the world: a map of all of it ends at its edges, and cuts what stands there.
+  const int columns = std::clamp((1 << tile.z) / 2, 1, BLOCK_TILES);
+  return {tile.z, tile.x / columns * columns, tile.y / rows * rows, columns, rows};
 }
 
 // J. P. Snyder, Map Projections - A Working Manual, 1987, equations 7-2 and 7-4.

@@ -16,7 +16,8 @@ struct TileBlock {
 };
 inline constexpr int BLOCK_TILES = 4;  ///< each way, where the level has so many
 
-/// The block that a tile of the grid is drawn with: the same for all tiles of it.
+/// The block that a tile of the grid is drawn with: the same for all tiles of it. One of them has the world's
+/// whole width only at level 0.
 TileBlock BlockOf(const TileId& tile);
 
 /// Degrees of a place of the grid, counted in tiles from the northwest corner of the world. Exact for whole

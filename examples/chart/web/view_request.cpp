@@ -4,6 +4,7 @@
 #include "route/direct_route.h"
 #include "route/route_ends.h"
 #include "store/text_1252.h"
+#include "web/limits.h"
 #include "web/query_value.h"
 
 #include <algorithm>
@@ -12,8 +13,7 @@
 namespace {
 
 constexpr double LEAST_RANGE_NM = 0.1;
-constexpr int SMALLEST = 16, LARGEST = 4096;  // ordinary pixels
-constexpr double MOST_PIXELS = 16e6;
+constexpr int SMALLEST = 16;  // ordinary pixels
 constexpr double MOST_RATIO = 3;
 constexpr size_t MOST_NAMES = 64, MOST_PARAMS = 16, MOST_POINTS = 200;
 
@@ -29,16 +29,18 @@ std::string Number(double value) { return std::string(K7FmtString("%.9g", value)
 std::string ReadSize(const HttpRequest& request, MapRequest& map) {
   double width = 1024, height = 768, ratio = 1;
   for (const auto& [name, size] : {std::pair{"width", &width}, {"height", &height}})
-    if (std::string problem = ReadWithin(request, name, SMALLEST, LARGEST, *size); !problem.empty())
+    if (std::string problem = ReadWithin(request, name, SMALLEST, MAX_PICTURE_SIDE, *size); !problem.empty())
       return problem;
   if (std::string problem = ReadWithin(request, "ratio", 1, MOST_RATIO, ratio); !problem.empty())
     return problem;
   map.width = static_cast<int>(std::lround(width * ratio));
   map.height = static_cast<int>(std::lround(height * ratio));
   map.scale = ratio;
-  return 1.0 * map.width * map.height <= MOST_PIXELS
-             ? std::string()
-             : "a picture has at most " + Number(MOST_PIXELS / 1e6) + " million pixels";
+  const bool fits = std::max(map.width, map.height) <= MAX_PICTURE_SIDE &&
+                    1.0 * map.width * map.height <= MAX_PICTURE_PIXELS;
+  return fits ? std::string()
+              : "a picture has at most " + std::to_string(MAX_PICTURE_SIDE) + " pixels a side and " +
+                    std::to_string(MAX_PICTURE_PIXELS) + " in all";
 }
 
 std::string ReadPlace(const HttpRequest& request, ChartRequest& chart) {

@@ -1,6 +1,7 @@
 #include "web/wms_capabilities.h"
 
 #include "store/text_1252.h"
+#include "web/limits.h"
 #include "web/wms_request.h"
 #include "web/xml_text.h"
 
@@ -65,8 +66,8 @@ std::string WmsCapabilities(const HttpRequest& request, Desk& desk, std::string&
       " xsi:schemaLocation=\"http://www.opengis.net/wms"
       " http://schemas.opengis.net/wms/1.3.0/capabilities_1_3_0.xsd\">\n<Service>\n";
   text += Element("Name", "WMS") + Element("Title", TITLE) + Link(address + "/");
-  text += Element("MaxWidth", std::to_string(WMS_MOST_PIXELS));
-  text += Element("MaxHeight", std::to_string(WMS_MOST_PIXELS));
+  text += Element("MaxWidth", std::to_string(MAX_SQUARE_SIDE));
+  text += Element("MaxHeight", std::to_string(MAX_SQUARE_SIDE));
   text += "</Service>\n<Capability>\n<Request>\n";
   text += Operation("GetCapabilities", {"text/xml"}, address) + Operation("GetMap", {"image/png"}, address);
   text += Operation("GetFeatureInfo", {"text/plain", "text/html", "text/xml", "application/json"}, address);

@@ -52,8 +52,18 @@ std::string AsXml(const Found& found) {
   return text + "</FeatureInfoResponse>\n";
 }
 
-// A feature a record, as programs that know GeoJSON show in tables. A name that comes twice keeps its first
-// value: an object has each once.
+// An object has each name once: what comes again, as for each of an airport's runways, is a list of values.
+void WriteProperty(JsonWriter& json, const RecordRows& rows, const std::string& name) {
+  const auto isNamed = [&](const auto& row) { return row.first == name; };
+  const bool isList = std::count_if(rows.begin(), rows.end(), isNamed) > 1;
+  json.Key(name);
+  if (isList) json.Begin('[');
+  for (const auto& row : rows)
+    if (isNamed(row)) json.Text(row.second);
+  if (isList) json.End(']');
+}
+
+// A feature a record, as programs that know GeoJSON show in tables.
 std::string AsJson(const Found& found) {
   JsonWriter json;
   json.Begin('{').Key("type").Text("FeatureCollection").Key("features").Begin('[');
@@ -66,7 +76,7 @@ std::string AsJson(const Found& found) {
       for (auto row = rows.begin(); row != rows.end(); ++row)
         if (row->first != "layer" && row->first != "text" &&
             std::none_of(rows.begin(), row, [&](const auto& before) { return before.first == row->first; }))
-          json.Key(row->first).Text(row->second);
+          WriteProperty(json, rows, row->first);
       json.End('}').End('}');
     }
   }

@@ -1,6 +1,7 @@
 #include "web/wms_request.h"
 
 #include "layers/layer_list.h"
+#include "web/limits.h"
 #include "web/query_value.h"
 
 #include <k7/foundation/string.h>
@@ -152,7 +153,7 @@ MaybeWmsProblem ReadWmsMap(const HttpRequest& request, Desk& desk, WmsMap& map) 
   static const char* const SIZE = "InvalidParameterValue";
   map.onProblem = OnProblemOf(request);
   for (const auto& [name, size] : {std::pair{"WIDTH", &map.box.width}, {"HEIGHT", &map.box.height}})
-    if (MaybeWmsProblem problem = ReadWmsNumber(request, name, 1, WMS_MOST_PIXELS, SIZE, *size))
+    if (MaybeWmsProblem problem = ReadWmsNumber(request, name, 1, MAX_SQUARE_SIDE, SIZE, *size))
       return problem;
   if (MaybeWmsProblem problem = ReadLook(request, map)) return problem;
   if (MaybeWmsProblem problem = ReadWmsLayers(request, "LAYERS", desk, map.layers)) return problem;

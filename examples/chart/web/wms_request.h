@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-inline constexpr int WMS_MOST_PIXELS = 4096;  // a side
 /// The layer that stands for all of the chart, as its style has them on.
 inline constexpr const char* WMS_CHART = "chart";
 

@@ -40,8 +40,9 @@ class K7_API K7MapView {
   /// Does the same with a given magnification in place of a range, as `K7Grfx::GetZoom` counts it.
   int LookAtZoom(double lat, double lon, double zoom);
   /// States the scale of the present look, nautical miles a pixel, by which hosts choose what they show:
-  /// windows that are pieces of one picture are to choose alike, although its scale changes across it. The
-  /// picture stays as it is. Ignored before a look and unless it is above 0 and finite.
+  /// windows that are pieces of one picture are to choose alike, although its scale changes across it. Only
+  /// `NMPerPixel` answers otherwise, until the next look. Ignored unless the view is set and the number is
+  /// above 0 and finite.
   void SetNMPerPixel(double nmPerPixel);
   /// Turns the picture about the middle of the window, from the next look on: the direction `degrees`
   /// clockwise of what would be up comes up. Where north would be up at the centre, as on the globes, the
