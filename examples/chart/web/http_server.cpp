@@ -13,6 +13,8 @@
 #include <chrono>
 #include <cstring>
 #include <exception>
+#include <memory>
+#include <new>
 #include <thread>
 
 #include <microhttpd.h>
@@ -47,6 +49,12 @@ bool HasGone(MHD_Connection* connection) {
       MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD);
   char next = 0;
   return info && recv(info->connect_fd, &next, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
+}
+
+std::unique_ptr<Exchange>* HeldBy(MHD_Connection* connection) {
+  const MHD_ConnectionInfo* const info =
+      MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT);
+  return info ? static_cast<std::unique_ptr<Exchange>*>(info->socket_context) : nullptr;
 }
 
 std::string_view Header(MHD_Connection* connection, const char* name) {
@@ -90,6 +98,8 @@ class HttpServer::Core {
   static void* OnLine(void* self, const char* target, MHD_Connection* connection);
   static MHD_Result OnRequest(void* self, MHD_Connection* connection, const char*, const char* method,
                               const char*, const char*, size_t* uploaded, void** exchange);
+  static void OnConnection(void* self, MHD_Connection* connection, void** held,
+                           MHD_ConnectionNotificationCode code);
   static void OnEnd(void* self, MHD_Connection*, void** exchange, MHD_RequestTerminationCode);
 
   MHD_Result Take(Exchange& exchange);
@@ -110,11 +120,22 @@ class HttpServer::Core {
   std::atomic<int> m_exchanges{0};
 };
 
-void* HttpServer::Core::OnLine(void* self, const char* target, MHD_Connection*) {
+// A connection holds its exchange until the headers are read: of a request that never comes so far the end is
+// not always told.
+void HttpServer::Core::OnConnection(void*, MHD_Connection*, void** held,
+                                    MHD_ConnectionNotificationCode code) {
+  if (code == MHD_CONNECTION_NOTIFY_STARTED)
+    *held = new (std::nothrow) std::unique_ptr<Exchange>;
+  else
+    delete static_cast<std::unique_ptr<Exchange>*>(*held);
+}
+
+void* HttpServer::Core::OnLine(void*, const char* target, MHD_Connection* connection) {
+  std::unique_ptr<Exchange>* const held = HeldBy(connection);
+  if (!held) return nullptr;
   try {
-    auto* const exchange = new Exchange(target);
-    ++static_cast<Core*>(self)->m_exchanges;
-    return exchange;
+    *held = std::make_unique<Exchange>(target);
+    return held->get();
   } catch (const std::exception&) {
     return nullptr;
   }
@@ -130,6 +151,8 @@ MHD_Result HttpServer::Core::OnRequest(void* self, MHD_Connection* connection, c
     exchange->connection = connection;
     if (!exchange->isSeen) {
       exchange->isSeen = true;
+      HeldBy(connection)->release();
+      ++core->m_exchanges;
       exchange->method = method;
       return core->Check(*exchange) ? MHD_YES : core->Send(*exchange);
     }
@@ -139,12 +162,17 @@ MHD_Result HttpServer::Core::OnRequest(void* self, MHD_Connection* connection, c
   }
 }
 
-void HttpServer::Core::OnEnd(void* self, MHD_Connection*, void** context, MHD_RequestTerminationCode) {
+void HttpServer::Core::OnEnd(void* self, MHD_Connection* connection, void** context,
+                             MHD_RequestTerminationCode) {
   auto* const exchange = static_cast<Exchange*>(*context);
   if (!exchange) return;
   auto* const core = static_cast<Core*>(self);
   core->Log(*exchange);
   *context = nullptr;
+  if (!exchange->isSeen) {
+    HeldBy(connection)->reset();
+    return;
+  }
   delete exchange;
   --core->m_exchanges;
 }
@@ -284,9 +312,10 @@ std::string HttpServer::Core::Start(const ServerOptions& options) {
       MHD_USE_EPOLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ITC, 0, nullptr, nullptr, OnRequest,
       this, MHD_OPTION_LISTEN_SOCKET, socket.handle, MHD_OPTION_THREAD_POOL_SIZE, std::min(cores, 4U),
       MHD_OPTION_URI_LOG_CALLBACK, OnLine, this, MHD_OPTION_NOTIFY_COMPLETED, OnEnd, this,
-      MHD_OPTION_CONNECTION_MEMORY_LIMIT, MAX_HEADER_BYTES, MHD_OPTION_CONNECTION_LIMIT, MAX_CONNECTIONS,
-      MHD_OPTION_CONNECTION_TIMEOUT, IDLE_SECONDS, MHD_OPTION_PER_IP_CONNECTION_LIMIT,
-      socket.isLoopback ? 0U : MAX_CONNECTIONS_OF_ADDRESS, MHD_OPTION_END);
+      MHD_OPTION_NOTIFY_CONNECTION, OnConnection, this, MHD_OPTION_CONNECTION_MEMORY_LIMIT, MAX_HEADER_BYTES,
+      MHD_OPTION_CONNECTION_LIMIT, MAX_CONNECTIONS, MHD_OPTION_CONNECTION_TIMEOUT, IDLE_SECONDS,
+      MHD_OPTION_PER_IP_CONNECTION_LIMIT, socket.isLoopback ? 0U : MAX_CONNECTIONS_OF_ADDRESS,
+      MHD_OPTION_END);
   if (!m_daemon) {
     close(socket.handle);
     return "cannot start to serve: " + std::string(std::strerror(errno));
