@@ -4,7 +4,6 @@ set -uo pipefail
 chart=$1
 # The font library keeps its tables until the process ends, which a leak check would count.
 here=$(cd "$(dirname "$0")" && pwd)
-export LSAN_OPTIONS="suppressions=$here/lsan.supp:print_suppressions=0"
 sample=$here/../../data/sample
 sample=$(cd "$sample" && pwd)
 work=$(mktemp -d)

@@ -3,7 +3,6 @@
 set -uo pipefail
 chart=$1
 here=$(cd "$(dirname "$0")" && pwd)
-export LSAN_OPTIONS="suppressions=$here/lsan.supp:print_suppressions=0"
 export TSAN_OPTIONS="suppressions=$here/tsan.supp"
 work=$(mktemp -d)
 server=

@@ -4,7 +4,6 @@
 set -uo pipefail
 chart=$1
 here=$(cd "$(dirname "$0")" && pwd)
-export LSAN_OPTIONS="suppressions=$here/lsan.supp:print_suppressions=0"
 sample=$(cd "$here/../../data/sample" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
