@@ -4,7 +4,7 @@
 #include <k7/foundation/error_string.h>
 #include <k7/foundation/string.h>
 
-#include "io/os.h"
+#include "foundation/format_text.h"
 
 #include <algorithm>
 #include <charconv>
@@ -18,7 +18,7 @@ namespace {
 int FormatArgs(char* dst, size_t size, const char* fmt, ...) {
   va_list args;
   va_start(args, fmt);
-  const int n = k7os::FormatC(dst, size, fmt, args);
+  const int n = FormatText(dst, size, fmt, args);
   va_end(args);
   return n;
 }
@@ -115,8 +115,6 @@ class SizingPass {
       } else if (*fmt == '%') {
         ++estimate;
         ++fmt;
-      } else if (!*fmt) {
-        m_endsInPercent = true;
       } else {
         Conversion c = ReadConversion(fmt);
         fmt = c.end;
@@ -126,8 +124,6 @@ class SizingPass {
     va_end(m_args);
     return estimate;
   }
-  /// The last "%" has nothing behind it, for which the standard formatter has no meaning.
-  bool EndsInPercent() const { return m_endsInPercent; }
 
  private:
   int64_t Measure(Conversion& c) {
@@ -205,28 +201,12 @@ class SizingPass {
 
   va_list m_args;
   bool m_inStep = true;
-  bool m_endsInPercent = false;
 };
-
-// "%C" is one byte from an int argument, which the standard formatter spells "%c".
-void SpellBytes(char* fmt) {
-  for (char* p = fmt; *p;) {
-    if (*p++ != '%') continue;
-    if (*p == '%') {
-      ++p;
-      continue;
-    }
-    const Conversion c = ReadConversion(p);
-    p += c.end - p;
-    // "%F" is whole without the letter behind it.
-    if (c.letter == 'C' && c.prefix != 'F') p[-1] = 'c';
-  }
-}
 
 int FormatCopy(char* dst, size_t size, const char* fmt, va_list args) {
   va_list copy;
   va_copy(copy, args);
-  const int n = k7os::FormatC(dst, size, fmt, copy);
+  const int n = FormatText(dst, size, fmt, copy);
   va_end(copy);
   return n;
 }
@@ -245,19 +225,13 @@ int K7String::FormatV(const char* fmt, va_list args) {
   const char* format = fmt ? fmt : "";
   // Few formats need a copy that is changed on the way.
   K7String changed;
-  if (std::strchr(format, 'C') || std::strstr(format, "\\x")) {
+  if (std::strstr(format, "\\x")) {
     if (const int err = changed.Create(format); err < 0) return err;
     DecodeEscape(changed.m_text);
     format = changed;
   }
   SizingPass pass;
   const int64_t estimate = std::clamp<int64_t>(pass.Run(format, args), 0, INT32_MAX - 1);
-  if (changed.m_text) SpellBytes(changed.m_text);
-  if (pass.EndsInPercent()) {
-    if (const int err = changed.Create(format); err < 0) return err;
-    if (const int err = changed += '%') return err;
-    format = changed;
-  }
 
   // Arguments may point into this string, so the text is made beside it. Most texts fit the local buffer.
   char local[512];

@@ -13,7 +13,6 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <locale.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #ifdef __linux__
@@ -27,12 +26,6 @@
 #include <new>
 
 namespace {
-
-// Numbers are written with a point even in a host that has set a locale with a decimal comma.
-locale_t NumericC() {
-  static const locale_t locale = newlocale(LC_NUMERIC_MASK, "C", nullptr);
-  return locale;
-}
 
 // A pattern's folder ("." without one) and its last component, in one block.
 struct SplitPattern {
@@ -85,13 +78,6 @@ int CompareNames(const void* a, const void* b) {
   const char* const right = *static_cast<const char* const*>(b);
   const int order = K7String::IComp(left, right);
   return order ? order : std::strcmp(left, right);
-}
-
-int FormatIn(locale_t locale, char* dst, size_t size, const char* fmt, va_list args) {
-  const locale_t previous = locale ? uselocale(locale) : nullptr;
-  const int n = std::vsnprintf(dst, size, fmt, args);
-  if (previous) uselocale(previous);
-  return n;
 }
 
 struct Sink {
@@ -163,21 +149,6 @@ struct Internet {
 };
 
 }  // namespace
-
-int k7os::FormatC(char* dst, size_t size, const char* fmt, va_list args) {
-  va_list again;
-  va_copy(again, args);
-  int n = FormatIn(NumericC(), dst, size, fmt, args);
-  if (n < 0) {
-    // Wide text has no other bytes than ASCII in the "C" locale: the host's writes it, its numbers replaced.
-    const locale_t host = duplocale(uselocale(nullptr));
-    const locale_t mixed = host ? newlocale(LC_NUMERIC_MASK, "C", host) : nullptr;
-    if (mixed) n = FormatIn(mixed, dst, size, fmt, again);
-    if (host) freelocale(mixed ? mixed : host);
-  }
-  va_end(again);
-  return n;
-}
 
 bool k7os::LocalTime(int64_t seconds, std::tm& fields) {
   const std::time_t moment = static_cast<std::time_t>(seconds);

@@ -11,7 +11,6 @@
 #include <wininet.h>
 
 #include <io.h>
-#include <locale.h>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -21,12 +20,6 @@
 
 namespace {
 
-// Numbers are written with a point even in a host that has set a locale with a decimal comma.
-_locale_t NumericC() {
-  static const _locale_t locale = _create_locale(LC_NUMERIC, "C");
-  return locale;
-}
-
 int CompareNames(const void* a, const void* b) {
   const char* const left = *static_cast<const char* const*>(a);
   const char* const right = *static_cast<const char* const*>(b);
@@ -35,19 +28,6 @@ int CompareNames(const void* a, const void* b) {
 }
 
 }  // namespace
-
-int k7os::FormatC(char* dst, size_t size, const char* fmt, va_list args) {
-  // The counting form of the runtime is a function of its own.
-  va_list copy;
-  va_copy(copy, args);
-  const int n = _vscprintf_l(fmt, NumericC(), copy);
-  va_end(copy);
-  if (size > 0 && n >= 0) {
-    _vsnprintf_l(dst, size - 1, fmt, NumericC(), args);
-    dst[static_cast<size_t>(n) < size ? static_cast<size_t>(n) : size - 1] = 0;
-  }
-  return n;
-}
 
 bool k7os::LocalTime(int64_t seconds, std::tm& fields) {
   const __time64_t moment = seconds;

@@ -2,7 +2,6 @@
 // build, but for one line here; no other file includes a system header or tests a platform macro.
 #pragma once
 
-#include <cstdarg>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -12,9 +11,6 @@ class K7StrArray;
 class K7String;
 
 namespace k7os {
-
-/// vsnprintf with a decimal point, whatever locale the host has set; wide text in that locale's encoding.
-int FormatC(char* dst, size_t size, const char* fmt, va_list args);
 
 /// Calendar of the machine's time zone. False for a moment that the system has none for.
 bool LocalTime(int64_t seconds, std::tm& fields);

@@ -131,5 +131,4 @@ TEST(K7StringFormat, WritesAPointUnderADecimalCommaLocale) {
   EXPECT_STREQ(comma, "1,5");  // the host's locale is back in force
   EXPECT_STREQ(text, "1.5 2.5 3.50e+00");
   EXPECT_STREQ(wide, "Z\u00FCrich \u00E9 1.5");
-  EXPECT_LT(K7String().Format("%ls", L"\u00E9"), 0);  // the "C" locale has no bytes for it
 }

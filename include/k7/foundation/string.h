@@ -159,11 +159,13 @@ class K7_API K7String {
   static bool IsPrint(char c);
   /// @}
 
-  /// Replace the text by the printf-style expansion, always with a decimal point. Answer the number of
-  /// characters written, K7_ERR_MEMORY, or the formatter's negative result. Beyond printf, "%C" is one byte
-  /// from an int argument, the first backslash-x escape of the format (backslash, "x", two hexadecimal
-  /// digits) becomes its byte, and a "%" with nothing behind it is a percent sign. "%ls" and "%lc" write
-  /// the encoding of the host's locale. Arguments may point into this string.
+  /// Replace the text by the printf-style expansion: all conversions, flags and lengths of C99, as the "C"
+  /// locale has them, the same bytes on every platform. Answer the number of characters written,
+  /// K7_ERR_MEMORY, or -1 for a format that ends inside a conversion, a text beyond INT_MAX characters and
+  /// wide text that is no Unicode. Beyond printf, "%C" is one byte from an int argument, the first
+  /// backslash-x escape of the format (backslash, "x", two hexadecimal digits) becomes its byte, a "%" with
+  /// nothing behind it is a percent sign, and a conversion of an unknown letter is written as it stands.
+  /// "%ls" and "%lc" write UTF-8. Arguments may point into this string.
   int Format(const char* fmt, ...);
   int FormatV(const char* fmt, va_list args);
 
