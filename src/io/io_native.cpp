@@ -103,7 +103,7 @@ bool K7FileK7::Seek(int pos) {
 
 int K7FileK7::Tell() {
   const K7LockGuard lock(m_mutex);
-  const long pos = m_stream ? std::ftell(m_stream) : -1;
+  const int64_t pos = m_stream ? k7os::TellStream(m_stream) : -1;
   return pos > INT32_MAX ? -1 : static_cast<int>(pos);
 }
 

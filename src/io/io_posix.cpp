@@ -6,6 +6,7 @@
 #include <k7/foundation/string.h>
 
 #include "foundation/forever.h"
+#include "io/wild_card.h"
 
 #define CURL_DISABLE_TYPECHECK
 #include <curl/curl.h>
@@ -41,43 +42,12 @@ struct SplitPattern {
   const char* name;
 };
 
-// "*" stands for any bytes, "?" for one, and everything else (a bracket, too) for itself, without regard to
-// case. Only the last "*" met is tried again, so that no pattern takes more than the product of both lengths.
-bool Matches(const char* pattern, const char* name) {
-  const char* star = nullptr;   // behind the last "*"
-  const char* retry = nullptr;  // where in the name the pattern behind it began
-  while (*name) {
-    if (*pattern == '*') {
-      star = ++pattern;
-      retry = name;
-    } else if (*pattern == '?' || K7String::IComp(pattern, name, 1) == 0) {
-      ++pattern;
-      ++name;
-    } else if (star) {
-      pattern = star;
-      name = ++retry;
-    } else {
-      return false;
-    }
-  }
-  while (*pattern == '*') ++pattern;
-  return !*pattern;
-}
-
 bool IsDirectoryEntry(DIR* folder, const dirent& entry) {
   if (entry.d_type == DT_DIR) return true;
   // Links and file systems that keep no types need a look at the file itself.
   struct stat info;
   return (entry.d_type == DT_LNK || entry.d_type == DT_UNKNOWN) &&
          fstatat(dirfd(folder), entry.d_name, &info, 0) == 0 && S_ISDIR(info.st_mode);
-}
-
-// Ties of names that differ in case only are broken by bytes, so that the order is always the same.
-int CompareNames(const void* a, const void* b) {
-  const char* const left = *static_cast<const char* const*>(a);
-  const char* const right = *static_cast<const char* const*>(b);
-  const int order = K7String::IComp(left, right);
-  return order ? order : std::strcmp(left, right);
 }
 
 struct Sink {
@@ -176,17 +146,14 @@ void k7os::ListDir(const char* pattern, bool dirsOnly, K7StrArray& out) {
   const SplitPattern split(pattern);
   DIR* const folder = split.name ? opendir(split.folder) : nullptr;
   if (!folder) return;
-  const bool every = std::strcmp(split.name, "*.*") == 0;
   K7StrArray names;
   while (const dirent* entry = readdir(folder)) {
-    if (!every && !Matches(split.name, entry->d_name)) continue;
+    if (!k7wild::Matches(split.name, entry->d_name)) continue;
     if (dirsOnly && !IsDirectoryEntry(folder, *entry)) continue;
     if (names += entry->d_name) break;
   }
   closedir(folder);
-  names.QuickSort(CompareNames);
-  for (int i = 0; i < names.Count(); ++i)
-    if (out += names[i]) return;
+  k7wild::AppendInOrder(names, out);
 }
 
 std::FILE* k7os::OpenStream(const char* path, const char* mode) {
@@ -205,6 +172,8 @@ size_t k7os::ReadStream(std::FILE* stream, void* p, size_t n) {
   return std::fread(p, 1, n, stream);
 #endif
 }
+
+int64_t k7os::TellStream(std::FILE* stream) { return ftello(stream); }
 
 bool k7os::IsReadable(const char* path) {
   const NativePath native(path);

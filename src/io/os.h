@@ -36,10 +36,13 @@ class NativePath {
   char* m_text;
 };
 
-/// `fopen`, null also for a directory, which opens for reading on some systems but holds no bytes.
+/// `fopen`, null also for a directory, which opens for reading on some systems but holds no bytes. Binary,
+/// whatever the mode says.
 std::FILE* OpenStream(const char* path, const char* mode);
 /// `fread` of bytes for a stream that one thread at a time uses.
 size_t ReadStream(std::FILE* stream, void* p, size_t n);
+/// Position in a stream, that of a file beyond 2 GB too; -1 when there is none.
+int64_t TellStream(std::FILE* stream);
 /// `path` is no directory and may be opened for reading; a pipe is not waited for.
 bool IsReadable(const char* path);
 /// A symbolic link or junction, whatever it leads to; `path` without a separator at its end. True without

@@ -10,6 +10,11 @@ class K7File;
 /// A K7IO makes files and gives the other services of an operating system. The library holds one instance;
 /// a host that wants its own file system derives from this class and installs it with `SetInst` before
 /// using the library.
+///
+/// Paths, and the names that come back, are UTF-8 on every system. POSIX takes and gives their bytes as they
+/// are; on Windows a path that is no UTF-8 names a file that is not there, paths may be longer than 260
+/// characters, and a name that is no Unicode is not listed. A backslash separates folders everywhere. No mode
+/// translates line ends: a file has the same bytes on every system.
 class K7_API K7IO {
  public:
   virtual ~K7IO();
