@@ -265,7 +265,6 @@ bool k7os::FetchURL(void* internet, const char* url, FetchSink sink, void* conte
   curl.SetOption(handle->session, CURLOPT_CONNECTTIMEOUT, CONNECT_SECONDS);
   curl.SetOption(handle->session, CURLOPT_LOW_SPEED_LIMIT, 1L);
   curl.SetOption(handle->session, CURLOPT_LOW_SPEED_TIME, STALLED_SECONDS);
-  curl.SetOption(handle->session, CURLOPT_BUFFERSIZE, 8192L);
   curl.SetOption(handle->session, CURLOPT_WRITEFUNCTION, Deliver);
   curl.SetOption(handle->session, CURLOPT_WRITEDATA, &target);
 
