@@ -46,7 +46,7 @@ Block<wchar_t> ToWide(const char* text) {
   return wide;
 }
 
-// Null for what is no UTF-16, which a name need not be.
+// Null for what is no UTF-16: the system takes any units for a name.
 Block<char> FromWide(const wchar_t* wide) {
   const int n = WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, wide, -1, nullptr, 0, nullptr, nullptr);
   Block<char> text = n > 0 ? Alloc<char>(static_cast<size_t>(n)) : nullptr;
@@ -248,6 +248,7 @@ int64_t k7os::TellStream(std::FILE* stream) { return _ftelli64(stream); }
 bool k7os::IsReadable(const char* path) { return Handle(path, GENERIC_READ, FILE_ATTRIBUTE_NORMAL).IsOpen(); }
 
 bool k7os::IsLink(const char* path) {
+  if (!WidePath(path).Text()) return true;
   const Handle file(path, 0, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT);
   FILE_ATTRIBUTE_TAG_INFO info;
   return file.IsOpen() &&

@@ -43,7 +43,8 @@ TEST(Paths, AreUtf8OfAnyLength) {
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "a\nb\r\nc\n") << "no line end changes";
   in.close();
   EXPECT_TRUE(K7File::FilePathExists(path.c_str()));
-  for (int i = 0; i < 2; ++i) EXPECT_EQ(K7XmlElem("a").WriteFile((folder + "/" + SECOND).c_str()), 0);
+  for (int i = 0; i < 2; ++i)  // the second one takes the place of the first
+    EXPECT_EQ(K7XmlElem("a").WriteFile((folder + "/" + SECOND).c_str()), 0);
 
   K7StrArray names;
   K7IO::Inst()->FindFiles((folder + "\\?PFEL*").c_str(), names);
@@ -52,7 +53,8 @@ TEST(Paths, AreUtf8OfAnyLength) {
   EXPECT_STREQ(names[1], SECOND);
   EXPECT_TRUE(K7IO::Inst()->DeleteFileX(path.c_str()));
   EXPECT_FALSE(fs::exists(Native(path)));
-  fs::remove_all(Native(dir.Path()));
+  K7IO::Inst()->DeleteFileX((folder + "/" + SECOND).c_str());
+  for (; folder != dir.Path(); folder.resize(folder.rfind('/'))) fs::remove(Native(folder));
   K7IO::Destroy();
 }
 
