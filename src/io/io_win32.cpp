@@ -27,6 +27,85 @@
 
 namespace {
 
+constexpr int64_t DAY = 86400;
+
+// Days from 1970-01-01 to a date of the proleptic Gregorian calendar, and back: Howard Hinnant,
+// "chrono-Compatible Low-Level Date Algorithms", days_from_civil and civil_from_days. The runtime's own
+// calendar refuses what lies before 1970.
+int64_t FloorDiv(int64_t a, int64_t b) { return a / b - (a % b < 0); }
+
+int64_t DaysFromDate(int64_t year, int64_t month, int64_t day) {
+  year -= month <= 2;
+  const int64_t era = FloorDiv(year, 400);
+  const int64_t yearOfEra = year - era * 400;
+  const int64_t dayOfYear = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
+  return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
+}
+
+int WeekDay(int64_t days) { return static_cast<int>(days + 4 - FloorDiv(days + 4, 7) * 7); }
+
+// False when the year does not fit.
+bool Split(int64_t seconds, int64_t& year, std::tm& fields) {
+  const int64_t days = FloorDiv(seconds, DAY);
+  const int64_t era = FloorDiv(days + 719468, 146097);
+  const int64_t dayOfEra = days + 719468 - era * 146097;
+  const int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const int64_t fromMarch = (5 * dayOfYear + 2) / 153;
+  const int64_t month = fromMarch < 10 ? fromMarch + 3 : fromMarch - 9;
+  year = yearOfEra + era * 400 + (month <= 2);
+  if (year - 1900 < INT32_MIN || year > INT32_MAX) return false;
+  const int64_t second = seconds - days * DAY;
+  fields = {};
+  fields.tm_year = static_cast<int>(year - 1900);
+  fields.tm_mon = static_cast<int>(month) - 1;
+  fields.tm_mday = static_cast<int>(dayOfYear - (153 * fromMarch + 2) / 5) + 1;
+  fields.tm_hour = static_cast<int>(second / 3600);
+  fields.tm_min = static_cast<int>(second / 60 % 60);
+  fields.tm_sec = static_cast<int>(second % 60);
+  fields.tm_wday = WeekDay(days);
+  fields.tm_yday = static_cast<int>(days - DaysFromDate(year, 1, 1));
+  return true;
+}
+
+// Wall-clock seconds of a rule such as the last Sunday of March, or of a date, in `year`.
+int64_t RuleSeconds(int64_t year, const SYSTEMTIME& rule) {
+  int64_t days = DaysFromDate(year, rule.wMonth, 1);
+  if (rule.wYear) {
+    days += rule.wDay - 1;
+  } else {
+    const int64_t next =
+        rule.wMonth == 12 ? DaysFromDate(year + 1, 1, 1) : DaysFromDate(year, rule.wMonth + 1, 1);
+    days += (rule.wDayOfWeek + 7 - WeekDay(days)) % 7 + 7 * (rule.wDay - 1);
+    while (days >= next) days -= 7;
+  }
+  return days * DAY + rule.wHour * 3600 + rule.wMinute * 60 + rule.wSecond;
+}
+
+// The machine's zone in one year; what is added to its clock gives universal time.
+struct ZoneYear {
+  explicit ZoneYear(int64_t year) {
+    TIME_ZONE_INFORMATION zone = {};
+    const USHORT known = static_cast<USHORT>(year < 1601 ? 1601 : year > 30827 ? 30827 : year);
+    if (!GetTimeZoneInformationForYear(known, nullptr, &zone)) return;
+    standard = int64_t{zone.Bias + zone.StandardBias} * 60;
+    daylight = standard;
+    if (!zone.DaylightDate.wMonth || !zone.StandardDate.wMonth) return;
+    daylight = int64_t{zone.Bias + zone.DaylightBias} * 60;
+    start = RuleSeconds(year, zone.DaylightDate) + standard;
+    end = RuleSeconds(year, zone.StandardDate) + daylight;
+  }
+  bool IsDaylight(int64_t seconds) const {
+    if (start <= end) return start <= seconds && seconds < end;
+    return seconds < end || start <= seconds;  // south of the equator
+  }
+
+  int64_t standard = 0;
+  int64_t daylight = 0;
+  int64_t start = 0;
+  int64_t end = 0;
+};
+
 struct Free {
   void operator()(void* p) const { std::free(p); }
 };
@@ -177,15 +256,29 @@ void SetSeconds(HINTERNET internet, DWORD option, DWORD seconds) {
 }  // namespace
 
 bool k7os::LocalTime(int64_t seconds, std::tm& fields) {
-  const __time64_t moment = seconds;
-  return _localtime64_s(&fields, &moment) == 0;
+  int64_t year = 0;
+  if (!Split(seconds, year, fields)) return false;
+  ZoneYear zone(year);
+  // The year that counts is that of the zone.
+  if (!Split(seconds - zone.standard, year, fields)) return false;
+  zone = ZoneYear(year);
+  const bool summer = zone.IsDaylight(seconds);
+  if (!Split(seconds - (summer ? zone.daylight : zone.standard), year, fields)) return false;
+  fields.tm_isdst = summer;
+  return true;
 }
 
 bool k7os::MakeTime(std::tm& fields, int64_t& seconds) {
-  // Its -1 is a moment too, but only success sets the weekday.
-  fields.tm_wday = -1;
-  const __time64_t moment = _mktime64(&fields);
-  if (fields.tm_wday < 0) return false;
+  const int64_t carried = fields.tm_mon >= 0 ? fields.tm_mon / 12 : -((11 - fields.tm_mon) / 12);
+  const int64_t year = int64_t{fields.tm_year} + 1900 + carried;
+  const int64_t days = DaysFromDate(year, fields.tm_mon - carried * 12 + 1, 1) + fields.tm_mday - 1;
+  const int64_t wall =
+      days * DAY + fields.tm_hour * int64_t{3600} + fields.tm_min * int64_t{60} + fields.tm_sec;
+  const ZoneYear zone(year);
+  // Of two moments with the same fields the one in daylight time.
+  const bool summer = fields.tm_isdst > 0 || (fields.tm_isdst < 0 && zone.IsDaylight(wall + zone.daylight));
+  const int64_t moment = wall + (summer ? zone.daylight : zone.standard);
+  if (!LocalTime(moment, fields)) return false;
   seconds = moment;
   return true;
 }
