@@ -9,6 +9,7 @@
 #include <boost/heap/d_ary_heap.hpp>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <list>
@@ -109,6 +110,37 @@ void SortStd(benchmark::State& state) {
 }
 
 constexpr char FORMAT[] = "%s: %d ft, %03d deg, %.4f";
+
+// One number a text; the last row is of integers.
+constexpr const char* NUMBER_FORMATS[] = {"%.6f", "%.17g", "%e", "%d"};
+
+template <class Write>
+void WriteNumbers(benchmark::State& state, Write write) {
+  const char* const format = NUMBER_FORMATS[state.range(0)];
+  std::mt19937_64 random(1);
+  double values[1024];
+  for (double& value : values) value = static_cast<double>(static_cast<int64_t>(random())) / 1e14;
+  for (int i = 0; auto _ : state) {
+    if (state.range(0) == 3)
+      write(format, i++ & 0xFFFFF);
+    else
+      write(format, values[i++ % 1024]);
+  }
+  state.SetLabel(format);
+}
+
+void NumberK7String(benchmark::State& state) {
+  K7String text;
+  WriteNumbers(state,
+               [&](const char* format, auto value) { benchmark::DoNotOptimize(text.Format(format, value)); });
+}
+
+void NumberSnprintf(benchmark::State& state) {
+  char text[400];
+  WriteNumbers(state, [&](const char* format, auto value) {
+    benchmark::DoNotOptimize(std::snprintf(text, sizeof text, format, value));
+  });
+}
 
 void FormatK7String(benchmark::State& state) {
   K7String text;
@@ -295,6 +327,8 @@ BENCHMARK(LookUpStdMap)->Arg(100)->Arg(10000);
 BENCHMARK(SortArray)->Arg(100000);
 BENCHMARK(SortQsort)->Arg(100000);
 BENCHMARK(SortStd)->Arg(100000);
+BENCHMARK(NumberK7String)->DenseRange(0, 3);
+BENCHMARK(NumberSnprintf)->DenseRange(0, 3);
 BENCHMARK(FormatK7String);
 BENCHMARK(FormatSnprintf);
 BENCHMARK(FormatSnprintfTwice);
