@@ -3,28 +3,13 @@
 
 #include "grid/resample.h"
 
+#include "support/temp_dir.h"
+
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
 namespace {
-
-// A folder of the process, which is gone with it.
-class Folder {
- public:
-  Folder() {
-    std::string pattern = std::filesystem::temp_directory_path() / "k7fuzzXXXXXX";
-    m_path = mkdtemp(pattern.data());
-  }
-  ~Folder() { std::filesystem::remove_all(m_path); }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  std::string operator/(const char* name) const { return m_path + "/" + name; }
-
- private:
-  std::string m_path;
-};
 
 void Look(ElevGrid& grid, double spacing) {
   std::vector<float> metres;
@@ -44,7 +29,7 @@ void Look(ElevGrid& grid, double spacing) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 1) return 0;
-  static const Folder folder;
+  static const TempDir folder;
   static constexpr const char* NAMES[] = {"a.asc", "t.csv", "N48W123.hgt"};
   const std::string path = folder / NAMES[data[0] % std::size(NAMES)];
   std::ofstream(path, std::ios::binary)

@@ -1,5 +1,7 @@
 #include <k7/foundation.h>
 
+#include "support/platform.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>

@@ -36,11 +36,13 @@ std::string Decompress(const Bytes& bytes) {
 
 // The layout by hand: the length, then zlib's own stream, its head masked and then its tail.
 Bytes CompressByHand(const std::string& text) {
-  uLongf size = compressBound(text.size());
+  uLongf size = compressBound(static_cast<uLong>(text.size()));
   Bytes bytes(4 + size);
   for (size_t i = 0; i < 4; ++i) bytes[i] = static_cast<unsigned char>(text.size() >> 8 * i);
   unsigned char* const stream = bytes.data() + 4;
-  EXPECT_EQ(compress2(stream, &size, reinterpret_cast<const Bytef*>(text.data()), text.size(), 6), Z_OK);
+  EXPECT_EQ(compress2(stream, &size, reinterpret_cast<const Bytef*>(text.data()),
+                      static_cast<uLong>(text.size()), 6),
+            Z_OK);
   for (size_t i = 0; i < 9; ++i) stream[i] ^= bytes[0];
   for (size_t i = size - 9; i < size; ++i) stream[i] ^= bytes[0];
   bytes.resize(4 + size);

@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
 #include <atomic>
 #include <barrier>
 #include <chrono>
@@ -129,6 +128,7 @@ TEST_F(SharedFile, ThreadsWriteWholeTexts) {
 
 // From a pipe, which makes readers wait in the middle.
 TEST_F(SharedFile, ThreadsReadEachTextOnce) {
+  if (ON_WINDOWS) GTEST_SKIP() << "no pipes in folders";
   constexpr int COUNT = 400, SIZE = 30000;
   std::string bytes;
   for (int i = 0; i < COUNT; ++i) bytes += Letters(i % 26, SIZE);

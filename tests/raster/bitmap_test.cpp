@@ -64,7 +64,7 @@ TEST(Bitmap, ReadsWhatOtherProgramsWrite) {
   for (const fs::path& path : Images()) {
     K7Bitmap bitmap;
     ASSERT_EQ(ReadBytes(bitmap, FileBytes(path)), 0) << path;
-    const std::string name = path.stem();
+    const std::string name = path.stem().string();
     EXPECT_EQ(Rgba(bitmap), FileBytes(IMAGES / (name.substr(0, name.find('-')) + ".rgba"))) << path;
   }
 }

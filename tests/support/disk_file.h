@@ -1,13 +1,14 @@
 // Whole files of the disk, read and written past the library; and a user who may not do everything.
 #pragma once
 
+#include "support/platform.h"
 #include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
 
+#ifndef _WIN32
 #include <sys/resource.h>
-#include <unistd.h>
-#include <csignal>
+#endif
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -21,6 +22,19 @@ inline std::string GetFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), {}};
 }
+
+#ifdef _WIN32
+
+// Neither exists there: the tests that need them are skipped.
+struct SmallDisk {
+  explicit SmallDisk(size_t) {}
+};
+struct Nobody {
+  explicit Nobody(const TempDir&) {}
+  static bool Changed() { return false; }
+};
+
+#else
 
 /// Files of the process grow to so many bytes only: a disk that fills up in the middle of a text.
 class SmallDisk {
@@ -56,3 +70,5 @@ class Nobody {
   Nobody& operator=(const Nobody&) = delete;
   static bool Changed() { return getuid() == 0; }
 };
+
+#endif

@@ -1,16 +1,39 @@
 // A server on the loopback address that answers each path with fixed bytes and closes the connection.
 #pragma once
 
+#ifdef _WIN32
+#include <winsock2.h>
+#include <ws2tcpip.h>
+#else
 #include <arpa/inet.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#endif
 #include <map>
 #include <string>
 #include <thread>
 
+#ifdef _WIN32
+using Socket = SOCKET;
+constexpr int MSG_NOSIGNAL = 0;
+inline Socket OpenSocket() {
+  WSADATA data;
+  WSAStartup(MAKEWORD(2, 2), &data);
+  return socket(AF_INET, SOCK_STREAM, 0);
+}
+inline void CloseSocket(Socket s) { closesocket(s); }
+/// Ends a wait for clients.
+inline void StopListening(Socket s) { closesocket(s); }
+#else
+using Socket = int;
+inline Socket OpenSocket() { return socket(AF_INET, SOCK_STREAM, 0); }
+inline void CloseSocket(Socket s) { close(s); }
+inline void StopListening(Socket s) { shutdown(s, SHUT_RDWR); }
+#endif
+
 class HttpServer {
  public:
-  HttpServer() : m_listener(socket(AF_INET, SOCK_STREAM, 0)) {
+  HttpServer() : m_listener(OpenSocket()) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -21,9 +44,9 @@ class HttpServer {
     m_thread = std::thread([this] { Serve(); });
   }
   ~HttpServer() {
-    shutdown(m_listener, SHUT_RDWR);
+    StopListening(m_listener);
     m_thread.join();
-    close(m_listener);
+    CloseSocket(m_listener);
   }
   HttpServer(const HttpServer&) = delete;
   HttpServer& operator=(const HttpServer&) = delete;
@@ -36,7 +59,8 @@ class HttpServer {
 
  private:
   void Serve() {
-    for (int client; (client = accept(m_listener, nullptr, nullptr)) >= 0; close(client)) {
+    constexpr auto NONE = static_cast<Socket>(-1);
+    for (Socket client; (client = accept(m_listener, nullptr, nullptr)) != NONE; CloseSocket(client)) {
       std::string request;
       char buf[1024];
       for (ssize_t n;
@@ -45,14 +69,15 @@ class HttpServer {
       const size_t start = request.find(' ') + 1;
       const std::string& bytes = m_answers[request.substr(start, request.find(' ', start) - start)];
       for (size_t sent = 0; sent < bytes.size();) {
-        const ssize_t n = send(client, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+        const ssize_t n =
+            send(client, bytes.data() + sent, static_cast<int>(bytes.size() - sent), MSG_NOSIGNAL);
         if (n <= 0) break;
         sent += static_cast<size_t>(n);
       }
     }
   }
 
-  int m_listener;
+  Socket m_listener;
   int m_port = 0;
   std::map<std::string, std::string> m_answers;
   std::thread m_thread;

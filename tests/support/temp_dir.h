@@ -2,15 +2,20 @@
 #pragma once
 
 #include <filesystem>
+#include <random>
 #include <string>
 
 class TempDir {
  public:
   explicit TempDir(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
-    std::string pattern = parent / "k7testXXXXXX";
-    m_path = mkdtemp(pattern.data());
+    std::random_device random;
+    do m_path = (parent / ("k7test" + std::to_string(random()))).string();
+    while (!std::filesystem::create_directory(m_path));
   }
-  ~TempDir() { std::filesystem::remove_all(m_path); }
+  ~TempDir() {
+    std::error_code ignored;  // what a test left open may stay behind on Windows
+    std::filesystem::remove_all(m_path, ignored);
+  }
   TempDir(const TempDir&) = delete;
   TempDir& operator=(const TempDir&) = delete;
 

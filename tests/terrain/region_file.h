@@ -1,10 +1,10 @@
 // Region files, byte by byte as docs/formats.md has them.
 #pragma once
 
+#include "support/temp_dir.h"
+
 #include <zlib.h>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -21,9 +21,10 @@ struct TilePlan {
 };
 
 inline std::string Packed(const void* data, size_t size) {
-  std::string out(compressBound(size), '\0');
-  uLongf length = out.size();
-  compress2(reinterpret_cast<Bytef*>(out.data()), &length, static_cast<const Bytef*>(data), size, 6);
+  uLongf length = compressBound(static_cast<uLong>(size));
+  std::string out(length, '\0');
+  compress2(reinterpret_cast<Bytef*>(out.data()), &length, static_cast<const Bytef*>(data),
+            static_cast<uLong>(size), 6);
   out.resize(length);
   return out;
 }
@@ -79,14 +80,6 @@ RegionPlan MadeRegion(double south, double west, int rows, int columns, int n, P
 // A folder that goes with the test; its path ends in a separator.
 class TempFolder {
  public:
-  TempFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "k7terrainXXXXXX").string();
-    m_path = std::string(mkdtemp(name.data())) + "/";
-  }
-  ~TempFolder() { std::filesystem::remove_all(m_path); }
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-
   const std::string& Path() const { return m_path; }
   std::string Write(const std::string& name, const std::string& bytes) const {
     std::ofstream(m_path + name, std::ios::binary) << bytes;
@@ -94,5 +87,6 @@ class TempFolder {
   }
 
  private:
-  std::string m_path;
+  TempDir m_dir;
+  std::string m_path = m_dir.Path() + "/";
 };

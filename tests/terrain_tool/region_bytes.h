@@ -57,7 +57,7 @@ class RegionBytes {
               At<int16_t>(at + 42),
               {}};
     tile.metres.resize(static_cast<size_t>(tile.rows * tile.cols));
-    uLongf size = tile.metres.size() * 2;
+    auto size = static_cast<uLongf>(tile.metres.size() * 2);
     const auto* const data = reinterpret_cast<const Bytef*>(m_bytes.data() + At<int32_t>(at + 32));
     const int code = uncompress(reinterpret_cast<Bytef*>(tile.metres.data()), &size, data,
                                 static_cast<uLong>(At<int32_t>(at + 36)));
