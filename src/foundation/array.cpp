@@ -105,7 +105,7 @@ int K7Array::Insert(const void* elems, int pos, int n) {
   if (n < 0 || (!elems && n > 0)) return K7_ERR_BAD_ARGUMENT;
   if (pos > m_count) return K7_ERR_INVALID_DATA;
   if (n == 0) return 0;
-  if (static_cast<int64_t>(m_count) + n > INT32_MAX) return K7_ERR_MEMORY;
+  if ((int64_t{m_count} + n) * m_width > INT32_MAX) return K7_ERR_MEMORY;
   const size_t width = static_cast<size_t>(m_width);
   const size_t bytes = static_cast<size_t>(n) * width;
   const ElementCopy source(elems, bytes, m_data, static_cast<size_t>(m_allocated));

@@ -2,6 +2,8 @@
 // tiles.
 #pragma once
 
+#include "foundation/alloc.h"
+
 #include <cstddef>
 #include <cstdlib>
 #include <type_traits>
@@ -50,7 +52,7 @@ class Buffer {
     if (m_failed) return false;
     int capacity = m_capacity < LEAST ? LEAST : m_capacity;
     while (capacity - m_count < more) capacity *= 2;
-    void* const grown = std::realloc(static_cast<void*>(m_data), static_cast<size_t>(capacity) * sizeof(T));
+    void* const grown = ReallocArray(m_data, capacity, sizeof(T));
     if (!grown) {
       m_failed = true;
       return false;

@@ -2,6 +2,8 @@
 
 #include <k7/foundation/error_string.h>
 
+#include "foundation/alloc.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -113,9 +115,7 @@ void K7Heap::SiftDown(int slot, Slot member) {
 bool K7Heap::Grow() {
   static const int BLOCK = 1024;
   if (m_capacity > INT32_MAX - BLOCK) return false;
-  const size_t capacity = static_cast<size_t>(m_capacity) + BLOCK;
-  if (capacity > SIZE_MAX / sizeof(Slot)) return false;
-  void* const slots = std::realloc(m_slots, capacity * sizeof(Slot));
+  void* const slots = ReallocArray(m_slots, m_capacity + BLOCK, sizeof(Slot));
   if (!slots) return false;
   m_slots = static_cast<Slot*>(slots);
   m_capacity += BLOCK;

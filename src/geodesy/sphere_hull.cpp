@@ -2,6 +2,7 @@
 
 #include <k7/foundation/error_string.h>
 
+#include "foundation/alloc.h"
 #include "geodesy/exact_sum.h"
 
 #include <cmath>
@@ -142,10 +143,10 @@ bool Hull::FindFirstFour(int (&four)[4]) const {
 bool Hull::Reserve(int more) {
   if (m_room - m_faceCount >= more) return true;
   const int room = 2 * m_room + more + 64;
-  void* const faces = std::realloc(static_cast<void*>(m_faces), static_cast<size_t>(room) * sizeof(Face));
+  void* const faces = ReallocArray(m_faces, room, sizeof(Face));
   if (!faces) return false;
   m_faces = static_cast<Face*>(faces);
-  void* const above = std::realloc(static_cast<void*>(m_above), static_cast<size_t>(room) * sizeof(int));
+  void* const above = ReallocArray(m_above, room, sizeof(int));
   if (!above) return false;
   m_above = static_cast<int*>(above);
   m_room = room;

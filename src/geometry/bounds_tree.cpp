@@ -2,6 +2,8 @@
 
 #include <k7/foundation/error_string.h>
 
+#include "foundation/alloc.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
@@ -53,8 +55,8 @@ int BoundsTree::Build(const K7ChartRect* boxes, int count) {
   Clear();
   if (count <= 0) return 0;
   // The levels above take a fifteenth of the leaves, and a box each.
-  const size_t room = static_cast<size_t>(count) + static_cast<size_t>(count) / (NODE - 1) + MAX_LEVELS;
-  m_boxes = static_cast<Box*>(std::malloc(room * sizeof(Box)));
+  const int64_t room = int64_t{count} + count / (NODE - 1) + MAX_LEVELS;
+  m_boxes = static_cast<Box*>(ReallocArray(nullptr, room, sizeof(Box)));
   if (!m_boxes) return K7_ERR_MEMORY;
   for (int32_t i = 0; i < count; ++i) {
     const K7ChartRect& box = boxes[i];

@@ -1,5 +1,6 @@
 #include <k7/geometry/shp_layer.h>
 
+#include "foundation/alloc.h"
 #include "geometry/code_page.h"
 #include "geometry/shp_layer_store.h"
 #include "geometry/shp_rows.h"
@@ -86,8 +87,8 @@ int TakeFields(K7ShpLayerStore& store, k7page::Page page) {
 int TakeRecords(K7ShpLayerStore& store) {
   const int count = store.file->StoredCount();
   ShpRows rows;
-  store.records.reset(new (std::nothrow) ShpLayerRec[static_cast<size_t>(count)]);
-  const std::unique_ptr<K7ChartRect[]> boxes(new (std::nothrow) K7ChartRect[static_cast<size_t>(count)]);
+  store.records.reset(NewArray<ShpLayerRec>(count));
+  const std::unique_ptr<K7ChartRect[]> boxes(NewArray<K7ChartRect>(count));
   if (!store.records || !boxes) return K7_ERR_MEMORY;
   for (int i = 0; i < count; ++i) {
     ShpLayerRec& record = store.records[static_cast<size_t>(i)];

@@ -1,5 +1,6 @@
 #include "geometry/tess_block.h"
 
+#include "foundation/alloc.h"
 #include "foundation/buffer.h"
 
 #include <k7/geometry/poly_bifurcator.h>
@@ -16,7 +17,7 @@ constexpr int MOST_VERTICES = 1 << 16;
 // Triangles in the order of their cutting, group after group.
 struct Grouping {
   explicit Grouping(const K7PolyBifurcator& cut)
-      : from(cut.Vertices()), places(new (std::nothrow) Place[static_cast<size_t>(cut.VertexCount())]) {
+      : from(cut.Vertices()), places(NewArray<Place>(cut.VertexCount())) {
     if (!places) return;
     const int32_t* corner = cut.Triangles();
     for (int t = 0; t < cut.TriangleCount() && !Failed(); ++t, corner += 3) AddTriangle(corner);

@@ -1,5 +1,7 @@
 #include "io/read.h"
 
+#include "foundation/alloc.h"
+
 #include <cstdlib>
 #include <utility>
 
@@ -27,7 +29,7 @@ k7read::Block::~Block() { std::free(m_bytes); }
 bool k7read::Block::Alloc(int64_t size) {
   std::free(m_bytes);
   m_size = 0;
-  m_bytes = static_cast<unsigned char*>(std::malloc(static_cast<size_t>(size > 0 ? size : 1)));
+  m_bytes = static_cast<unsigned char*>(ReallocArray(nullptr, size > 0 ? size : 1, 1));
   if (m_bytes) m_size = static_cast<size_t>(size);
   return m_bytes != nullptr;
 }

@@ -1,5 +1,7 @@
 #include "io/xml_attribs.h"
 
+#include "foundation/alloc.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -15,7 +17,9 @@ constexpr size_t MAX_ROOM = INT32_MAX;
 }  // namespace
 
 K7XmlAttribs* K7XmlAttribs::New(int capacity, size_t room) {
-  void* const block = std::malloc(sizeof(K7XmlAttribs) + static_cast<size_t>(capacity) * sizeof(Pair) + room);
+  const int64_t size =
+      int64_t{sizeof(K7XmlAttribs)} + int64_t{capacity} * int64_t{sizeof(Pair)} + static_cast<int64_t>(room);
+  void* const block = ReallocArray(nullptr, size, 1);
   return block ? new (block) K7XmlAttribs(capacity, room) : nullptr;
 }
 

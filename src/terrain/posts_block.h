@@ -3,18 +3,19 @@
 
 #include <k7/terrain/ter_tile.h>
 
+#include "foundation/alloc.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <memory>
-#include <new>
 
 class PostsBlock {
  public:
   /// Without data everywhere. False without memory.
   bool Make(int rows, int cols) {
-    const auto count = static_cast<size_t>(rows) * static_cast<size_t>(cols);
-    m_posts.reset(new (std::nothrow) int16_t[count]);
-    m_rows.reset(new (std::nothrow) int16_t*[static_cast<size_t>(rows)]);
+    const int64_t count = int64_t{rows} * cols;
+    m_posts.reset(NewArray<int16_t>(count));
+    m_rows.reset(NewArray<int16_t*>(rows));
     if (!m_posts || !m_rows) return false;
     std::fill_n(m_posts.get(), count, static_cast<int16_t>(K7_NO_ELEV));
     for (int r = 0; r < rows; ++r)

@@ -2,11 +2,11 @@
 
 #include <k7/geodesy/constants.h>
 
+#include "foundation/alloc.h"
 #include "foundation/buffer.h"
 
 #include <algorithm>
 #include <limits>
-#include <new>
 #include <utility>
 
 namespace {
@@ -58,8 +58,7 @@ Slope AtPost(const float* south, const float* here, const float* north, float pe
 }  // namespace
 
 std::unique_ptr<Slope[]> FindSlopes(const PostGrid& grid) {
-  std::unique_ptr<Slope[]> slopes(new (std::nothrow)
-                                      Slope[static_cast<size_t>(grid.rows) * static_cast<size_t>(grid.cols)]);
+  std::unique_ptr<Slope[]> slopes(NewArray<Slope>(int64_t{grid.rows} * grid.cols));
   Buffer<float> memory;
   const int width = grid.cols + 2;
   float* south = memory.Extend(3 * width);

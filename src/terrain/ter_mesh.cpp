@@ -5,12 +5,12 @@
 #include <k7/geodesy/ecef.h>
 #include <k7/projection/projection.h>
 
+#include "foundation/alloc.h"
 #include "terrain/slopes.h"
 #include "terrain/tile_posts.h"
 
 #include <cmath>
 #include <memory>
-#include <new>
 #include <utility>
 
 namespace {
@@ -94,10 +94,10 @@ int K7TerMesh::Create(const K7TerTile& tile, K7TerMeshKind kind, double exaggera
   const PostGrid& grid = posts.Grid();
   const PostGrid& own = posts.Tile();
   const std::unique_ptr<Slope[]> slopes = FindSlopes(grid);
-  const auto rows = static_cast<size_t>(own.rows), cols = static_cast<size_t>(own.cols);
-  std::unique_ptr<K7TerVertex[]> vertices(new (std::nothrow) K7TerVertex[(rows + 1) * (cols + 1)]);
-  std::unique_ptr<int32_t[]> triangles(new (std::nothrow) int32_t[6 * rows * cols]);
-  const std::unique_ptr<int32_t[]> indexes(new (std::nothrow) int32_t[2 * (cols + 1)]);
+  const int64_t rows = own.rows, cols = own.cols;
+  std::unique_ptr<K7TerVertex[]> vertices(NewArray<K7TerVertex>((rows + 1) * (cols + 1)));
+  std::unique_ptr<int32_t[]> triangles(NewArray<int32_t>(6 * rows * cols));
+  const std::unique_ptr<int32_t[]> indexes(NewArray<int32_t>(2 * (cols + 1)));
   if (!slopes || !vertices || !triangles || !indexes) return K7_ERR_MEMORY;
 
   const Maker maker{grid, slopes.get(), kind == K7_TER_MESH_GLOBE, exaggeration};

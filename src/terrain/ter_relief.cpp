@@ -4,6 +4,7 @@
 #include <k7/geodesy/constants.h>
 #include <k7/projection/map_view.h>
 
+#include "foundation/alloc.h"
 #include "terrain/tile_posts.h"
 #include "terrain/tints.h"
 
@@ -280,8 +281,7 @@ int K7TerRelief::Render(K7Grfx* g, const K7MapView& view) const {
   const Box box = PixelsOf(grid, view);
   const int width = box.right - box.left, height = box.bottom - box.top;
   if (width < 1 || height < 1) return 0;
-  const std::unique_ptr<uint32_t[]> pixels(
-      new (std::nothrow) uint32_t[static_cast<size_t>(width) * static_cast<size_t>(height)]);
+  const std::unique_ptr<uint32_t[]> pixels(NewArray<uint32_t>(int64_t{width} * height));
   if (!pixels) return K7_ERR_MEMORY;
   const Drawing drawing{*m_store, view, view.NMPerPixel() * METRES_PER_NM};
   for (int y = box.top - box.top % Square::SIZE; y < box.bottom; y += Square::SIZE) {

@@ -3,6 +3,7 @@
 #include "grid/text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 
 namespace {
@@ -107,7 +108,7 @@ std::vector<double> Distinct(const std::vector<CsvPost>& posts, double CsvPost::
 // Posts in any order that stand in rows and columns, each place once.
 std::string CsvGrid::Arrange(const std::vector<CsvPost>& posts) {
   std::vector<double> lats = Distinct(posts, &CsvPost::lat), lons = Distinct(posts, &CsvPost::lon);
-  if (lats.size() < 2 || lons.size() < 2 || lats.size() * lons.size() != posts.size())
+  if (lats.size() < 2 || lons.size() < 2 || uint64_t{lats.size()} * lons.size() != posts.size())
     return Path() + ": its posts stand in no full grid of rows and columns";
   const auto indexIn = [](const std::vector<double>& values, double value) {
     return static_cast<size_t>(std::lower_bound(values.begin(), values.end(), value) - values.begin());

@@ -13,8 +13,8 @@
 bool ReadText(const std::string& path, std::string& text, uintmax_t most) {
   std::error_code failed;
   const uintmax_t size = std::min(std::filesystem::file_size(path, failed), most);
-  if (failed) return false;
-  text.resize(size);
+  if (failed || size > text.max_size()) return false;
+  text.resize(static_cast<size_t>(size));
   std::ifstream file(path, std::ios::binary);
   return static_cast<bool>(file.read(text.data(), static_cast<std::streamsize>(size)));
 }
