@@ -1,5 +1,7 @@
-// A server on the loopback address that answers each path with fixed bytes and closes the connection.
+// Downloads: a server on the loopback address, and whether anything can ask it.
 #pragma once
+
+#include <k7/io/io.h>
 
 #ifdef _WIN32
 #include <winsock2.h>
@@ -31,6 +33,19 @@ inline void CloseSocket(Socket s) { close(s); }
 inline void StopListening(Socket s) { shutdown(s, SHUT_RDWR); }
 #endif
 
+/// A 64-bit system may have libcurl, which the native services load on POSIX, for no 32-bit program.
+inline bool CanDownload(K7IO& io) {
+#if defined(__linux__) && !defined(__LP64__)
+  void* const library = io.LoadLibraryX("libcurl.so.4");
+  io.UnLoadLibrary(library);
+  return library != nullptr;
+#else
+  static_cast<void>(io);
+  return true;
+#endif
+}
+
+/// Answers each path with fixed bytes and closes the connection.
 class HttpServer {
  public:
   HttpServer() : m_listener(OpenSocket()) {

@@ -267,6 +267,10 @@ TEST_F(TerrainBuild, DamageIsToldAndMakesNothing) {
   const auto swapped = [](std::string text, const std::string& from, const std::string& to) {
     return text.replace(text.find(from), from.size(), to);
   };
+  // 65600 latitudes times 65474 longitudes are as many as there are posts, in 32 bits.
+  std::string wrapping = "latitude,longitude,elevation\n";
+  for (int i = 0; i < 127104; ++i)
+    wrapping += std::to_string(i % 65600 * 0.001) + "," + std::to_string(i % 65474 * 0.001) + ",5\n";
   const struct {
     const char* name;
     std::string bytes;
@@ -289,6 +293,7 @@ TEST_F(TerrainBuild, DamageIsToldAndMakesNothing) {
       {"a.asc", swapped(asc, "-860", "1e300"), "is none"},
       {"t.csv", csv.substr(0, csv.size() - 12), "line 170"},
       {"t.csv", csv + "5,-123,48\n", "full grid"},
+      {"t.csv", wrapping, "full grid"},
       {"t.csv", swapped(csv, "-123,48", "-123,inf"), "line 2 has a position"},
       {"t.csv", "a,b,c\n", "names no latitude"},
       {"g.tif", asc, ""},
