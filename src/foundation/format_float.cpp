@@ -13,9 +13,9 @@ namespace {
 template <class Float>
 class Digits {
  public:
-  Digits(const FormatSpec& spec, Float value) : m_value(value) {
-    const int precision = spec.precision < 0 ? 6 : spec.precision;
-    switch (spec.letter | 0x20) {
+  Digits(const FormatField& field, Float value) : m_value(value) {
+    const int precision = field.precision < 0 ? 6 : field.precision;
+    switch (field.letter | 0x20) {
       case 'f':
         Convert(std::chars_format::fixed, precision);
         break;
@@ -23,16 +23,16 @@ class Digits {
         Convert(std::chars_format::scientific, precision);
         break;
       case 'g':
-        ConvertGeneral(std::max(precision, 1), spec.alternate);
+        ConvertGeneral(std::max(precision, 1), field.alternate);
         break;
       default:
-        if (spec.precision < 0)
+        if (field.precision < 0)
           m_end = std::to_chars(m_text, std::end(m_text), value, std::chars_format::hex).ptr;
         else
           Convert(std::chars_format::hex, precision);
     }
-    if (spec.letter < 'a') MakeUpperCase(m_text, m_end);
-    Split(spec);
+    if (field.letter < 'a') MakeUpperCase(m_text, m_end);
+    Split(field);
   }
 
   const NumberText& Text() const { return m_pieces; }
@@ -62,13 +62,13 @@ class Digits {
   }
 
   // Zeros and the point of "#" stand before the exponent.
-  void Split(const FormatSpec& spec) {
+  void Split(const FormatField& field) {
     const std::string_view all(m_text, static_cast<size_t>(m_end - m_text));
-    const bool isHex = (spec.letter | 0x20) == 'a';
+    const bool isHex = (field.letter | 0x20) == 'a';
     const size_t exponent = std::min(all.find_last_of(isHex ? "pP" : "eE"), all.size());
     m_pieces.head = all.substr(0, exponent);
     m_pieces.tail = all.substr(exponent);
-    m_pieces.point = spec.alternate && m_pieces.head.find('.') == std::string_view::npos;
+    m_pieces.point = field.alternate && m_pieces.head.find('.') == std::string_view::npos;
   }
 
   Float m_value;
@@ -78,24 +78,24 @@ class Digits {
 };
 
 template <class Float>
-void Write(FormatOutput& out, const FormatSpec& spec, Float value) {
-  const bool upper = spec.letter < 'a';
-  const std::string_view sign = SignOf(spec, std::signbit(value));
+void Write(FormatOutput& out, const FormatField& field, Float value) {
+  const bool upper = field.letter < 'a';
+  const std::string_view sign = SignOf(field, std::signbit(value));
   if (!std::isfinite(value)) {
     NumberText text;
     text.prefix = sign;
     text.head = std::isnan(value) ? (upper ? "NAN" : "nan") : upper ? "INF" : "inf";
-    return WriteNumber(out, spec, text, false);
+    return WriteNumber(out, field, text, false);
   }
-  const Digits<Float> digits(spec, std::fabs(value));
+  const Digits<Float> digits(field, std::fabs(value));
   NumberText text = digits.Text();
   const char prefix[] = {sign.empty() ? ' ' : sign[0], '0', upper ? 'X' : 'x'};
-  const size_t base = (spec.letter | 0x20) == 'a' ? 2 : 0;
+  const size_t base = (field.letter | 0x20) == 'a' ? 2 : 0;
   text.prefix = std::string_view(prefix, 1 + base).substr(sign.empty());
-  WriteNumber(out, spec, text, true);
+  WriteNumber(out, field, text, true);
 }
 
 }  // namespace
 
-void WriteFloat(FormatOutput& out, const FormatSpec& spec, double value) { Write(out, spec, value); }
-void WriteFloat(FormatOutput& out, const FormatSpec& spec, long double value) { Write(out, spec, value); }
+void WriteFloat(FormatOutput& out, const FormatField& field, double value) { Write(out, field, value); }
+void WriteFloat(FormatOutput& out, const FormatField& field, long double value) { Write(out, field, value); }

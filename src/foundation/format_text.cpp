@@ -1,7 +1,7 @@
 #include "foundation/format_text.h"
 
+#include "foundation/format_field.h"
 #include "foundation/format_float.h"
-#include "foundation/format_spec.h"
 
 #include <algorithm>
 #include <charconv>
@@ -56,38 +56,38 @@ class Formatter {
         m_out.Put("%");
         break;
       }
-      FormatSpec spec;
-      fmt = ReadFormatSpec(fmt, spec);
-      if (!fmt || !TakeStars(spec) || !Write(spec)) return -1;
+      FormatField field;
+      fmt = ReadFormatField(fmt, field);
+      if (!fmt || !TakeStars(field) || !Write(field)) return -1;
     }
     return m_out.Finish();
   }
 
  private:
-  bool TakeStars(FormatSpec& spec) {
-    if (spec.starWidth) {
-      spec.width = va_arg(m_args, int);
-      if (spec.width < 0) {
-        if (spec.width == INT32_MIN) return false;
-        spec.left = true;
-        spec.width = -spec.width;
+  bool TakeStars(FormatField& field) {
+    if (field.starWidth) {
+      field.width = va_arg(m_args, int);
+      if (field.width < 0) {
+        if (field.width == INT32_MIN) return false;
+        field.left = true;
+        field.width = -field.width;
       }
     }
-    if (spec.starPrecision) spec.precision = std::max(va_arg(m_args, int), -1);
+    if (field.starPrecision) field.precision = std::max(va_arg(m_args, int), -1);
     return true;
   }
 
-  bool Write(const FormatSpec& spec) {
-    switch (spec.letter) {
+  bool Write(const FormatField& field) {
+    switch (field.letter) {
       case 'd':
       case 'i':
-        WriteSigned(spec, TakeSigned(spec.size));
+        WriteSigned(field, TakeSigned(field.size));
         return true;
       case 'u':
       case 'o':
       case 'x':
       case 'X':
-        WriteUnsigned(spec, TakeUnsigned(spec.size), {});
+        WriteUnsigned(field, TakeUnsigned(field.size), {});
         return true;
       case 'f':
       case 'F':
@@ -97,28 +97,28 @@ class Formatter {
       case 'G':
       case 'a':
       case 'A':
-        if (spec.size == FORMAT_LONG_LONG)
-          WriteFloat(m_out, spec, va_arg(m_args, long double));
+        if (field.size == FORMAT_LONG_LONG)
+          WriteFloat(m_out, field, va_arg(m_args, long double));
         else
-          WriteFloat(m_out, spec, va_arg(m_args, double));
+          WriteFloat(m_out, field, va_arg(m_args, double));
         return true;
       case 'c':
       case 'C':
-        return WriteCharacter(spec, va_arg(m_args, int));
+        return WriteCharacter(field, va_arg(m_args, int));
       case 's':
       case 'S':
-        return WriteString(spec);
+        return WriteString(field);
       case 'p':
-        WritePointer(spec, va_arg(m_args, const void*));
+        WritePointer(field, va_arg(m_args, const void*));
         return true;
       case 'n':
-        StoreLength(spec.size);
+        StoreLength(field.size);
         return true;
       case '%':
         m_out.Put("%");
         return true;
       default:
-        WriteUnknown(spec);
+        WriteUnknown(field);
         return true;
     }
   }
@@ -192,57 +192,61 @@ class Formatter {
     }
   }
 
-  void WriteSigned(const FormatSpec& spec, int64_t value) {
+  void WriteSigned(const FormatField& field, int64_t value) {
     const uint64_t magnitude = value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
-    WriteUnsigned(spec, magnitude, SignOf(spec, value < 0));
+    WriteUnsigned(field, magnitude, SignOf(field, value < 0));
   }
 
-  void WriteUnsigned(const FormatSpec& spec, uint64_t value, std::string_view prefix) {
+  void WriteUnsigned(const FormatField& field, uint64_t value, std::string_view prefix) {
     char digits[24];
-    const int base = spec.letter == 'o' ? 8 : (spec.letter | 0x20) == 'x' ? 16 : 10;
-    const bool none = value == 0 && spec.precision == 0;
+    const int base = field.letter == 'o' ? 8 : (field.letter | 0x20) == 'x' ? 16 : 10;
+    const bool none = value == 0 && field.precision == 0;
     char* const end = none ? digits : std::to_chars(digits, std::end(digits), value, base).ptr;
     NumberText text;
     text.head = {digits, static_cast<size_t>(end - digits)};
     text.prefix = prefix;
-    text.leadingZeros = std::max(spec.precision - (end - digits), ptrdiff_t{0});
-    if (spec.letter == 'X') MakeUpperCase(digits, end);
-    if (spec.alternate && base == 16 && value) text.prefix = spec.letter == 'X' ? "0X" : "0x";
-    if (spec.alternate && base == 8 && text.leadingZeros == 0 && (none || value)) text.leadingZeros = 1;
-    WriteNumber(m_out, spec, text, spec.precision < 0);
+    text.leadingZeros = std::max(field.precision - (end - digits), ptrdiff_t{0});
+    if (field.letter == 'X') MakeUpperCase(digits, end);
+    if (field.alternate && base == 16 && value) text.prefix = field.letter == 'X' ? "0X" : "0x";
+    if (field.alternate && base == 8 && text.leadingZeros == 0 && (none || value)) text.leadingZeros = 1;
+    WriteNumber(m_out, field, text, field.precision < 0);
   }
 
-  void WritePointer(FormatSpec spec, const void* pointer) {
-    if (!pointer) return WritePadded(spec, "(nil)");
-    spec.letter = 'x';
-    spec.alternate = false;
-    WriteUnsigned(spec, reinterpret_cast<uintptr_t>(pointer), spec.plus ? "+0x" : spec.space ? " 0x" : "0x");
+  void WritePointer(FormatField field, const void* pointer) {
+    if (!pointer) return WritePadded(field, "(nil)");
+    field.letter = 'x';
+    field.alternate = false;
+    WriteUnsigned(field, reinterpret_cast<uintptr_t>(pointer),
+                  field.plus    ? "+0x"
+                  : field.space ? " 0x"
+                                : "0x");
   }
 
-  bool WriteCharacter(const FormatSpec& spec, int value) {
+  bool WriteCharacter(const FormatField& field, int value) {
     char bytes[UTF8_LONGEST] = {static_cast<char>(value)};
-    const size_t length = spec.IsWide() ? EncodeUtf8(static_cast<uint32_t>(value), bytes) : 1;
-    WritePadded(spec, {bytes, length});
+    const size_t length = field.IsWide() ? EncodeUtf8(static_cast<uint32_t>(value), bytes) : 1;
+    WritePadded(field, {bytes, length});
     return length > 0;
   }
 
-  bool WriteString(const FormatSpec& spec) {
+  bool WriteString(const FormatField& field) {
     static constexpr std::string_view NULL_MARKER = "(null)";
     const void* const text = va_arg(m_args, const void*);
-    const size_t limit = spec.precision < 0 ? SIZE_MAX : static_cast<size_t>(spec.precision);
+    const size_t limit = field.precision < 0 ? SIZE_MAX : static_cast<size_t>(field.precision);
     if (!text) {
-      WritePadded(spec, NULL_MARKER.size() <= limit ? NULL_MARKER : "");
+      WritePadded(field, NULL_MARKER.size() <= limit ? NULL_MARKER : "");
       return true;
     }
-    if (spec.IsWide() || spec.letter == 'S') return WriteWide(spec, static_cast<const wchar_t*>(text), limit);
+    if (field.IsWide() || field.letter == 'S')
+      return WriteWide(field, static_cast<const wchar_t*>(text), limit);
     const char* const bytes = static_cast<const char*>(text);
     // With a precision the text need not be terminated.
-    WritePadded(spec, {bytes, spec.precision < 0 ? std::strlen(bytes) : strnlen(bytes, limit)});
+    WritePadded(field, {bytes, field.precision < 0 ? std::strlen(bytes) : strnlen(bytes, limit)});
     return true;
   }
 
   // The precision counts bytes and cuts no character.
-  bool WriteWide(const FormatSpec& spec, const wchar_t* text, size_t limit) {
+  bool WriteWide(const FormatField& field, const wchar_t* text, size_t limit) {
     char bytes[UTF8_LONGEST];
     size_t total = 0;
     const wchar_t* end = text;
@@ -254,33 +258,33 @@ class Formatter {
       total += length;
       end = next;
     }
-    const int64_t blanks = std::max(spec.width - static_cast<int64_t>(total), int64_t{0});
-    if (!spec.left) m_out.Fill(' ', blanks);
+    const int64_t blanks = std::max(field.width - static_cast<int64_t>(total), int64_t{0});
+    if (!field.left) m_out.Fill(' ', blanks);
     while (text != end) m_out.Put({bytes, EncodeUtf8(TakeCode(text), bytes)});
-    if (spec.left) m_out.Fill(' ', blanks);
+    if (field.left) m_out.Fill(' ', blanks);
     return true;
   }
 
-  void WritePadded(const FormatSpec& spec, std::string_view text) {
+  void WritePadded(const FormatField& field, std::string_view text) {
     NumberText plain;
     plain.head = text;
-    WriteNumber(m_out, spec, plain, false);
+    WriteNumber(m_out, field, plain, false);
   }
 
   // As the GNU C library spells it.
-  void WriteUnknown(const FormatSpec& spec) {
+  void WriteUnknown(const FormatField& field) {
     char text[48] = "%";
     char* p = text + 1;
-    if (spec.alternate) *p++ = '#';
-    if (spec.plus || spec.space) *p++ = spec.plus ? '+' : ' ';
-    if (spec.left) *p++ = '-';
-    if (spec.zero && !spec.left) *p++ = '0';
-    if (spec.width) p = std::to_chars(p, std::end(text), spec.width).ptr;
-    if (spec.precision >= 0) {
+    if (field.alternate) *p++ = '#';
+    if (field.plus || field.space) *p++ = field.plus ? '+' : ' ';
+    if (field.left) *p++ = '-';
+    if (field.zero && !field.left) *p++ = '0';
+    if (field.width) p = std::to_chars(p, std::end(text), field.width).ptr;
+    if (field.precision >= 0) {
       *p++ = '.';
-      p = std::to_chars(p, std::end(text), spec.precision).ptr;
+      p = std::to_chars(p, std::end(text), field.precision).ptr;
     }
-    *p++ = spec.letter;
+    *p++ = field.letter;
     m_out.Put({text, static_cast<size_t>(p - text)});
   }
 

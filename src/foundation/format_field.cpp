@@ -1,4 +1,4 @@
-#include "foundation/format_spec.h"
+#include "foundation/format_field.h"
 
 #include <algorithm>
 #include <cstring>
@@ -14,22 +14,22 @@ bool ReadCount(const char*& p, int& count) {
   return value < TOO_LONG;
 }
 
-const char* ReadFlags(const char* p, FormatSpec& spec) {
+const char* ReadFlags(const char* p, FormatField& field) {
   for (;; ++p) switch (*p) {
       case '-':
-        spec.left = true;
+        field.left = true;
         break;
       case '+':
-        spec.plus = true;
+        field.plus = true;
         break;
       case ' ':
-        spec.space = true;
+        field.space = true;
         break;
       case '#':
-        spec.alternate = true;
+        field.alternate = true;
         break;
       case '0':
-        spec.zero = true;
+        field.zero = true;
         break;
       case '\'':  // groups of digits, which the "C" locale has none of
         break;
@@ -39,27 +39,27 @@ const char* ReadFlags(const char* p, FormatSpec& spec) {
 }
 
 // The letters of C99, and "q" and "Z" as others have spelled "ll" and "z".
-const char* ReadSize(const char* p, FormatSpec& spec) {
+const char* ReadSize(const char* p, FormatField& field) {
   switch (*p) {
     case 'h':
-      spec.size = p[1] == 'h' ? FORMAT_CHAR : FORMAT_SHORT;
+      field.size = p[1] == 'h' ? FORMAT_CHAR : FORMAT_SHORT;
       return p + (p[1] == 'h' ? 2 : 1);
     case 'l':
-      spec.size = p[1] == 'l' ? FORMAT_LONG_LONG : FORMAT_LONG;
+      field.size = p[1] == 'l' ? FORMAT_LONG_LONG : FORMAT_LONG;
       return p + (p[1] == 'l' ? 2 : 1);
     case 'L':
     case 'q':
-      spec.size = FORMAT_LONG_LONG;
+      field.size = FORMAT_LONG_LONG;
       return p + 1;
     case 'j':
-      spec.size = FORMAT_INTMAX;
+      field.size = FORMAT_INTMAX;
       return p + 1;
     case 'z':
     case 'Z':
-      spec.size = FORMAT_SIZE;
+      field.size = FORMAT_SIZE;
       return p + 1;
     case 't':
-      spec.size = FORMAT_PTRDIFF;
+      field.size = FORMAT_PTRDIFF;
       return p + 1;
     default:
       return p;
@@ -68,25 +68,25 @@ const char* ReadSize(const char* p, FormatSpec& spec) {
 
 }  // namespace
 
-const char* ReadFormatSpec(const char* p, FormatSpec& spec) {
-  p = ReadFlags(p, spec);
+const char* ReadFormatField(const char* p, FormatField& field) {
+  p = ReadFlags(p, field);
   if (*p == '*') {
-    spec.starWidth = true;
+    field.starWidth = true;
     ++p;
-  } else if (!ReadCount(p, spec.width)) {
+  } else if (!ReadCount(p, field.width)) {
     return nullptr;
   }
   if (*p == '.') {
     ++p;
     if (*p == '*') {
-      spec.starPrecision = true;
+      field.starPrecision = true;
       ++p;
-    } else if (!ReadCount(p, spec.precision)) {
+    } else if (!ReadCount(p, field.precision)) {
       return nullptr;
     }
   }
-  p = ReadSize(p, spec);
-  spec.letter = *p;
+  p = ReadSize(p, field);
+  field.letter = *p;
   return *p ? p + 1 : nullptr;
 }
 
@@ -111,26 +111,26 @@ int FormatOutput::Finish() {
   return m_length <= INT32_MAX ? static_cast<int>(m_length) : -1;
 }
 
-void WriteNumber(FormatOutput& out, const FormatSpec& spec, NumberText text, bool mayPadZeros) {
+void WriteNumber(FormatOutput& out, const FormatField& field, NumberText text, bool mayPadZeros) {
   const int64_t length = static_cast<int64_t>(text.prefix.size() + text.head.size() + text.tail.size()) +
                          text.leadingZeros + text.point + text.innerZeros;
-  int64_t blanks = std::max(spec.width - length, int64_t{0});
-  if (mayPadZeros && spec.zero && !spec.left) {
+  int64_t blanks = std::max(field.width - length, int64_t{0});
+  if (mayPadZeros && field.zero && !field.left) {
     text.leadingZeros += blanks;
     blanks = 0;
   }
-  if (!spec.left) out.Fill(' ', blanks);
+  if (!field.left) out.Fill(' ', blanks);
   out.Put(text.prefix);
   out.Fill('0', text.leadingZeros);
   out.Put(text.head);
   if (text.point) out.Put(".");
   out.Fill('0', text.innerZeros);
   out.Put(text.tail);
-  if (spec.left) out.Fill(' ', blanks);
+  if (field.left) out.Fill(' ', blanks);
 }
 
-std::string_view SignOf(const FormatSpec& spec, bool negative) {
-  return negative ? "-" : spec.plus ? "+" : spec.space ? " " : "";
+std::string_view SignOf(const FormatField& field, bool negative) {
+  return negative ? "-" : field.plus ? "+" : field.space ? " " : "";
 }
 
 void MakeUpperCase(char* p, const char* end) {

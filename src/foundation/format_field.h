@@ -18,7 +18,7 @@ enum FormatSize {
 };
 
 /// One conversion of a format.
-struct FormatSpec {
+struct FormatField {
   bool left = false;
   bool plus = false;
   bool space = false;
@@ -36,7 +36,7 @@ struct FormatSpec {
 
 /// Reads what stands behind a "%". Answers the position behind it; null when the format ends inside, or a
 /// number does not fit an int.
-const char* ReadFormatSpec(const char* p, FormatSpec& spec);
+const char* ReadFormatField(const char* p, FormatField& field);
 
 /// A buffer that keeps what fits and counts what does not.
 class FormatOutput {
@@ -69,8 +69,8 @@ struct NumberText {
 
 /// Writes the pieces into their field, which takes zeros instead of blanks when its flag and `mayPadZeros`
 /// say so.
-void WriteNumber(FormatOutput& out, const FormatSpec& spec, NumberText text, bool mayPadZeros);
+void WriteNumber(FormatOutput& out, const FormatField& field, NumberText text, bool mayPadZeros);
 
 /// "-", or what the flags put in its place.
-std::string_view SignOf(const FormatSpec& spec, bool negative);
+std::string_view SignOf(const FormatField& field, bool negative);
 void MakeUpperCase(char* p, const char* end);
