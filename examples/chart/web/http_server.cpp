@@ -151,7 +151,7 @@ MHD_Result HttpServer::Core::OnRequest(void* self, MHD_Connection* connection, c
     exchange->connection = connection;
     if (!exchange->isSeen) {
       exchange->isSeen = true;
-      HeldBy(connection)->release();
+      static_cast<void>(HeldBy(connection)->release());  // from here on `OnEnd` is told
       ++core->m_exchanges;
       exchange->method = method;
       return core->Check(*exchange) ? MHD_YES : core->Send(*exchange);
