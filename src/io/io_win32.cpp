@@ -3,6 +3,7 @@
 #include <k7/foundation/array.h>
 #include <k7/foundation/string.h>
 
+#include "foundation/calendar.h"
 #include "io/wild_card.h"
 
 #ifndef NOMINMAX
@@ -27,46 +28,9 @@
 
 namespace {
 
-constexpr int64_t DAY = 86400;
+using namespace k7calendar;
 
-// Days from 1970-01-01 to a date of the proleptic Gregorian calendar, and back: Howard Hinnant,
-// "chrono-Compatible Low-Level Date Algorithms", days_from_civil and civil_from_days. The runtime's own
-// calendar refuses what lies before 1970.
-int64_t FloorDiv(int64_t a, int64_t b) { return a / b - (a % b < 0); }
-
-int64_t DaysFromDate(int64_t year, int64_t month, int64_t day) {
-  year -= month <= 2;
-  const int64_t era = FloorDiv(year, 400);
-  const int64_t yearOfEra = year - era * 400;
-  const int64_t dayOfYear = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
-  return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
-}
-
-int WeekDay(int64_t days) { return static_cast<int>(days + 4 - FloorDiv(days + 4, 7) * 7); }
-
-// False when the year does not fit.
-bool Split(int64_t seconds, int64_t& year, std::tm& fields) {
-  const int64_t days = FloorDiv(seconds, DAY);
-  const int64_t era = FloorDiv(days + 719468, 146097);
-  const int64_t dayOfEra = days + 719468 - era * 146097;
-  const int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const int64_t fromMarch = (5 * dayOfYear + 2) / 153;
-  const int64_t month = fromMarch < 10 ? fromMarch + 3 : fromMarch - 9;
-  year = yearOfEra + era * 400 + (month <= 2);
-  if (year - 1900 < INT32_MIN || year > INT32_MAX) return false;
-  const int64_t second = seconds - days * DAY;
-  fields = {};
-  fields.tm_year = static_cast<int>(year - 1900);
-  fields.tm_mon = static_cast<int>(month) - 1;
-  fields.tm_mday = static_cast<int>(dayOfYear - (153 * fromMarch + 2) / 5) + 1;
-  fields.tm_hour = static_cast<int>(second / 3600);
-  fields.tm_min = static_cast<int>(second / 60 % 60);
-  fields.tm_sec = static_cast<int>(second % 60);
-  fields.tm_wday = WeekDay(days);
-  fields.tm_yday = static_cast<int>(days - DaysFromDate(year, 1, 1));
-  return true;
-}
+int64_t YearOf(const std::tm& fields) { return int64_t{fields.tm_year} + FIRST_TM_YEAR; }
 
 // Wall-clock seconds of a rule such as the last Sunday of March, or of a date, in `year`.
 int64_t RuleSeconds(int64_t year, const SYSTEMTIME& rule) {
@@ -256,21 +220,20 @@ void SetSeconds(HINTERNET internet, DWORD option, DWORD seconds) {
 }  // namespace
 
 bool k7os::LocalTime(int64_t seconds, std::tm& fields) {
-  int64_t year = 0;
-  if (!Split(seconds, year, fields)) return false;
-  ZoneYear zone(year);
+  if (!SplitSeconds(seconds, fields)) return false;
+  ZoneYear zone(YearOf(fields));
   // The year that counts is that of the zone.
-  if (!Split(seconds - zone.standard, year, fields)) return false;
-  zone = ZoneYear(year);
+  if (!SplitSeconds(seconds - zone.standard, fields)) return false;
+  zone = ZoneYear(YearOf(fields));
   const bool summer = zone.IsDaylight(seconds);
-  if (!Split(seconds - (summer ? zone.daylight : zone.standard), year, fields)) return false;
+  if (!SplitSeconds(seconds - (summer ? zone.daylight : zone.standard), fields)) return false;
   fields.tm_isdst = summer;
   return true;
 }
 
 bool k7os::MakeTime(std::tm& fields, int64_t& seconds) {
-  const int64_t carried = fields.tm_mon >= 0 ? fields.tm_mon / 12 : -((11 - fields.tm_mon) / 12);
-  const int64_t year = int64_t{fields.tm_year} + 1900 + carried;
+  const int64_t carried = FloorDiv(fields.tm_mon, 12);
+  const int64_t year = YearOf(fields) + carried;
   const int64_t days = DaysFromDate(year, fields.tm_mon - carried * 12 + 1, 1) + fields.tm_mday - 1;
   const int64_t wall =
       days * DAY + fields.tm_hour * int64_t{3600} + fields.tm_min * int64_t{60} + fields.tm_sec;
