@@ -1,16 +1,8 @@
 #!/bin/bash
 # k7chart from outside: command_line.sh K7CHART
-set -uo pipefail
-chart=$1
-# The font library keeps its tables until the process ends, which a leak check would count.
-here=$(cd "$(dirname "$0")" && pwd)
-sample=$here/../../data/sample
-sample=$(cd "$sample" && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
-failed=0
-fail() { echo "FAILED: $*"; failed=1; }
+source "$(dirname "$0")/../support/command_line.sh"
+chart=$program
+sample=$data
 
 for format in png svg pdf; do
   "$chart" --range 300 --output "chart.$format" || fail "drawing chart.$format"

@@ -1,15 +1,9 @@
 #!/bin/bash
 # Files of map tiles from outside: tiles.sh K7CHART. Compares them with SQLite's own reader and, where GDAL's programs are
 # here, with what GDAL says is where.
-set -uo pipefail
-chart=$1
-here=$(cd "$(dirname "$0")" && pwd)
-sample=$(cd "$here/../../data/sample" && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
-failed=0
-fail() { echo "FAILED: $*"; failed=1; }
+source "$(dirname "$0")/../support/command_line.sh"
+chart=$program
+sample=$data
 command -v python3 >/dev/null || { echo "skipped: there is no python3"; exit 0; }
 
 same() {  # two files of tiles
@@ -18,12 +12,6 @@ import sqlite3, sys
 tiles = [sqlite3.connect(name).execute("SELECT * FROM tiles ORDER BY 1, 2, 3").fetchall() for name in sys.argv[1:]]
 sys.exit(tiles[0] != tiles[1] or not tiles[0])
 END
-}
-refuses() {  # what the one line of the error output must hold, then arguments
-  local expected=$1
-  shift
-  "$chart" tiles "$@" >out.txt 2>err.txt && fail "tiles $* is taken"
-  test "$(wc -l <err.txt)" = 1 && grep -q -- "$expected" err.txt || fail "tiles $*: $(cat err.txt)"
 }
 
 salish=(--bounds=-124.6,47.6,-121.4,49.9 --zoom 4-10)
@@ -41,8 +29,8 @@ for signal in KILL INT; do
   kill -$signal $!
   wait $! 2>/dev/null && fail "there was nothing to end by SIG$signal"
   test ! -e "$signal.mbtiles" || fail "half a file has the name of a whole one"
-  refuses "look: day, not night" "${salish[@]}" --theme night --output "$signal.mbtiles"
-  refuses "maxzoom: 10, not 9" "${salish[0]}" --zoom 4-9 --output "$signal.mbtiles"
+  refuses "look: day, not night" tiles "${salish[@]}" --theme night --output "$signal.mbtiles"
+  refuses "maxzoom: 10, not 9" tiles "${salish[0]}" --zoom 4-9 --output "$signal.mbtiles"
   "$chart" tiles "${salish[@]}" --output "$signal.mbtiles" | grep -q "[1-9][0-9]* of a run before$" ||
     fail "a run after SIG$signal begins anew"
   same whole.mbtiles "$signal.mbtiles" || fail "tiles after SIG$signal are others"
@@ -58,25 +46,25 @@ done
 wait
 "$chart" tiles merge merged.mbtiles part3.mbtiles part1.mbtiles part2.mbtiles >out.txt &&
   same whole.mbtiles merged.mbtiles || fail "parts joined"
-refuses "missing: 2" merge again.mbtiles part1.mbtiles part3.mbtiles
-refuses "without --shard" merge again.mbtiles part1.mbtiles whole.mbtiles
+refuses "missing: 2" tiles merge again.mbtiles part1.mbtiles part3.mbtiles
+refuses "without --shard" tiles merge again.mbtiles part1.mbtiles whole.mbtiles
 "$chart" tiles "${salish[@]}" --shard 2/3 --hide airways --output other.mbtiles >out.txt || fail "a part without airways"
-refuses "hide airways" merge again.mbtiles part1.mbtiles other.mbtiles part3.mbtiles
+refuses "hide airways" tiles merge again.mbtiles part1.mbtiles other.mbtiles part3.mbtiles
 python3 - part2.mbtiles <<'END'
 import sqlite3, sys
 part = sqlite3.connect(sys.argv[1])
 part.execute("DELETE FROM map WHERE zoom_level = (SELECT max(zoom_level) FROM map)")
 part.commit()
 END
-refuses "takes no --hide" merge again.mbtiles part1.mbtiles part2.mbtiles part3.mbtiles --hide airways
-refuses "the parts have" merge again.mbtiles part1.mbtiles part2.mbtiles part3.mbtiles
+refuses "takes no --hide" tiles merge again.mbtiles part1.mbtiles part2.mbtiles part3.mbtiles --hide airways
+refuses "the parts have" tiles merge again.mbtiles part1.mbtiles part2.mbtiles part3.mbtiles
 ls | grep -v mbtiles$ | grep -e journal -e 'merged.*part' && fail "remains beside the files"
 
-refuses "100000000 is the most" --bounds=-180,-90,180,90 --zoom 0-20 --output big.mbtiles
-refuses "bounds are" --bounds=1,2,3,nan --zoom 3 --output big.mbtiles
-refuses "zooms are" --bounds=1,2,3,4 --zoom 3-21 --output big.mbtiles
-refuses "a part is" --bounds=1,2,3,4 --zoom 3 --shard 9/8 --output big.mbtiles
-refuses "no/where.mbtiles" --bounds=1,2,3,4 --zoom 3 --output no/where.mbtiles
+refuses "100000000 is the most" tiles --bounds=-180,-90,180,90 --zoom 0-20 --output big.mbtiles
+refuses "bounds are" tiles --bounds=1,2,3,nan --zoom 3 --output big.mbtiles
+refuses "zooms are" tiles --bounds=1,2,3,4 --zoom 3-21 --output big.mbtiles
+refuses "a part is" tiles --bounds=1,2,3,4 --zoom 3 --shard 9/8 --output big.mbtiles
+refuses "no/where.mbtiles" tiles --bounds=1,2,3,4 --zoom 3 --output no/where.mbtiles
 
 command -v gdal_translate >/dev/null && command -v gdal_rasterize >/dev/null && command -v ogr2ogr >/dev/null ||
   { echo "GDAL's programs are not here: pixels are not compared"; exit $failed; }

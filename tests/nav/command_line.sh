@@ -1,26 +1,13 @@
 #!/bin/bash
 # k7nav from outside: command_line.sh K7NAV
-set -uo pipefail
-nav=$1
-here=$(cd "$(dirname "$0")" && pwd)
-sample=$(cd "$here/../../data/sample/navdata" && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
-failed=0
-fail() { echo "FAILED: $*"; failed=1; }
+source "$(dirname "$0")/../support/command_line.sh"
+nav=$program
+sample=$data/navdata
 
 says() {  # what a line of the output must hold, then arguments
   local expected=$1
   shift
   "$nav" "$@" 2>&1 | grep -q -- "$expected" || fail "no '$expected' in k7nav $*"
-}
-refuses() {  # what the one line of the error output must hold, then arguments
-  local expected=$1
-  shift
-  "$nav" "$@" >out.txt 2>err.txt && fail "k7nav $* is taken"
-  test ! -s out.txt || fail "k7nav $* prints"
-  test "$(wc -l <err.txt)" = 1 && grep -q -- "$expected" err.txt || fail "k7nav $*: $(cat err.txt)"
 }
 
 
